@@ -1,0 +1,111 @@
+#include "ctl/answers.h"
+
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <utility>
+#include <vector>
+
+#include "app/status_title.h"
+#include "platform/unicode.h"
+#include "shells/json/json_text.h"
+
+namespace ctl {
+namespace {
+
+/// "2026-01-02T03:04:05.123456789Z"
+std::string utcText(ORVFileDate date) {
+    const std::time_t seconds = date.seconds;
+    std::tm time{};
+    // Fails for a year beyond an int; the date of an inode may be any number. The last second that
+    // can be told stands for it.
+    if (!gmtime_r(&seconds, &time)) {
+        const std::time_t lastSecond = 253402300799;  // 9999-12-31T23:59:59Z
+        gmtime_r(&lastSecond, &time);
+    }
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.%09dZ",
+                  time.tm_year + 1900, time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min,
+                  time.tm_sec, date.nanoseconds);
+    return text.data();
+}
+
+std::string usageJSON(const std::optional<ORVContextUsage>& usage) {
+    if (!usage) {
+        return "null";
+    }
+    return json::object({{"inputTokens", std::to_string(usage->inputTokens())},
+                         {"contextWindow", std::to_string(usage->contextWindow())},
+                         {"percentage", json::number(usage->percentage())}});
+}
+
+}  // namespace
+
+std::string snapshotJSON(const std::optional<ORVSessionSnapshot>& snapshot) {
+    if (!snapshot) {
+        return "null";
+    }
+    return json::object(
+        {{"title", json::quoted(snapshot->title())},
+         {"threadID", json::quoted(snapshot->threadID())},
+         {"file", json::quoted(snapshot->fileURL())},
+         {"compactionCount", std::to_string(snapshot->compactionCount())},
+         {"contextUsage", usageJSON(snapshot->contextUsage())},
+         {"contextStatus", std::to_string(snapshot->contextStatus())},
+         {"compactionStatus", std::to_string(snapshot->compactionStatus())},
+         {"lastUpdated", json::quoted(utcText(snapshot->lastUpdated()))}});
+}
+
+std::string focusJSON(const ORVCodexFocusState& focusState) {
+    return json::object({{"status", std::to_string(focusState.status())},
+                         {"threadID", json::quotedOrNull(focusState.threadID())},
+                         {"codexVersion", json::quotedOrNull(focusState.codexVersion())},
+                         {"message", json::quoted(focusState.message())}});
+}
+
+std::string titlesJSON(const Titles& titles) {
+    std::vector<std::pair<std::string_view, std::string>> fields;
+    for (const auto& [threadID, title] : titles) {
+        fields.emplace_back(threadID, json::quoted(title));
+    }
+    return json::object(fields);
+}
+
+std::string errorJSON(const ORVErrorSlot& error) {
+    if (!error) {
+        return "null";
+    }
+    return json::object({{"domain", json::quoted(error->domain)},
+                         {"code", std::to_string(error->code)},
+                         {"description", json::quoted(error->description)}});
+}
+
+std::string snapshotText(const ORVSessionSnapshot& snapshot) {
+    return app::statusItemTitle(snapshot) + "  " + platform::forTerminal(snapshot.title());
+}
+
+std::string focusText(const ORVCodexFocusState& focusState) {
+    switch (focusState.status()) {
+        case ORVCodexFocusStatusTaskInView:
+            return "Task in view: " + *focusState.threadID();
+        case ORVCodexFocusStatusNewTask:
+            return "No task in view: a new task is being set up";
+        case ORVCodexFocusStatusLogsUnavailable:
+            return "No task in view: the Codex desktop application has written no logs here";
+        case ORVCodexFocusStatusNoFocusRecord:
+            return "No task in view: none was opened in the Codex desktop application so far";
+        case ORVCodexFocusStatusIncompatible:
+            return "No task in view: the format of the Codex desktop logs changed";
+    }
+    return focusState.message();
+}
+
+std::string titlesText(const Titles& titles) {
+    std::string text;
+    for (const auto& [threadID, title] : titles) {
+        text += platform::forTerminal(threadID) + '\t' + platform::forTerminal(title) + '\n';
+    }
+    return text;
+}
+
+}  // namespace ctl

@@ -1,0 +1,45 @@
+#include "ctl/output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+#include "platform/ORVError.h"
+#include "platform/unicode.h"
+
+namespace ctl {
+namespace {
+
+/// 0, or the errno of the failure.
+int writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(descriptor, bytes.data(), bytes.size());
+        if (count >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+WriteResult writeOutput(std::string_view bytes) {
+    const int failure = writeAll(STDOUT_FILENO, bytes);
+    if (failure == 0) {
+        return WriteResult::written;
+    }
+    if (failure == EPIPE) {
+        return WriteResult::readerLeft;
+    }
+    complain("cannot write the output: " + platform::posixError(failure).description);
+    return WriteResult::failed;
+}
+
+void complain(std::string_view text) {
+    writeAll(STDERR_FILENO, "brimletctl: " + platform::forTerminal(text) + '\n');
+}
+
+}  // namespace ctl

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string_view>
+
+/// Standard output of brimletctl: unbuffered, so that whoever reads it has every answer at once.
+namespace ctl {
+
+enum class WriteResult {
+    written,
+    readerLeft,  ///< The other end of the pipe was closed: a wish to stop, no failure.
+    failed,      ///< Told on standard error.
+};
+
+/// Writes all of the bytes. Expects SIGPIPE to be ignored.
+WriteResult writeOutput(std::string_view bytes);
+
+/// "brimletctl: " and the text, as a line on standard error; control characters made harmless.
+void complain(std::string_view text);
+
+}  // namespace ctl

@@ -1,0 +1,65 @@
+// Queries from standard input, each answered with a JSON line before the next is read. The sources
+// live as long as the program: reading positions, caches and the current focus event carry over.
+
+#include <istream>
+
+#include "app/refresh_step.h"
+#include "ctl/answers.h"
+#include "ctl/commands.h"
+#include "ctl/output.h"
+#include "shells/json/json_text.h"
+
+namespace ctl {
+namespace {
+
+std::string snapshotAnswer(const std::optional<ORVSessionSnapshot>& snapshot,
+                           const ORVErrorSlot& error) {
+    return json::object({{"snapshot", snapshotJSON(snapshot)}, {"error", errorJSON(error)}});
+}
+
+std::string answer(Sources& sources, const std::string& query) {
+    constexpr std::string_view kTask = "task ";
+    ORVErrorSlot error;
+    if (query == "focus") {
+        const ORVCodexFocusState focusState = sources.focus.currentFocusStateWithError(&error);
+        return json::object({{"focus", focusJSON(focusState)}, {"error", errorJSON(error)}});
+    }
+    if (query == "latest") {
+        const auto snapshot = sources.session.latestSnapshotWithError(&error);
+        return snapshotAnswer(snapshot, error);
+    }
+    if (query.starts_with(kTask)) {
+        const auto snapshot =
+            sources.session.snapshotForThreadID(query.substr(kTask.size()), &error);
+        return snapshotAnswer(snapshot, error);
+    }
+    if (query == "titles") {
+        return json::object({{"titles", titlesJSON(sources.session.threadTitles())}});
+    }
+    if (query == "refresh") {
+        const ORVRefreshResults results = app::refreshFromFiles(sources.focus, sources.session);
+        return json::object({{"focus", focusJSON(results.focusState)},
+                             {"snapshot", snapshotJSON(results.snapshot)},
+                             {"error", errorJSON(results.error)}});
+    }
+    return json::object({{"error", errorJSON(ORVError{"brimletctl", 2, "unknown query"})}});
+}
+
+}  // namespace
+
+int answerQueries(Sources& sources, std::istream& input) {
+    std::string query;
+    while (std::getline(input, query)) {
+        switch (writeOutput(answer(sources, query) + '\n')) {
+            case WriteResult::written:
+                break;
+            case WriteResult::readerLeft:
+                return kAnswered;
+            case WriteResult::failed:
+                return kNothingToShow;
+        }
+    }
+    return kAnswered;
+}
+
+}  // namespace ctl

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+
+enum ORVCodexFocusStatus : std::int64_t {
+    ORVCodexFocusStatusTaskInView = 0,
+    ORVCodexFocusStatusNewTask = 1,          ///< The task in view has no thread yet.
+    ORVCodexFocusStatusLogsUnavailable = 2,  ///< There is no desktop log.
+    ORVCodexFocusStatusNoFocusRecord = 3,    ///< The logs have told of no task so far.
+    ORVCodexFocusStatusIncompatible = 4,     ///< The latest record had an unexpected shape.
+};
+
+/// Which task the user has in view, or why none is. Immutable; made on the refresh queue and moved
+/// to the UI thread.
+class ORVCodexFocusState {
+public:
+    ORVCodexFocusState(ORVCodexFocusStatus status, std::optional<std::string> threadID,
+                       std::optional<std::string> codexVersion, std::string message)
+        : status_(status),
+          threadID_(std::move(threadID)),
+          codexVersion_(std::move(codexVersion)),
+          message_(std::move(message)) {}
+
+    ORVCodexFocusStatus status() const { return status_; }
+
+    /// A valid thread identifier, as the log wrote it. Present exactly for a task in view.
+    const std::optional<std::string>& threadID() const { return threadID_; }
+
+    /// Of the installed application's Info.plist; with every status, where it can be read.
+    const std::optional<std::string>& codexVersion() const { return codexVersion_; }
+
+    /// A fixed text for the status. For diagnosis, never shown.
+    const std::string& message() const { return message_; }
+
+private:
+    ORVCodexFocusStatus status_;
+    std::optional<std::string> threadID_;
+    std::optional<std::string> codexVersion_;
+    std::string message_;
+};

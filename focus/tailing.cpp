@@ -1,0 +1,112 @@
+// Finds the desktop application's log files and follows them as they grow. Files are read oldest
+// first and lines in file order: on equal time stamps the event read last is the current one.
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "focus/ORVCodexFocusLogSource.h"
+#include "focus/markers.h"
+#include "platform/chunk_buffer.h"
+#include "platform/marked_lines.h"
+#include "platform/paths.h"
+
+namespace {
+
+const ORVMarkerSearch& markers() {
+    static const ORVMarkerSearch kMarkers({{focus::kActivityMarker, 17, 18},
+                                           {focus::kOwnerSyncMarker, 29, 30},
+                                           {focus::kRenderStateMarker, 13, 14}});
+    return kMarkers;
+}
+
+}  // namespace
+
+std::vector<std::string> ORVCodexFocusLogSource::logFileURLsWithError(ORVErrorSlot* error) {
+    std::vector<ORVWalkedFile> found;
+    ORVErrorSlot firstFailure;
+    files_.walk(
+        logsRoot_, [](std::string_view name) { return platform::hasExtension(name, "log"); },
+        [&](ORVWalkedFile&& file) { found.push_back(std::move(file)); },
+        [&](ORVError&& failure) { storeErrorIfEmpty(&firstFailure, std::move(failure)); });
+    if (firstFailure) {
+        storeErrorIfEmpty(error, std::move(*firstFailure));
+    }
+    std::stable_sort(found.begin(), found.end(), [](const auto& a, const auto& b) {
+        return a.modifiedAt < b.modifiedAt;
+    });
+    std::vector<std::string> urls;
+    urls.reserve(found.size());
+    for (ORVWalkedFile& file : found) {
+        urls.push_back(std::move(file.path));
+    }
+    return urls;
+}
+
+bool ORVCodexFocusLogSource::initializeFromLogURLs(const std::vector<std::string>& urls,
+                                                   ORVErrorSlot* error) {
+    initialized_ = true;
+    return consumeUpdatesFromLogURLs(urls, error);
+}
+
+bool ORVCodexFocusLogSource::consumeUpdatesFromLogURLs(const std::vector<std::string>& urls,
+                                                       ORVErrorSlot* error) {
+    bool allRead = true;
+    for (const std::string& url : urls) {
+        allRead = consumeUpdates(url, error) && allRead;
+    }
+    const std::unordered_set<std::string_view> seen(urls.begin(), urls.end());
+    std::erase_if(fileStates_, [&](const auto& entry) { return !seen.contains(entry.first); });
+    return allRead;
+}
+
+bool ORVCodexFocusLogSource::consumeUpdates(const std::string& url, ORVErrorSlot* error) {
+    const auto attributes = files_.attributesOfItem(url, error);
+    if (!attributes || !attributes->size) {
+        return false;
+    }
+    return updateFileState(stateForFile(url, *attributes), url, *attributes->size, error);
+}
+
+ORVFocusLogFileState& ORVCodexFocusLogSource::stateForFile(const std::string& url,
+                                                           const ORVFileAttributes& attributes) {
+    ORVFocusLogFileState& fileState = fileStates_[url];
+    const bool isAnotherFile = fileState.fileIdentifier && attributes.fileNumber &&
+                               *fileState.fileIdentifier != *attributes.fileNumber;
+    if (isAnotherFile || *attributes.size < fileState.offset) {
+        fileState = ORVFocusLogFileState{};
+    }
+    fileState.fileIdentifier = attributes.fileNumber;
+    return fileState;
+}
+
+bool ORVCodexFocusLogSource::updateFileState(ORVFocusLogFileState& fileState,
+                                             const std::string& url, std::uint64_t fileSize,
+                                             ORVErrorSlot* error) {
+    if (fileState.offset == fileSize) {
+        return true;
+    }
+    const auto file = files_.openForReading(url, error);
+    if (!file) {
+        return false;
+    }
+    const platform::ChunkBuffer buffer;
+    bool isRead = true;
+    while (fileState.offset < fileSize) {
+        const auto chunk = buffer.read(*file, fileState.offset, fileSize - fileState.offset, error);
+        if (!chunk || chunk->empty()) {
+            // Unlike a session file, a log that ends early counts as not read.
+            isRead = false;
+            break;
+        }
+        fileState.offset += chunk->size();
+        consumeCompleteLinesFromFileState(fileState, *chunk);
+    }
+    fileState.pendingData.shrink();
+    return isRead;
+}
+
+void ORVCodexFocusLogSource::consumeCompleteLinesFromFileState(ORVFocusLogFileState& fileState,
+                                                               std::string_view chunk) {
+    platform::consumeChunk(fileState.pendingData, chunk, markers(),
+                           [&](std::string_view line) { consumeLineData(line, fileState); });
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string_view>
+
+namespace platform {
+
+inline constexpr std::string_view kBinaryPropertyListMagic = "bplist00";
+
+/// Whether every dictionary, array and set of a binary property list is referred to at most once,
+/// as every writer of such lists leaves it. One that refers to a container again and again, or in a
+/// ring, unfolds without bounds in a reader that copies what it refers to: 100 bytes become
+/// gigabytes. False also for bytes whose table of objects does not fit into them.
+bool binaryPropertyListIsTree(std::string_view bytes);
+
+}  // namespace platform

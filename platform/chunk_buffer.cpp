@@ -1,0 +1,41 @@
+#include "platform/chunk_buffer.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "platform/byte_buffer.h"
+
+namespace platform {
+namespace {
+constexpr std::size_t kPageBytes = 16 * 1024;  // Of the largest pages of the systems in view.
+}
+
+ChunkBuffer::ChunkBuffer() {
+    void* bytes = nullptr;
+    const std::size_t size = kChunkBytes + ORVByteBuffer::kReadableBytesBeyond;
+    if (posix_memalign(&bytes, kPageBytes, size) != 0) {
+        throw std::bad_alloc();
+    }
+    bytes_.reset(static_cast<char*>(bytes));
+}
+
+std::optional<std::string_view> ChunkBuffer::read(ORVOpenFile& file, std::uint64_t offset,
+                                                  std::uint64_t limit,
+                                                  ORVErrorSlot* error) const {
+    const auto capacity = static_cast<std::size_t>(std::min<std::uint64_t>(limit, kChunkBytes));
+    const auto count = file.readAt(offset, bytes_.get(), capacity, error);
+    if (!count) {
+        return std::nullopt;
+    }
+    // Vector code reads beyond the end: what it finds there must be defined.
+    std::memset(bytes_.get() + *count, 0, ORVByteBuffer::kReadableBytesBeyond);
+    return std::string_view(bytes_.get(), *count);
+}
+
+void ChunkBuffer::Free::operator()(char* bytes) const {
+    std::free(bytes);
+}
+
+}  // namespace platform

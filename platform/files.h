@@ -1,0 +1,90 @@
+#pragma once
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/ORVError.h"
+
+/// A file's modification date, exactly as the file system gave it: Unix time, UTC. Two integers,
+/// because any 64-bit number of seconds may stand in an inode and must neither overflow nor round.
+struct ORVFileDate {
+    std::int64_t seconds = 0;
+    std::int32_t nanoseconds = 0;  ///< 0 to 999 999 999.
+    auto operator<=>(const ORVFileDate&) const = default;
+};
+
+/// What the file system says of one item. A value that it does not give is absent.
+struct ORVFileAttributes {
+    std::optional<std::uint64_t> size;        ///< Bytes.
+    std::optional<std::uint64_t> fileNumber;  ///< The inode: another number, another file.
+    std::optional<ORVFileDate> modifiedAt;
+};
+
+/// A regular file met by a walk.
+struct ORVWalkedFile {
+    std::string path;  ///< The root's path and the names below it, bytes as the system gave them.
+    ORVFileDate modifiedAt;
+};
+
+/// An open file. Closed when destroyed.
+class ORVOpenFile {
+public:
+    virtual ~ORVOpenFile() = default;
+
+    /// Reads at most `capacity` bytes that begin at `offset`. Returns how many were read (0 at the
+    /// end of the file; it may be fewer than asked for), or none with the system's error stored.
+    virtual std::optional<std::size_t> readAt(std::uint64_t offset, char* buffer,
+                                              std::size_t capacity, ORVErrorSlot* error) = 0;
+};
+
+/// Everything that Brimlet ever asks of the file system. Nothing here writes.
+///
+/// Paths are bytes without an encoding. Called on the refresh queue only. Tests put faults in here.
+class ORVFiles {
+public:
+    using NameTest = std::function<bool(std::string_view name)>;
+    using FileVisitor = std::function<void(ORVWalkedFile&&)>;
+    using ErrorHandler = std::function<void(ORVError&&)>;
+
+    virtual ~ORVFiles() = default;
+
+    /// Visits every regular file below `root`, to any depth, whose name `wanted` accepts and whose
+    /// attributes can be read. Hidden files are passed over, hidden folders not entered, symbolic
+    /// links neither visited nor followed (but the root itself may be one). Each folder that cannot
+    /// be read is told to `failed`, and the walk goes on. False when the root itself cannot be
+    /// opened; `failed` has heard of it then, too.
+    virtual bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
+                      const ErrorHandler& failed) = 0;
+
+    /// The attributes of the item itself; those of the link where it is a symbolic link.
+    virtual std::optional<ORVFileAttributes> attributesOfItem(const std::string& path,
+                                                              ORVErrorSlot* error) = 0;
+
+    /// The modification date of what stands at the path, symbolic links followed.
+    virtual std::optional<ORVFileDate> contentModificationDate(const std::string& path) = 0;
+
+    /// Whether anything stands at the path, symbolic links followed.
+    virtual bool itemExists(const std::string& path) = 0;
+
+    /// Opens for reading. Never waits, whatever kind of item stands there. Null with the system's
+    /// error stored when it cannot be opened.
+    virtual std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
+                                                        ORVErrorSlot* error) = 0;
+};
+
+namespace platform {
+
+/// The file system of this machine.
+std::unique_ptr<ORVFiles> makeFiles();
+
+/// The whole content of a file of at most `limitBytes`; none when it is larger or cannot be read.
+std::optional<std::string> contentsOfFile(ORVFiles& files, const std::string& path,
+                                          std::size_t limitBytes);
+
+}  // namespace platform

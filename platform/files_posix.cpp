@@ -1,0 +1,213 @@
+// The file system of Linux and macOS. Every path may name anything at all, and may name something
+// else at the next system call: nothing here waits on a FIFO, follows a link inside a walk, or
+// trusts an earlier answer.
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "platform/files.h"
+#include "platform/stat_fields.h"
+
+namespace platform {
+namespace {
+
+/// Repeats a system call that a signal interrupted.
+template <typename Call>
+auto uninterrupted(Call call) {
+    auto result = call();
+    while (result == -1 && errno == EINTR) {
+        result = call();
+    }
+    return result;
+}
+
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int number) : number_(number) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    FileDescriptor& operator=(FileDescriptor&&) = delete;
+    ~FileDescriptor() {
+        if (number_ >= 0) {
+            close(number_);
+        }
+    }
+    int number() const { return number_; }
+    int release() { return std::exchange(number_, -1); }
+
+private:
+    int number_;
+};
+
+class PosixOpenFile final : public ORVOpenFile {
+public:
+    explicit PosixOpenFile(FileDescriptor descriptor) : descriptor_(std::move(descriptor)) {}
+
+    std::optional<std::size_t> readAt(std::uint64_t offset, char* buffer, std::size_t capacity,
+                                      ORVErrorSlot* error) override {
+        const auto count = uninterrupted([&] {
+            return pread(descriptor_.number(), buffer, capacity, static_cast<off_t>(offset));
+        });
+        if (count < 0) {
+            storeError(error, posixError(errno));
+            return std::nullopt;
+        }
+        return static_cast<std::size_t>(count);
+    }
+
+private:
+    FileDescriptor descriptor_;
+};
+
+struct DirectoryCloser {
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+using Directory = std::unique_ptr<DIR, DirectoryCloser>;
+
+Directory openDirectory(const std::string& path, bool followLink) {
+    const int flags =
+        O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | (followLink ? 0 : O_NOFOLLOW);
+    FileDescriptor descriptor(uninterrupted([&] { return open(path.c_str(), flags); }));
+    if (descriptor.number() < 0) {
+        return nullptr;
+    }
+    Directory directory(fdopendir(descriptor.number()));
+    if (directory) {
+        descriptor.release();
+    }
+    return directory;
+}
+
+/// One walk. Folders wait in a list and are opened one at a time, by path: however deep and wide
+/// the tree, one descriptor is open and nothing recurses.
+class Walk {
+public:
+    Walk(const ORVFiles::NameTest& wanted, const ORVFiles::FileVisitor& visit,
+         const ORVFiles::ErrorHandler& failed)
+        : wanted_(wanted), visit_(visit), failed_(failed) {}
+
+    bool run(const std::string& root) {
+        const bool started = readFolder(root, true);
+        while (!waitingFolders_.empty()) {
+            const std::string folder = std::move(waitingFolders_.back());
+            waitingFolders_.pop_back();
+            readFolder(folder, false);
+        }
+        return started;
+    }
+
+private:
+    bool readFolder(const std::string& path, bool isRoot) {
+        const Directory directory = openDirectory(path, isRoot);
+        if (!directory) {
+            failed_(posixError(errno));
+            return false;
+        }
+        const std::string prefix = path.ends_with('/') ? path : path + '/';
+        errno = 0;
+        while (const dirent* entry = readdir(directory.get())) {
+            visitEntry(directory.get(), prefix, *entry);
+            errno = 0;
+        }
+        if (errno != 0) {
+            failed_(posixError(errno));
+        }
+        return true;
+    }
+
+    void visitEntry(DIR* directory, const std::string& prefix, const dirent& entry) {
+        const std::string_view name = entry.d_name;
+        if (name.starts_with('.')) {
+            return;
+        }
+        const bool isWanted = wanted_(name);
+        const bool kindIsKnown = entry.d_type != DT_UNKNOWN && !hiddenFlagExists();
+        if (kindIsKnown && entry.d_type == DT_DIR) {
+            waitingFolders_.push_back(prefix + entry.d_name);
+            return;
+        }
+        if (kindIsKnown && !(entry.d_type == DT_REG && isWanted)) {
+            return;
+        }
+        struct stat status;
+        const int result = uninterrupted([&] {
+            return fstatat(dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW);
+        });
+        if (result != 0 || hasHiddenFlag(status)) {
+            return;  // Gone since the folder was read, or not to be looked at.
+        }
+        if (S_ISDIR(status.st_mode)) {
+            waitingFolders_.push_back(prefix + entry.d_name);
+        } else if (S_ISREG(status.st_mode) && isWanted) {
+            visit_({prefix + entry.d_name, modificationDate(status)});
+        }
+    }
+
+    const ORVFiles::NameTest& wanted_;
+    const ORVFiles::FileVisitor& visit_;
+    const ORVFiles::ErrorHandler& failed_;
+    std::vector<std::string> waitingFolders_;
+};
+
+class PosixFiles final : public ORVFiles {
+public:
+    bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
+              const ErrorHandler& failed) override {
+        return Walk(wanted, visit, failed).run(root);
+    }
+
+    std::optional<ORVFileAttributes> attributesOfItem(const std::string& path,
+                                                      ORVErrorSlot* error) override {
+        struct stat status;
+        if (uninterrupted([&] { return lstat(path.c_str(), &status); }) != 0) {
+            storeError(error, posixError(errno));
+            return std::nullopt;
+        }
+        return ORVFileAttributes{static_cast<std::uint64_t>(status.st_size),
+                                 static_cast<std::uint64_t>(status.st_ino),
+                                 modificationDate(status)};
+    }
+
+    std::optional<ORVFileDate> contentModificationDate(const std::string& path) override {
+        struct stat status;
+        if (uninterrupted([&] { return stat(path.c_str(), &status); }) != 0) {
+            return std::nullopt;
+        }
+        return modificationDate(status);
+    }
+
+    bool itemExists(const std::string& path) override {
+        struct stat status;
+        return uninterrupted([&] { return stat(path.c_str(), &status); }) == 0;
+    }
+
+    std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
+                                                ORVErrorSlot* error) override {
+        // O_NONBLOCK: opening a FIFO without a writer would wait for one.
+        const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+        FileDescriptor descriptor(uninterrupted([&] { return open(path.c_str(), flags); }));
+        if (descriptor.number() < 0) {
+            storeError(error, posixError(errno));
+            return nullptr;
+        }
+        return std::make_unique<PosixOpenFile>(std::move(descriptor));
+    }
+};
+
+}  // namespace
+
+ORVError posixError(int errnoValue) {
+    return {"posix", errnoValue, std::generic_category().message(errnoValue)};
+}
+
+std::unique_ptr<ORVFiles> makeFiles() {
+    return std::make_unique<PosixFiles>();
+}
+
+}  // namespace platform

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+/// The user's home folder: `$HOME` where it is set and not empty, else what the password database
+/// says. An absolute path without a slash at its end ("" for the root folder itself), so that
+/// "/name" can be appended; a relative `$HOME` counts from the working folder.
+std::string homeFolder();
+
+}  // namespace platform

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_set>
+
+#include "platform/byte_buffer.h"
+#include "sessions/ORVContextUsage.h"
+#include "sessions/status_codes.h"
+
+/// How far one session file has been read, and what its records have said so far.
+///
+/// One per path, owned by the source's table and touched on the refresh queue only. A replaced or
+/// shortened file gets a fresh state; fields are never reset one by one, so no figure of the old
+/// file can survive.
+struct ORVSessionParseState {
+    /// Some record mentioned compaction, understood or not: compactionStatus means something.
+    bool sawCompactionSignal = false;
+
+    /// Bytes of the file already in memory. The last pendingData.size() of them have not been
+    /// interpreted yet.
+    std::uint64_t offset = 0;
+
+    /// The line whose line feed has not arrived. Unbounded: it grows until the writer ends the line.
+    ORVByteBuffer pendingData;
+
+    /// Leading bytes of pendingData known to hold no line feed: between reads all of them, since
+    /// each chunk is searched when it arrives.
+    std::uint64_t pendingScanOffset = 0;
+
+    /// Inode the bytes came from. None where the file system has no number; a file replaced by a
+    /// longer one then goes unnoticed.
+    std::optional<std::uint64_t> fileIdentifier;
+
+    /// compactionIdentifiers.size() + anonymousCompactionCount.
+    std::int64_t compactionCount = 0;
+
+    /// Compactions without an identifier. Kept apart because a task's files are merged by the union
+    /// of their identifiers and the sum of these.
+    std::int64_t anonymousCompactionCount = 0;
+
+    /// "current:" and the window's identifier, or "legacy:" and the event's time stamp.
+    std::unordered_set<std::string> compactionIdentifiers;
+
+    std::optional<ORVContextUsage> contextUsage;
+    ORVContextStatus contextStatus = ORVContextStatusWaiting;
+    ORVCompactionStatus compactionStatus = ORVCompactionStatusValid;
+};

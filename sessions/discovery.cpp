@@ -1,0 +1,127 @@
+// Finds session files by their names, kinds and dates; never opens one. The per-task search is
+// kept for ten seconds, so that most refreshes of the task in view walk no folder.
+
+#include <algorithm>
+#include <chrono>
+#include <tuple>
+
+#include "platform/home_folder.h"
+#include "platform/paths.h"
+#include "platform/unicode.h"
+#include "sessions/ORVCodexSessionSource.h"
+#include "sessions/errors.h"
+
+namespace {
+
+constexpr std::chrono::seconds kSearchReuse(10);
+constexpr std::string_view kExtension = "jsonl";
+
+void passOver(ORVError&&) {}  // A folder that cannot be read holds no files for us.
+
+}  // namespace
+
+ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock)
+    : ORVCodexSessionSource(files, clock, platform::homeFolder() + "/.codex") {}
+
+ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock,
+                                             std::string codexHome)
+    : files_(files), clock_(clock), codexHome_(std::move(codexHome)) {}
+
+std::string ORVCodexSessionSource::sessionsFolder() const {
+    return codexHome_ + "/sessions";
+}
+
+std::optional<std::string> ORVCodexSessionSource::latestSessionURLWithError(ORVErrorSlot* error) {
+    std::optional<ORVWalkedFile> latest;
+    const bool started = files_.walk(
+        sessionsFolder(), [](std::string_view name) { return platform::hasExtension(name, kExtension); },
+        [&](ORVWalkedFile&& file) {
+            if (!latest || file.modifiedAt > latest->modifiedAt) {
+                latest = std::move(file);
+            }
+        },
+        passOver);
+    if (!started) {
+        storeError(error, sessions::sessionsDirectoryMissing());
+        return std::nullopt;
+    }
+    return latest ? std::optional(std::move(latest->path)) : std::nullopt;
+}
+
+std::vector<std::string> ORVCodexSessionSource::sessionURLsForThreadID(std::string_view threadID,
+                                                                       ORVErrorSlot* error) {
+    if (threadID.empty()) {
+        return {};
+    }
+    const std::string key(threadID);
+    return cachedSearchHolds(key) ? searches_[key].urls : searchSessionURLs(key, error);
+}
+
+bool ORVCodexSessionSource::cachedSearchHolds(const std::string& threadID) {
+    const auto found = searches_.find(threadID);
+    if (found == searches_.end()) {
+        return false;
+    }
+    const Search& search = found->second;
+    const std::string& newest = search.urls.back();
+    if (!files_.itemExists(newest)) {
+        return false;
+    }
+    const auto directoryDate = dateOfFolderHolding(newest);
+    // A clock that was set back makes the age negative, which is as good as young.
+    return directoryDate && search.directoryModifiedAt == directoryDate &&
+           clock_.now() - search.searchedAt < kSearchReuse;
+}
+
+std::vector<std::string> ORVCodexSessionSource::searchSessionURLs(const std::string& threadID,
+                                                                  ORVErrorSlot* error) {
+    std::vector<ORVWalkedFile> candidates;
+    const bool started = files_.walk(
+        sessionsFolder(),
+        [&](std::string_view name) {
+            return platform::hasExtension(name, kExtension) &&
+                   platform::containsIgnoringCase(name, threadID);
+        },
+        [&](ORVWalkedFile&& file) { candidates.push_back(std::move(file)); }, passOver);
+    if (!started) {
+        storeError(error, sessions::sessionsDirectoryMissing());
+        return {};
+    }
+    if (candidates.empty()) {
+        searches_.erase(threadID);
+        return {};
+    }
+    std::sort(candidates.begin(), candidates.end(),
+              [](const ORVWalkedFile& a, const ORVWalkedFile& b) {
+                  return std::tie(a.modifiedAt, a.path) < std::tie(b.modifiedAt, b.path);
+              });
+    Search search;
+    for (ORVWalkedFile& candidate : candidates) {
+        search.urls.push_back(std::move(candidate.path));
+    }
+    search.directoryModifiedAt = dateOfFolderHolding(search.urls.back());
+    search.searchedAt = clock_.now();
+    return searches_.insert_or_assign(threadID, std::move(search)).first->second.urls;
+}
+
+std::optional<ORVFileDate> ORVCodexSessionSource::dateOfFolderHolding(const std::string& url) {
+    const auto attributes = files_.attributesOfItem(platform::folderOf(url), nullptr);
+    return attributes ? attributes->modifiedAt : std::nullopt;
+}
+
+std::optional<std::string> ORVCodexSessionSource::sessionURLForThreadID(std::string_view threadID,
+                                                                        ORVErrorSlot* error) {
+    std::vector<std::string> urls = sessionURLsForThreadID(threadID, error);
+    return urls.empty() ? std::nullopt : std::optional(std::move(urls.back()));
+}
+
+std::optional<std::string> ORVCodexSessionSource::threadIDFromSessionURL(std::string_view url) {
+    const std::string_view name = platform::lastPathComponent(url);
+    for (std::size_t i = 0; i + platform::kUUIDLength <= name.size(); ++i) {
+        const std::string_view candidate = name.substr(i, platform::kUUIDLength);
+        if (platform::isUUID(candidate)) {
+            return std::string(candidate);
+        }
+    }
+    return std::nullopt;
+}

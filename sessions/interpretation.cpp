@@ -1,0 +1,146 @@
+// What the records of a session file mean. Takes complete lines from reading.cpp, in file order;
+// counts every compaction once and keeps the usage of the latest turn. Most lines that reach it
+// only talk about compactions: they are conversation and change nothing.
+
+#include <algorithm>
+#include <limits>
+
+#include "platform/unicode.h"
+#include "sessions/ORVCodexSessionSource.h"
+
+namespace {
+
+constexpr std::string_view kCompact = "compact";
+constexpr std::string_view kTokenCount = "token_count";
+
+const ORVJSONShape& recordShape() {
+    static const ORVJSONShape kShape{
+        "",
+        false,
+        {{"type", true},
+         {"timestamp", true},
+         {"ordinal"},
+         {"payload",
+          false,
+          {{"type", true},
+           {"window_number"},
+           {"first_window_id", true},
+           {"previous_window_id", true},
+           {"window_id", true},
+           {"message"},
+           {"replacement_history"},
+           {"model_context_window"},
+           {"info",
+            false,
+            {{"model_context_window"}, {"last_token_usage", false, {{"input_tokens"}}}}}}}}};
+    return kShape;
+}
+
+using Kind = ORVJSONValue::Kind;
+
+/// Figures are signed; the one integer beyond them that counts as a number is 2^63.
+std::int64_t signedValue(const ORVJSONValue& number) {
+    constexpr auto kLargest = std::numeric_limits<std::int64_t>::max();
+    return static_cast<std::int64_t>(
+        std::min(*number.integer, static_cast<std::uint64_t>(kLargest)));
+}
+
+bool mentionsCompaction(std::string_view type) {
+    return platform::containsIgnoringCase(type, kCompact);
+}
+
+}  // namespace
+
+void ORVCodexSessionSource::consumeLine(std::string_view line, ORVSessionParseState& state) {
+    const auto object = jsonReader_.readObject(line, recordShape());
+    if (!object) {
+        return;
+    }
+    const ORVJSONValue& payload = (*object)["payload"];
+    const std::string_view type = (*object)["type"].text;
+    const ORVJSONValue& payloadType = payload["type"];
+    const bool isEvent = type == "event_msg";
+    const bool isLegacy = isEvent && payloadType.text == "context_compacted";
+    const bool isCurrent = type == "compacted" && isValidCurrentCompactionObject(*object, payload);
+    // An event without a type counts as one about compaction.
+    const bool isAboutCompaction =
+        mentionsCompaction(type) ||
+        (isEvent && (payloadType.kind != Kind::string || mentionsCompaction(payloadType.text)));
+    // A word that stands in the record only by JSON escapes does not count, so the bytes decide;
+    // they are asked last, because few lines get this far and most are long.
+    if (isAboutCompaction && dataContainsUTF8(line, kCompact)) {
+        if (isLegacy || isCurrent) {
+            consumeCompaction(compactionIdentifierForObject(*object, payload, isCurrent), state);
+        } else {
+            state.sawCompactionSignal = true;
+            state.compactionStatus = ORVCompactionStatusIncompatible;
+        }
+    }
+    if (isEvent && payloadType.text == kTokenCount && dataContainsUTF8(line, kTokenCount)) {
+        consumeTokenCount(payload, state);
+    }
+}
+
+void ORVCodexSessionSource::consumeCompaction(const std::optional<std::string>& identifier,
+                                              ORVSessionParseState& state) {
+    state.sawCompactionSignal = true;
+    state.compactionStatus = ORVCompactionStatusValid;
+    if (!identifier) {
+        ++state.anonymousCompactionCount;
+    } else if (!state.compactionIdentifiers.insert(*identifier).second) {
+        return;
+    }
+    ++state.compactionCount;
+    // The usage of the turns before no longer describes the conversation.
+    state.contextUsage.reset();
+    state.contextStatus = ORVContextStatusWaiting;
+}
+
+void ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
+                                              ORVSessionParseState& state) {
+    const ORVJSONValue& info = payload["info"];
+    const ORVJSONValue& input = info["last_token_usage"]["input_tokens"];
+    const ORVJSONValue& windowInInfo = info["model_context_window"];
+    const ORVJSONValue& window =
+        windowInInfo.kind == Kind::absent ? payload["model_context_window"] : windowInInfo;
+    if (!isNonnegativeIntegerNumber(input) || !isPositiveIntegerNumber(window)) {
+        state.contextStatus = ORVContextStatusIncompatible;
+        return;
+    }
+    if (*input.integer == 0) {
+        // Written after a compaction, before the next answer: no figure of its own.
+        if (!state.contextUsage) {
+            state.contextStatus = ORVContextStatusWaiting;
+        }
+        return;
+    }
+    state.contextUsage.emplace(signedValue(input), signedValue(window));
+    state.contextStatus = ORVContextStatusAvailable;
+}
+
+bool ORVCodexSessionSource::isValidCurrentCompactionObject(const ORVJSONValue& object,
+                                                           const ORVJSONValue& payload) {
+    return payload.kind == Kind::object && isNonnegativeIntegerNumber(object["ordinal"]) &&
+           isPositiveIntegerNumber(payload["window_number"]) &&
+           !payload["first_window_id"].text.empty() &&
+           !payload["previous_window_id"].text.empty() && !payload["window_id"].text.empty() &&
+           payload["message"].kind == Kind::string &&
+           payload["replacement_history"].kind == Kind::array;
+}
+
+std::optional<std::string> ORVCodexSessionSource::compactionIdentifierForObject(
+    const ORVJSONValue& object, const ORVJSONValue& payload, bool isCurrent) {
+    const std::string& value = isCurrent ? payload["window_id"].text : object["timestamp"].text;
+    if (value.empty()) {
+        return std::nullopt;
+    }
+    return (isCurrent ? "current:" : "legacy:") + value;
+}
+
+bool ORVCodexSessionSource::isNonnegativeIntegerNumber(const ORVJSONValue& value) {
+    return value.integer.has_value();
+}
+
+bool ORVCodexSessionSource::isPositiveIntegerNumber(const ORVJSONValue& value) {
+    return value.integer.value_or(0) > 0;
+}

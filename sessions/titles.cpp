@@ -1,0 +1,61 @@
+// The title index: "session_index.jsonl" in the Codex home, to which the agent appends a line at
+// every rename. Read whole, and again only when its date changed.
+
+#include "platform/byte_buffer.h"
+#include "platform/unicode.h"
+#include "sessions/ORVCodexSessionSource.h"
+
+namespace {
+
+/// Hundreds of thousands of tasks. A larger file is no index; it counts as unreadable.
+constexpr std::size_t kIndexLimitBytes = 256 * 1024 * 1024;
+
+const ORVJSONShape& entryShape() {
+    static const ORVJSONShape kShape{
+        "", false, {{"id", true}, {"thread_name", true}, {"title", true}}};
+    return kShape;
+}
+
+}  // namespace
+
+void ORVCodexSessionSource::refreshTitleIndexIfNeeded() {
+    const std::string path = codexHome_ + "/session_index.jsonl";
+    const auto modifiedAt = files_.contentModificationDate(path);
+    if (!modifiedAt || modifiedAt == titleIndexModifiedAt_) {
+        return;
+    }
+    if (auto titles = readTitleIndex(path)) {
+        titleIndex_ = std::move(*titles);
+        titleIndexModifiedAt_ = modifiedAt;
+    }
+}
+
+std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTitleIndex(
+    const std::string& path) {
+    auto text = platform::contentsOfFile(files_, path, kIndexLimitBytes);
+    if (!text || !platform::isValidUTF8(*text)) {
+        return std::nullopt;
+    }
+    const std::size_t length = text->size();
+    text->append(ORVByteBuffer::kReadableBytesBeyond, ' ');  // As the JSON reader wants it.
+    std::map<std::string, std::string> titles;
+    platform::forEachLine(std::string_view(*text).substr(0, length), [&](std::string_view line) {
+        const auto entry = jsonReader_.readObject(line, entryShape());
+        if (!entry) {
+            return;
+        }
+        const std::string& id = (*entry)["id"].text;
+        const std::string& threadName = (*entry)["thread_name"].text;
+        const std::string& title = threadName.empty() ? (*entry)["title"].text : threadName;
+        if (!id.empty() && !title.empty()) {
+            titles[id] = title;
+        }
+    });
+    jsonReader_.releaseMemory();
+    return titles;
+}
+
+std::map<std::string, std::string> ORVCodexSessionSource::threadTitles() {
+    refreshTitleIndexIfNeeded();
+    return titleIndex_;
+}
