@@ -45,15 +45,14 @@ std::string snapshotJSON(const std::optional<ORVSessionSnapshot>& snapshot) {
     if (!snapshot) {
         return "null";
     }
-    return json::object(
-        {{"title", json::quoted(snapshot->title())},
-         {"threadID", json::quoted(snapshot->threadID())},
-         {"file", json::quoted(snapshot->fileURL())},
-         {"compactionCount", std::to_string(snapshot->compactionCount())},
-         {"contextUsage", usageJSON(snapshot->contextUsage())},
-         {"contextStatus", std::to_string(snapshot->contextStatus())},
-         {"compactionStatus", std::to_string(snapshot->compactionStatus())},
-         {"lastUpdated", json::quoted(utcText(snapshot->lastUpdated()))}});
+    return json::object({{"title", json::quoted(snapshot->title())},
+                         {"threadID", json::quoted(snapshot->threadID())},
+                         {"file", json::quoted(snapshot->fileURL())},
+                         {"compactionCount", std::to_string(snapshot->compactionCount())},
+                         {"contextUsage", usageJSON(snapshot->contextUsage())},
+                         {"contextStatus", std::to_string(snapshot->contextStatus())},
+                         {"compactionStatus", std::to_string(snapshot->compactionStatus())},
+                         {"lastUpdated", json::quoted(utcText(snapshot->lastUpdated()))}});
 }
 
 std::string focusJSON(const ORVCodexFocusState& focusState) {

@@ -11,7 +11,7 @@ namespace ctl {
 namespace {
 
 /// Writes the answer; `status` is the exit status once that succeeded.
-int finish(const std::string& answer, int status) {
+int finish(std::string_view answer, int status) {
     switch (writeOutput(answer)) {
         case WriteResult::written:
             return status;
@@ -44,13 +44,18 @@ int showSnapshot(const std::optional<ORVSessionSnapshot>& snapshot, const ORVErr
     const int status = snapshot ? kAnswered : kNothingToShow;
     if (format == Format::json) {
         return finish(
-            json::object({{"snapshot", snapshotJSON(snapshot)}, {"error", errorJSON(error)}}) + '\n',
+            json::object({{"snapshot", snapshotJSON(snapshot)}, {"error", errorJSON(error)}}) +
+                '\n',
             status);
     }
     return snapshot ? finish(snapshotText(*snapshot) + '\n', status) : status;
 }
 
 }  // namespace
+
+int showText(std::string_view text) {
+    return finish(text, kAnswered);
+}
 
 int showLatest(Sources& sources, Format format) {
     ORVErrorSlot error;
@@ -61,7 +66,8 @@ int showLatest(Sources& sources, Format format) {
 int showTask(Sources& sources, const std::string& threadID, Format format) {
     ORVErrorSlot error;
     const auto snapshot = sources.session.snapshotForThreadID(threadID, &error);
-    return showSnapshot(snapshot, error, "there is no session file of the task " + threadID, format);
+    return showSnapshot(snapshot, error, "there is no session file of the task " + threadID,
+                        format);
 }
 
 int showFocus(Sources& sources, Format format) {

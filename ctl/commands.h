@@ -1,6 +1,7 @@
 #pragma once
 
-#include <iosfwd>
+#include <cstdio>
+#include <memory>
 #include <string>
 
 #include "focus/ORVCodexFocusLogSource.h"
@@ -27,12 +28,15 @@ struct Sources {
     ORVCodexFocusLogSource focus;
 };
 
+/// A fixed text, as the answer.
+int showText(std::string_view text);
+
 int showLatest(Sources& sources, Format format);
 int showTask(Sources& sources, const std::string& threadID, Format format);
 int showFocus(Sources& sources, Format format);
 int showTitles(Sources& sources, Format format);
 
 /// Answers one query a line until the input ends (query.cpp).
-int answerQueries(Sources& sources, std::istream& input);
+int answerQueries(Sources& sources, std::FILE* input);
 
 }  // namespace ctl

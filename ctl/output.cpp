@@ -42,4 +42,11 @@ void complain(std::string_view text) {
     writeAll(STDERR_FILENO, "brimletctl: " + platform::forTerminal(text) + '\n');
 }
 
+void explain(std::string_view complaint, std::string_view text) {
+    if (!complaint.empty()) {
+        complain(complaint);
+    }
+    writeAll(STDERR_FILENO, text);
+}
+
 }  // namespace ctl

@@ -17,4 +17,7 @@ WriteResult writeOutput(std::string_view bytes);
 /// "brimletctl: " and the text, as a line on standard error; control characters made harmless.
 void complain(std::string_view text);
 
+/// On standard error: the complaint, where there is one, and a text of several lines.
+void explain(std::string_view complaint, std::string_view text);
+
 }  // namespace ctl

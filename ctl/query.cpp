@@ -1,7 +1,7 @@
 // Queries from standard input, each answered with a JSON line before the next is read. The sources
 // live as long as the program: reading positions, caches and the current focus event carry over.
 
-#include <istream>
+#include <cstdlib>
 
 #include "app/refresh_step.h"
 #include "ctl/answers.h"
@@ -47,19 +47,24 @@ std::string answer(Sources& sources, const std::string& query) {
 
 }  // namespace
 
-int answerQueries(Sources& sources, std::istream& input) {
-    std::string query;
-    while (std::getline(input, query)) {
-        switch (writeOutput(answer(sources, query) + '\n')) {
-            case WriteResult::written:
-                break;
-            case WriteResult::readerLeft:
-                return kAnswered;
-            case WriteResult::failed:
-                return kNothingToShow;
+int answerQueries(Sources& sources, std::FILE* input) {
+    int status = kAnswered;
+    char* line = nullptr;
+    std::size_t capacity = 0;
+    ssize_t length = 0;
+    while (status == kAnswered && (length = getline(&line, &capacity, input)) > 0) {
+        std::string query(line, static_cast<std::size_t>(length));
+        if (query.ends_with('\n')) {
+            query.pop_back();
         }
+        const WriteResult result = writeOutput(answer(sources, query) + '\n');
+        if (result == WriteResult::readerLeft) {
+            break;
+        }
+        status = result == WriteResult::written ? kAnswered : kNothingToShow;
     }
-    return kAnswered;
+    std::free(line);
+    return status;
 }
 
 }  // namespace ctl

@@ -40,13 +40,14 @@ public:
     /// Where the installed application's Info.plist is, or would be.
     static std::string installedCodexInfoPlistURL(ORVFiles& files);
 
-    /// "CFBundleShortVersionString" of that file, read anew at every call; none when it is absent or
-    /// no string.
+    /// "CFBundleShortVersionString" of that file, read anew at every call; none when it is absent
+    /// or no string.
     std::optional<std::string> installedCodexVersion();
 
     // Log lines (log_lines.cpp)
 
-    /// Lets one line, without its line feed, change the file's windows and the current event.
+    /// Lets one line that holds a marker (markers.h), without its line feed, change the file's
+    /// windows and the current event.
     void consumeLineData(std::string_view line, ORVFocusLogFileState& fileState);
 
     /// What an activity line says by itself, whatever its window; null for every other line.

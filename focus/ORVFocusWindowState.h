@@ -12,7 +12,7 @@ struct ORVFocusWindowState {
     bool focused = false;
     bool visible = false;
 
-    /// What the window's last owner-sync line said. Shared with the source's latestEvent: a new time
-    /// stamp must show in both.
+    /// What the window's last owner-sync line said. Shared with the source's latestEvent: a new
+    /// time stamp must show in both.
     std::shared_ptr<ORVFocusLogEvent> routeEvent;
 };

@@ -5,14 +5,11 @@
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "focus/markers.h"
+#include "platform/bytes.h"
 #include "platform/paths.h"
 #include "platform/unicode.h"
 
 namespace {
-
-bool contains(std::string_view text, std::string_view part) {
-    return text.find(part) != std::string_view::npos;
-}
 
 std::string_view timestampOf(std::string_view line) {
     return line.substr(0, platform::findWhiteSpace(line));
@@ -31,30 +28,25 @@ bool ORVCodexFocusLogSource::isValidThreadID(std::string_view text) {
 
 std::optional<std::string_view> ORVCodexFocusLogSource::valueForField(std::string_view field,
                                                                       std::string_view line) {
-    std::size_t name = line.find(field);
+    std::size_t name = platform::findBytes(line, field);
     while (name != std::string_view::npos) {
         const std::size_t equals = name + field.size();
         if (equals < line.size() && line[equals] == '=') {
             const std::size_t value = equals + 1;
             return line.substr(value, platform::findWhiteSpace(line, value) - value);
         }
-        name = line.find(field, name + 1);
+        name = platform::findBytes(line, field, name + 1);
     }
     return std::nullopt;
 }
 
 void ORVCodexFocusLogSource::consumeLineData(std::string_view line,
                                              ORVFocusLogFileState& fileState) {
-    const bool isOwnerSync = contains(line, focus::kOwnerSyncMarker);
-    if (!isOwnerSync && !contains(line, focus::kActivityMarker) &&
-        !contains(line, focus::kRenderStateMarker)) {
-        return;
-    }
     if (!platform::isValidUTF8(line)) {
         return;
     }
     ORVFocusWindowState* window = nullptr;
-    if (isOwnerSync) {
+    if (platform::containsBytes(line, focus::kOwnerSyncMarker)) {
         window = findWindow(fileState, valueOrEmpty("originWebContentsId", line),
                             valueOrEmpty("windowId", line));
         if (!window) {
@@ -127,9 +119,8 @@ ORVFocusWindowState* ORVCodexFocusLogSource::updateWindow(ORVFocusLogFileState& 
     return window;
 }
 
-std::shared_ptr<ORVFocusLogEvent> ORVCodexFocusLogSource::eventFromLineData(
-    std::string_view line) {
-    if (!contains(line, focus::kActivityMarker) || !platform::isValidUTF8(line)) {
+std::shared_ptr<ORVFocusLogEvent> ORVCodexFocusLogSource::eventFromLineData(std::string_view line) {
+    if (!platform::containsBytes(line, focus::kActivityMarker) || !platform::isValidUTF8(line)) {
         return nullptr;
     }
     const std::string_view timestamp = timestampOf(line);

@@ -14,7 +14,7 @@ namespace {
 
 const ORVMarkerSearch& markers() {
     static const ORVMarkerSearch kMarkers({{focus::kActivityMarker, 17, 18},
-                                           {focus::kOwnerSyncMarker, 29, 30},
+                                           {focus::kOwnerSyncMarker, 67, 73},
                                            {focus::kRenderStateMarker, 13, 14}});
     return kMarkers;
 }
@@ -31,9 +31,8 @@ std::vector<std::string> ORVCodexFocusLogSource::logFileURLsWithError(ORVErrorSl
     if (firstFailure) {
         storeErrorIfEmpty(error, std::move(*firstFailure));
     }
-    std::stable_sort(found.begin(), found.end(), [](const auto& a, const auto& b) {
-        return a.modifiedAt < b.modifiedAt;
-    });
+    std::stable_sort(found.begin(), found.end(),
+                     [](const auto& a, const auto& b) { return a.modifiedAt < b.modifiedAt; });
     std::vector<std::string> urls;
     urls.reserve(found.size());
     for (ORVWalkedFile& file : found) {

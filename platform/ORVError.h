@@ -7,7 +7,7 @@
 
 /// Why something could not be done. Never shown to the user of the menu bar, never translated.
 struct ORVError {
-    std::string domain;       ///< "Orvellan" for the program's own codes, "posix" for an errno.
+    std::string domain;  ///< "Orvellan" for the program's own codes, "posix" for an errno.
     std::int64_t code = 0;
     std::string description;  ///< For developers and scripts.
     bool operator==(const ORVError&) const = default;

@@ -22,8 +22,7 @@ ChunkBuffer::ChunkBuffer() {
 }
 
 std::optional<std::string_view> ChunkBuffer::read(ORVOpenFile& file, std::uint64_t offset,
-                                                  std::uint64_t limit,
-                                                  ORVErrorSlot* error) const {
+                                                  std::uint64_t limit, ORVErrorSlot* error) const {
     const auto capacity = static_cast<std::size_t>(std::min<std::uint64_t>(limit, kChunkBytes));
     const auto count = file.readAt(offset, bytes_.get(), capacity, error);
     if (!count) {

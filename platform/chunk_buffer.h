@@ -17,7 +17,7 @@ namespace platform {
 /// second-level cache, from which a chunk is then searched.
 class ChunkBuffer {
 public:
-    static constexpr std::size_t kChunkBytes = 256 * 1024;
+    static constexpr std::size_t kChunkBytes = 128 * 1024;
 
     ChunkBuffer();
 

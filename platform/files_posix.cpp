@@ -136,9 +136,8 @@ private:
             return;
         }
         struct stat status;
-        const int result = uninterrupted([&] {
-            return fstatat(dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW);
-        });
+        const int result = uninterrupted(
+            [&] { return fstatat(dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW); });
         if (result != 0 || hasHiddenFlag(status)) {
             return;  // Gone since the folder was read, or not to be looked at.
         }

@@ -4,12 +4,16 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <system_error>
+#include <memory>
 #include <vector>
 
 namespace platform {
 namespace {
+
+std::string workingFolder() {
+    const std::unique_ptr<char, decltype(&std::free)> folder(getcwd(nullptr, 0), &std::free);
+    return folder ? folder.get() : "";
+}
 
 std::string homeInPasswordDatabase() {
     std::vector<char> buffer(16 * 1024);
@@ -28,9 +32,7 @@ std::string homeFolder() {
     const char* variable = std::getenv("HOME");
     std::string home = variable && *variable ? variable : homeInPasswordDatabase();
     if (!home.starts_with('/')) {
-        std::error_code failure;
-        const std::string workingFolder = std::filesystem::current_path(failure).string();
-        home = workingFolder + '/' + home;
+        home = workingFolder() + '/' + home;
     }
     while (home.ends_with('/')) {
         home.pop_back();

@@ -17,12 +17,16 @@ const char* findLineFeed(const char* begin, const char* end) {
 /// only the search forward is fast everywhere.
 const char* lineStartBefore(const char* begin, const char* end) {
     while (end != begin) {
-        const std::size_t step = std::min(static_cast<std::size_t>(end - begin), kStepBytes);
-        const std::string_view block(end - step, step);
-        if (findLineFeed(end - step, end) != end) {
-            return block.data() + block.rfind('\n') + 1;
+        const char* block = end - std::min(static_cast<std::size_t>(end - begin), kStepBytes);
+        const char* lineStart = block;
+        for (const char* lineFeed = findLineFeed(block, end); lineFeed != end;
+             lineFeed = findLineFeed(lineStart, end)) {
+            lineStart = lineFeed + 1;
         }
-        end -= step;
+        if (lineStart != block) {
+            return lineStart;
+        }
+        end = block;
     }
     return begin;
 }

@@ -12,11 +12,6 @@
 namespace platform {
 namespace {
 
-inline bool standsAt(const ORVMarker& marker, const char* position, const char* end) {
-    return static_cast<std::size_t>(end - position) >= marker.text.size() &&
-           std::memcmp(position, marker.text.data(), marker.text.size()) == 0;
-}
-
 template <std::size_t Width>
 struct VectorOf;
 template <>
@@ -37,12 +32,10 @@ public:
     /// With the number of markers known to the compiler the compared bytes stay in registers.
     const char* run() const {
         switch (count_) {
-            case 1:
-                return scan<1>();
             case 2:
-                return scan<2>();
+                return rareByteIsShared() ? scan<2, true>() : scan<2, false>();
             case 3:
-                return scan<3>();
+                return rareByteIsShared() ? scan<3, true>() : scan<3, false>();
             default:
                 return scanBytes(begin_);
         }
@@ -50,31 +43,39 @@ public:
 
 private:
     using Bytes = typename VectorOf<Width>::Bytes;
-    static constexpr std::size_t kVectors = 64 / Width;
-    static constexpr std::size_t kBlockBytes = 64;
+    /// Asking whether anything was found costs as much as comparing a vector: once a block will do.
+    static constexpr std::size_t kBlockBytes = 128;
+    static constexpr std::size_t kVectors = kBlockBytes / Width;
 
-    template <std::size_t Count>
+    /// Looks at a block of positions of a marker's rare byte at a time, the same for all markers,
+    /// so that they share what is loaded there.
+    template <std::size_t Count, bool RareByteIsShared>
     const char* scan() const {
         Bytes rare[Count];
         Bytes otherRare[Count];
-        std::size_t reach = 0;
+        std::size_t distance[Count];
+        std::size_t farthest = 0;
         for (std::size_t m = 0; m < Count; ++m) {
             const ORVMarker& marker = markers_[m];
             rare[m] = Bytes{} + static_cast<signed char>(marker.text[marker.rareByte]);
             otherRare[m] = Bytes{} + static_cast<signed char>(marker.text[marker.otherRareByte]);
-            reach = marker.rareByte > reach ? marker.rareByte : reach;
-            reach = marker.otherRareByte > reach ? marker.otherRareByte : reach;
+            distance[m] = marker.otherRareByte - marker.rareByte;
+            farthest = distance[m] > farthest ? distance[m] : farthest;
         }
         const char* block = begin_;
-        while (static_cast<std::size_t>(end_ - block) >= kBlockBytes + reach) {
+        while (static_cast<std::size_t>(end_ - block) >= kBlockBytes + farthest) {
             Bytes agree[kVectors];
             Bytes any{};
             for (std::size_t v = 0; v < kVectors; ++v) {
-                const char* base = block + v * Width;
+                const char* position = block + v * Width;
+                const Bytes bytes = load(position);
                 Bytes found{};
                 for (std::size_t m = 0; m < Count; ++m) {
-                    found |= (load(base + markers_[m].rareByte) == rare[m]) &
-                             (load(base + markers_[m].otherRareByte) == otherRare[m]);
+                    const Bytes other = load(position + distance[m]) == otherRare[m];
+                    found |= RareByteIsShared ? other : (bytes == rare[m]) & other;
+                }
+                if constexpr (RareByteIsShared) {
+                    found &= bytes == rare[0];
                 }
                 agree[v] = found;
                 any |= found;
@@ -87,6 +88,15 @@ private:
             block += kBlockBytes;
         }
         return scanBytes(block);
+    }
+
+    bool rareByteIsShared() const {
+        for (std::size_t m = 1; m < count_; ++m) {
+            if (markers_[m].text[markers_[m].rareByte] != markers_[0].text[markers_[0].rareByte]) {
+                return false;
+            }
+        }
+        return true;
     }
 
     static Bytes load(const char* position) {
@@ -105,13 +115,19 @@ private:
         return any != 0;
     }
 
-    /// The first position of the block at which not only the rare bytes agree.
+    /// The marker of the first position of the block at which not only the rare bytes agree.
     const char* verified(const char* block, const Bytes* agree) const {
-        char lanes[kBlockBytes];
-        std::memcpy(lanes, agree, kBlockBytes);
-        for (std::size_t i = 0; i < kBlockBytes; ++i) {
-            if (lanes[i] && anyStandsAt(block + i)) {
-                return block + i;
+        for (std::size_t base = 0; base < kBlockBytes; base += sizeof(std::uint64_t)) {
+            std::uint64_t lanes = 0;
+            std::memcpy(&lanes, reinterpret_cast<const char*>(agree) + base, sizeof lanes);
+            if (lanes == 0) {
+                continue;
+            }
+            for (const char* position = block + base; position != block + base + sizeof lanes;
+                 ++position) {
+                if (const char* found = markerAround(position)) {
+                    return found;
+                }
             }
         }
         return nullptr;
@@ -119,19 +135,28 @@ private:
 
     /// The end of the range, too short for a block.
     const char* scanBytes(const char* position) const {
-        while (position != end_ && !anyStandsAt(position)) {
-            ++position;
-        }
-        return position;
-    }
-
-    bool anyStandsAt(const char* position) const {
-        for (std::size_t m = 0; m < count_; ++m) {
-            if (standsAt(markers_[m], position, end_)) {
-                return true;
+        for (; position != end_; ++position) {
+            if (const char* found = markerAround(position)) {
+                return found;
             }
         }
-        return false;
+        return end_;
+    }
+
+    /// The beginning of the marker whose rare byte stands at the position; null when none does.
+    const char* markerAround(const char* position) const {
+        const auto before = static_cast<std::size_t>(position - begin_);
+        const auto after = static_cast<std::size_t>(end_ - position);
+        for (std::size_t m = 0; m < count_; ++m) {
+            const ORVMarker& marker = markers_[m];
+            if (*position == marker.text[marker.rareByte] && marker.rareByte <= before &&
+                marker.text.size() - marker.rareByte <= after &&
+                std::memcmp(position - marker.rareByte, marker.text.data(), marker.text.size()) ==
+                    0) {
+                return position - marker.rareByte;
+            }
+        }
+        return nullptr;
     }
 
     const ORVMarker* markers_;

@@ -8,7 +8,8 @@
 struct ORVMarker {
     std::string_view text;
     /// Positions in `text` of two bytes that seldom stand at this distance from one another in the
-    /// data searched. They decide the speed: a pair that is common there costs more than half.
+    /// data searched, the earlier one first. They decide the speed: a pair that is common there
+    /// costs more than half. Markers that share the first byte are cheaper to look for together.
     std::size_t rareByte;
     std::size_t otherRareByte;
 };
@@ -21,8 +22,8 @@ class ORVMarkerSearch {
 public:
     explicit ORVMarkerSearch(std::vector<ORVMarker> markers);
 
-    /// The first position in [begin, end) at which a marker stands whole; `end` when there is none.
-    /// Reads nothing outside the range.
+    /// The marker in [begin, end) whose rare byte comes first; `end` when there is none. Reads
+    /// nothing outside the range.
     const char* find(const char* begin, const char* end) const;
 
     const std::vector<ORVMarker>& markers() const { return markers_; }

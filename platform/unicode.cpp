@@ -157,6 +157,10 @@ bool containsIgnoringCase(std::string_view text, std::string_view needle) {
 std::size_t findWhiteSpace(std::string_view text, std::size_t start) {
     std::size_t position = start;
     while (position < text.size()) {
+        if (static_cast<signed char>(text[position]) > ' ') {  // Visible ASCII.
+            ++position;
+            continue;
+        }
         const Decoded next = decode(text.substr(position));
         if (isWhiteSpace(next.character)) {
             return position;

@@ -70,7 +70,8 @@ public:
     // Interpretation (interpretation.cpp)
 
     /// Lets one line, without its line feed, change the state. Never fails: a line that cannot be
-    /// used changes nothing. ORVByteBuffer::kReadableBytesBeyond bytes after it must be readable.
+    /// used changes nothing. The reader leaves out lines that cannot matter. After the line
+    /// ORVByteBuffer::kReadableBytesBeyond bytes must be readable.
     void consumeLine(std::string_view line, ORVSessionParseState& state);
 
     /// Whether a "compacted" record has every key of the current format.

@@ -22,7 +22,8 @@ struct ORVSessionParseState {
     /// interpreted yet.
     std::uint64_t offset = 0;
 
-    /// The line whose line feed has not arrived. Unbounded: it grows until the writer ends the line.
+    /// The line whose line feed has not arrived. Unbounded: it grows until the writer ends the
+    /// line.
     ORVByteBuffer pendingData;
 
     /// Leading bytes of pendingData known to hold no line feed: between reads all of them, since

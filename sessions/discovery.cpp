@@ -34,7 +34,8 @@ std::string ORVCodexSessionSource::sessionsFolder() const {
 std::optional<std::string> ORVCodexSessionSource::latestSessionURLWithError(ORVErrorSlot* error) {
     std::optional<ORVWalkedFile> latest;
     const bool started = files_.walk(
-        sessionsFolder(), [](std::string_view name) { return platform::hasExtension(name, kExtension); },
+        sessionsFolder(),
+        [](std::string_view name) { return platform::hasExtension(name, kExtension); },
         [&](ORVWalkedFile&& file) {
             if (!latest || file.modifiedAt > latest->modifiedAt) {
                 latest = std::move(file);

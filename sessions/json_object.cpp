@@ -95,17 +95,23 @@ class ORVJSONReader::FastParser {
 public:
     /// The buffers get their final size at once: memory that is not touched costs nothing, and
     /// growing would hold the old and the new ones together.
-    FastParser() : status_(parser_.allocate(kFastLineBytes, kMaxDepth)) {}
+    FastParser() : status_(parser_.allocate(kFastLineBytes, kMaxDepth)) {
+        if (status_ == simdjson::SUCCESS) {
+            status_ = document_.allocate(kFastLineBytes);
+        }
+    }
 
+    /// The root refers into the parser and is valid until the next call.
     simdjson::error_code parse(std::string_view text, dom::element& root) {
         if (status_ != simdjson::SUCCESS) {
             return status_;
         }
-        return parser_.parse(text.data(), text.size(), false).get(root);
+        return parser_.parse_into_document(document_, text.data(), text.size(), false).get(root);
     }
 
 private:
     dom::parser parser_;
+    dom::document document_;
     simdjson::error_code status_;
 };
 
@@ -140,9 +146,8 @@ void ORVJSONReader::releaseMemory() {
 
 const ORVJSONValue& ORVJSONValue::operator[](std::string_view key) const {
     static const ORVJSONValue kAbsent;
-    const auto found = std::find_if(members.begin(), members.end(), [&](const ORVJSONMember& m) {
-        return m.shape->key == key;
-    });
+    const auto found = std::find_if(members.begin(), members.end(),
+                                    [&](const ORVJSONMember& m) { return m.shape->key == key; });
     return found == members.end() ? kAbsent : found->value;
 }
 

@@ -10,7 +10,7 @@
 /// Which fields of a JSON object are wanted; everything else is checked and passed over.
 struct ORVJSONShape {
     std::string_view key;
-    bool keepsText = false;             ///< Whether the text of a string is wanted, not only its kind.
+    bool keepsText = false;  ///< Whether the text of a string is wanted, not only its kind.
     std::vector<ORVJSONShape> fields = {};  ///< Wanted when the value is an object.
 };
 
@@ -53,8 +53,8 @@ public:
     ORVJSONReader();
     ~ORVJSONReader();
 
-    /// The wanted fields of the object, or none. ORVByteBuffer::kReadableBytesBeyond bytes after the
-    /// text must be readable.
+    /// The wanted fields of the object, or none. ORVByteBuffer::kReadableBytesBeyond bytes after
+    /// the text must be readable.
     std::optional<ORVJSONValue> readObject(std::string_view text, const ORVJSONShape& shape);
 
     /// Gives back the memory that a long line took.

@@ -2,6 +2,7 @@
 // interpreted once. Takes the size from the attributes that the snapshot read; keeps the rule that
 // a state belongs to one file: another inode or a shorter file starts a fresh one.
 
+#include "platform/bytes.h"
 #include "platform/chunk_buffer.h"
 #include "platform/marked_lines.h"
 #include "sessions/ORVCodexSessionSource.h"
@@ -62,5 +63,5 @@ void ORVCodexSessionSource::consumeCompleteLinesFromState(ORVSessionParseState& 
 }
 
 bool ORVCodexSessionSource::dataContainsUTF8(std::string_view data, std::string_view needle) {
-    return data.find(needle) != std::string_view::npos;
+    return platform::containsBytes(data, needle);
 }

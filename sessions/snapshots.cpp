@@ -23,8 +23,7 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForSessionURL(
     const auto title = titleIndex_.find(threadID);
     return ORVSessionSnapshot(title == titleIndex_.end() ? "Codex" : title->second,
                               std::move(threadID), url, state.compactionCount, state.contextUsage,
-                              state.contextStatus, state.compactionStatus,
-                              *attributes->modifiedAt);
+                              state.contextStatus, state.compactionStatus, *attributes->modifiedAt);
 }
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForThreadID(
@@ -50,11 +49,11 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForThreadID(
             signalledStatus = state.compactionStatus;
         }
     }
-    return ORVSessionSnapshot(
-        newest->title(), std::string(threadID), newest->fileURL(),
-        static_cast<std::int64_t>(compactions.size()) + anonymousCompactions,
-        newest->contextUsage(), newest->contextStatus(),
-        signalledStatus.value_or(newest->compactionStatus()), newest->lastUpdated());
+    return ORVSessionSnapshot(newest->title(), std::string(threadID), newest->fileURL(),
+                              static_cast<std::int64_t>(compactions.size()) + anonymousCompactions,
+                              newest->contextUsage(), newest->contextStatus(),
+                              signalledStatus.value_or(newest->compactionStatus()),
+                              newest->lastUpdated());
 }
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::latestSnapshotWithError(
