@@ -11,16 +11,17 @@ const ORVContextUsage* shownUsage(const ORVSessionSnapshot& snapshot) {
 }
 
 std::string statusItemTitle(const ORVSessionSnapshot& snapshot) {
-    const bool countIsValid = snapshot.compactionStatus() == ORVCompactionStatusValid;
-    const std::string prefix =
-        countIsValid ? "C" + std::to_string(snapshot.compactionCount()) : "C–";
+    std::string title = "C";
+    title += snapshot.compactionStatus() == ORVCompactionStatusValid
+                 ? std::to_string(snapshot.compactionCount())
+                 : "–";
     const ORVContextUsage* usage = shownUsage(snapshot);
     if (!usage) {
-        return prefix + " · --%";
+        return title + " · --%";
     }
     std::array<char, 64> share{};
-    std::snprintf(share.data(), share.size(), "%.0f%%", usage->percentage());
-    return prefix + " · " + share.data();
+    std::snprintf(share.data(), share.size(), " · %.0f%%", usage->percentage());
+    return title + share.data();
 }
 
 }  // namespace app

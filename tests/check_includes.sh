@@ -1,0 +1,30 @@
+#!/bin/sh
+# Every include points one way: ctl, shells -> app -> sessions, focus, l10n -> platform. What a
+# folder may include of the others is listed; the core sees no shell and no platform source.
+set -eu
+cd "$(dirname "$0")/.."
+failed=0
+
+check() { # FOLDER ALLOWED...
+    folder=$1
+    shift
+    allowed="$folder"
+    for other in "$@"; do
+        allowed="$allowed|$other"
+    done
+    wrong=$(grep -rnE '^#include "' "$folder" --include='*.h' --include='*.cpp' --include='*.mm' |
+        grep -vE "#include \"($allowed)/[^\"]*\.h\"" || true)
+    if [ -n "$wrong" ]; then
+        echo "$wrong"
+        failed=1
+    fi
+}
+
+check platform
+check l10n platform
+check sessions platform
+check focus platform
+check app sessions focus l10n platform
+check shells app sessions focus l10n platform
+check ctl shells app sessions focus l10n platform
+exit "$failed"
