@@ -40,7 +40,7 @@ std::string makeRecord() {
 }
 
 void setBytes(benchmark::State& state, std::size_t bytes) {
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * bytes));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
 }
 
 void findMarkers(benchmark::State& state) {

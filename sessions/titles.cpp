@@ -7,8 +7,8 @@
 
 namespace {
 
-/// Hundreds of thousands of tasks. A larger file is no index; it counts as unreadable.
-constexpr std::size_t kIndexLimitBytes = 256 * 1024 * 1024;
+/// Some hundred thousand tasks. A larger file is no index; it counts as unreadable.
+constexpr std::size_t kIndexLimitBytes = 64 * 1024 * 1024;
 
 const ORVJSONShape& entryShape() {
     static const ORVJSONShape kShape{
