@@ -34,7 +34,7 @@ std::string described(const std::optional<ORVJSONValue>& value) {
 std::string read(const std::string& text) {
     ORVJSONReader reader;
     const std::string padded = text + std::string(ORVByteBuffer::kReadableBytesBeyond, 'x');
-    const std::string fast =
+    std::string fast =
         described(reader.readObject(std::string_view(padded).substr(0, text.size()), shape()));
     EXPECT_EQ(fast, described(sessions::readObjectThoroughly(text, shape()))) << text.substr(0, 60);
     return fast;
