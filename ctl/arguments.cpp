@@ -21,7 +21,7 @@ struct Command {
 constexpr Command kCommands[] = {
     {"latest", Call::latest, 0, true}, {"task", Call::task, 1, true},
     {"focus", Call::focus, 0, true},   {"titles", Call::titles, 0, true},
-    {"query", Call::query, 0, false},
+    {"query", Call::query, 0, false},  {"watch", Call::watch, 0, true},
 };
 
 Arguments notUnderstood(std::string complaint) {
@@ -33,7 +33,12 @@ Arguments notUnderstood(std::string complaint) {
 }  // namespace
 
 const std::string_view kUsage =
-    "usage: brimletctl latest [--json]    the newest task: compactions, context usage, title\n"
+    "usage: brimletctl watch              the status item and its menu in this terminal, live; "
+    "without\n"
+    "                                     a terminal lines of text\n"
+    "       brimletctl watch --json       the same as lines of JSON; commands on standard input:\n"
+    "                                     choose ITEM, key r, key q\n"
+    "       brimletctl latest [--json]    the newest task: compactions, context usage, title\n"
     "       brimletctl task ID [--json]   the task with this thread identifier\n"
     "       brimletctl focus [--json]     which task is in view in the desktop application, or "
     "why\n"

@@ -8,7 +8,7 @@
 /// What a command line of brimletctl asks for.
 namespace ctl {
 
-enum class Call { latest, task, focus, titles, query, help, version, notUnderstood };
+enum class Call { latest, task, focus, titles, query, watch, help, version, notUnderstood };
 
 struct Arguments {
     Call call = Call::notUnderstood;

@@ -6,6 +6,7 @@
 #include "ctl/arguments.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "ctl/watch.h"
 #include "platform/memory.h"
 
 int main(int count, char** values) {
@@ -20,6 +21,8 @@ int main(int count, char** values) {
             return ctl::showText(ctl::kUsage);
         case ctl::Call::version:
             return ctl::showText("brimletctl " BRIMLET_VERSION "\n");
+        case ctl::Call::watch:
+            return arguments.format == ctl::Format::json ? ctl::watchAsJSON() : ctl::watch();
         default:
             break;
     }

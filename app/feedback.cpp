@@ -1,0 +1,54 @@
+// What the refresh command shows of itself: checking, then complete or failed for a moment, both in
+// the menu bar and on the command. Feedback is drawn over whatever is rendered meanwhile.
+
+#include "app/ORVAppDelegate.h"
+
+namespace {
+
+constexpr std::chrono::milliseconds kFeedbackTime(1'200);
+
+const char* imageForKey(std::string_view key) {
+    if (key == "refresh_complete") {
+        return "checkmark.circle.fill";
+    }
+    if (key == "refresh_failed") {
+        return "exclamationmark.triangle.fill";
+    }
+    if (key == "refresh_access_required") {
+        return "lock.fill";
+    }
+    return "arrow.triangle.2.circlepath";
+}
+
+}  // namespace
+
+void ORVAppDelegate::showManualRefreshFeedbackForKey(const std::string& key) {
+    ++manualRefreshFeedbackGeneration_;
+    manualRefreshFeedbackActive_ = true;
+    manualRefreshFeedbackKey_ = key;
+    applyManualRefreshFeedbackIfNeeded();
+}
+
+void ORVAppDelegate::finishManualRefreshFeedbackWithKey(const std::string& key) {
+    showManualRefreshFeedbackForKey(key);
+    const std::uint64_t generation = manualRefreshFeedbackGeneration_;
+    surroundings_.runLoop().postAfter(kFeedbackTime, [self = shared_from_this(), generation] {
+        if (self->manualRefreshFeedbackGeneration_ != generation) {
+            return;  // Newer feedback owns the display.
+        }
+        self->manualRefreshFeedbackActive_ = false;
+        self->manualRefreshFeedbackKey_.reset();
+        self->refreshItem_->enabled = true;
+        self->applyLocalization();
+    });
+}
+
+void ORVAppDelegate::applyManualRefreshFeedbackIfNeeded() {
+    if (!manualRefreshFeedbackActive_ || !manualRefreshFeedbackKey_) {
+        return;
+    }
+    const std::string feedback = text(*manualRefreshFeedbackKey_);
+    statusItem_.title = feedback;
+    refreshItem_->enabled = false;
+    setTitleAndImage(*refreshItem_, feedback, imageForKey(*manualRefreshFeedbackKey_));
+}

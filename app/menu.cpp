@@ -1,0 +1,116 @@
+// The menu: built once, filled with texts by key, and what its items do.
+
+#include "app/ORVAppDelegate.h"
+
+std::unique_ptr<ORVMenu> ORVAppDelegate::buildMenu() {
+    auto menu = std::make_unique<ORVMenu>();
+    titleItem_ = menu->add("titleItem");
+    focusItem_ = menu->add("focusItem");
+    focusItem_->hidden = true;
+    menu->addSeparator();
+    contextItem_ = menu->add("contextItem");
+    compactionItem_ = menu->add("compactionItem");
+    updatedItem_ = menu->add("updatedItem");
+    menu->addSeparator();
+    sourceItem_ = menu->add("sourceItem");
+    privacyItem_ = menu->add("privacyItem");
+    menu->addSeparator();
+    languageItem_ = menu->add("languageItem");
+    languageItem_->submenu = std::make_unique<ORVMenu>();
+    ORVMenu& languages = *languageItem_->submenu;
+    systemLanguageItem_ = addLanguageItem(languages, "systemLanguageItem", ORVLanguageModeSystem);
+    englishLanguageItem_ =
+        addLanguageItem(languages, "englishLanguageItem", ORVLanguageModeEnglish);
+    chineseLanguageItem_ =
+        addLanguageItem(languages, "chineseLanguageItem", ORVLanguageModeSimplifiedChinese);
+    refreshItem_ = menu->add("refreshItem");
+    refreshItem_->action = ORVMenuAction::refresh;
+    refreshItem_->keyEquivalent = "r";
+    quitItem_ = menu->add("quitItem");
+    quitItem_->action = ORVMenuAction::terminate;
+    quitItem_->keyEquivalent = "q";
+    return menu;
+}
+
+ORVMenuItem* ORVAppDelegate::addLanguageItem(ORVMenu& menu, const std::string& field,
+                                             ORVLanguageMode mode) {
+    ORVMenuItem* item = menu.add(field);
+    item->action = ORVMenuAction::changeLanguage;
+    item->tag = mode;
+    return item;
+}
+
+void ORVAppDelegate::chooseItem(ORVMenuItem& item) {
+    if (!item.enabled) {
+        return;
+    }
+    switch (item.action) {
+        case ORVMenuAction::none:
+            break;
+        case ORVMenuAction::refresh:
+            refresh(&item);
+            break;
+        case ORVMenuAction::terminate:
+            surroundings_.terminate();
+            break;
+        case ORVMenuAction::changeLanguage:
+            changeLanguage(item);
+            break;
+    }
+}
+
+ORVMenuItem* ORVAppDelegate::findItem(std::string_view field) const {
+    for (const ORVMenu* menu : {statusItem_.menu.get(), languageItem_->submenu.get()}) {
+        for (const auto& item : menu->items) {
+            if (!item->isSeparator() && item->field == field) {
+                return item.get();
+            }
+        }
+    }
+    return nullptr;
+}
+
+bool ORVAppDelegate::chooseItemNamed(std::string_view field) {
+    ORVMenuItem* item = findItem(field);
+    if (item) {
+        chooseItem(*item);
+    }
+    return item != nullptr;
+}
+
+bool ORVAppDelegate::performKeyEquivalent(std::string_view key) {
+    for (ORVMenuItem* item : {refreshItem_, quitItem_}) {
+        if (item->keyEquivalent == key) {
+            chooseItem(*item);
+            return true;
+        }
+    }
+    return false;
+}
+
+void ORVAppDelegate::changeLanguage(const ORVMenuItem& sender) {
+    localizer_->setLanguageMode(sender.tag.value_or(-1));
+    applyLocalization();
+}
+
+void ORVAppDelegate::setTitleAndImage(ORVMenuItem& item, std::string title, const char* imageName) {
+    item.title = std::move(title);
+    item.image = ORVMenuImage{imageName, item.title};
+}
+
+void ORVAppDelegate::applyLocalization() {
+    sourceItem_->title = text("source_codex");
+    privacyItem_->title = text("privacy");
+    setTitleAndImage(*languageItem_, text("language"), "globe");
+    systemLanguageItem_->title = text("language_system");
+    englishLanguageItem_->title = text("language_english");
+    chineseLanguageItem_->title = text("language_chinese");
+    setTitleAndImage(*refreshItem_, text("refresh"), "arrow.clockwise");
+    quitItem_->title = text("quit");
+    // The choice decides, not the language that it amounts to.
+    for (ORVMenuItem* item : {systemLanguageItem_, englishLanguageItem_, chineseLanguageItem_}) {
+        item->state = item->tag == localizer_->languageMode();
+    }
+    renderLastResults();
+    applyManualRefreshFeedbackIfNeeded();
+}

@@ -1,0 +1,60 @@
+// The main loop: every two seconds, and whenever the user asks, one refresh reads files on the
+// refresh queue; its results come back to the UI thread and are rendered there.
+
+#include "app/ORVAppDelegate.h"
+
+namespace {
+
+constexpr std::chrono::milliseconds kRefreshInterval(2'000);
+
+}  // namespace
+
+void ORVAppDelegate::applicationDidFinishLaunching() {
+    localizer_ = std::make_unique<ORVLocalizer>(surroundings_.standardUserDefaults());
+    refreshQueue_ = surroundings_.makeSerialQueue("com.orvellan.brimlet.refresh");
+    statusItem_.title = text("status_loading");
+    statusItem_.toolTip = "Brimlet";
+    statusItem_.menu = buildMenu();
+    applyLocalization();
+    source_ = std::make_unique<ORVCodexSessionSource>(surroundings_.files(), surroundings_.clock());
+    focusSource_ = std::make_unique<ORVCodexFocusLogSource>(surroundings_.files());
+    refresh(nullptr);
+    refreshTimer_ =
+        surroundings_.runLoop().makeRepeatingTimer(kRefreshInterval, [this] { refresh(nullptr); });
+}
+
+void ORVAppDelegate::refresh(const ORVMenuItem* sender) {
+    if (sender && sender == refreshItem_) {
+        manualRefreshPending_ = true;
+        showManualRefreshFeedbackForKey("refresh_checking");
+    }
+    if (refreshing_) {
+        return;  // The refresh under way serves this request.
+    }
+    refreshing_ = true;
+    refreshQueue_->dispatch([self = shared_from_this()] {
+        auto results = std::make_shared<ORVRefreshResults>(
+            app::refreshFromFiles(*self->focusSource_, *self->source_));
+        self->surroundings_.runLoop().post(
+            [self, results] { self->finishRefresh(std::move(*results)); });
+    });
+}
+
+void ORVAppDelegate::finishRefresh(ORVRefreshResults&& results) {
+    refreshing_ = false;
+    const bool isManual = manualRefreshPending_;
+    manualRefreshPending_ = false;
+    lastFocusState_ = std::move(results.focusState);
+    lastError_ = std::move(results.error);
+    lastSnapshot_ = std::move(results.snapshot);  // A stale one is never kept.
+    if (lastSnapshot_) {
+        renderSnapshot(*lastSnapshot_);
+    } else {
+        renderFocusState(*lastFocusState_);
+    }
+    if (isManual) {
+        finishManualRefreshFeedbackWithKey(lastError_ ? "refresh_failed" : "refresh_complete");
+    } else {
+        applyManualRefreshFeedbackIfNeeded();
+    }
+}

@@ -1,0 +1,142 @@
+// Runs the application with one of its surfaces until the user, a signal or a reader that left ends
+// it.
+
+#include "ctl/watch.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <functional>
+
+#include "app/ORVAppDelegate.h"
+#include "ctl/commands.h"
+#include "ctl/output.h"
+#include "platform/unicode.h"
+#include "shells/ORVCommandInput.h"
+#include "shells/ORVLineOutput.h"
+#include "shells/ORVPosixSurroundings.h"
+#include "shells/json/status_item_json.h"
+#include "shells/terminal/ORVTerminalMenu.h"
+
+namespace ctl {
+namespace {
+
+// For the signal handler, which can reach nothing else.
+ORVPosixRunLoop* signalledLoop = nullptr;
+volatile sig_atomic_t endWasAskedFor = 0;
+
+void askForEnd(int) {
+    endWasAskedFor = 1;
+    signalledLoop->wakeFromSignal();
+}
+
+void wake(int) {
+    signalledLoop->wakeFromSignal();
+}
+
+void handle(int signalNumber, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    sigaction(signalNumber, &action, nullptr);
+}
+
+/// The application and what every surface needs of it.
+class Session {
+public:
+    Session() : surroundings(complain), delegate(std::make_shared<ORVAppDelegate>(surroundings)) {
+        signalledLoop = &surroundings.runLoop();
+        for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+            handle(signalNumber, askForEnd);
+        }
+    }
+
+    /// Runs until the end. `turnEnd` shows what changed; `cleanUp` leaves the surface as it was.
+    int run(const std::function<void()>& turnEnd, const std::function<void()>& wakened,
+            const std::function<void()>& cleanUp) {
+        ORVPosixRunLoop& loop = surroundings.runLoop();
+        loop.setTurnEnd(turnEnd);
+        loop.setWakened([&loop, wakened] {
+            if (endWasAskedFor) {
+                loop.stop(kAnswered);
+            } else if (wakened) {
+                wakened();
+            }
+        });
+        loop.post([this] { delegate->applicationDidFinishLaunching(); });
+        const int status = loop.run();
+        cleanUp();
+        if (!surroundings.readerIsIdle()) {
+            _exit(status);  // The thread that hangs still uses the application.
+        }
+        for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGWINCH, SIGCONT}) {
+            handle(signalNumber, SIG_DFL);
+        }
+        loop.dropClosures();
+        return status;
+    }
+
+    /// What to do when the output has ended: with an errno, or 0 for a reader that left.
+    std::function<void(int)> outputEnded() {
+        return [this](int failure) {
+            if (failure != 0) {
+                complain("cannot write the output: " + platform::posixError(failure).description);
+            }
+            surroundings.runLoop().stop(failure == 0 ? kAnswered : kNothingToShow);
+        };
+    }
+
+    ORVPosixSurroundings surroundings;
+    std::shared_ptr<ORVAppDelegate> delegate;
+};
+
+void obey(ORVAppDelegate& delegate, const std::string& line) {
+    constexpr std::string_view kChoose = "choose ";
+    constexpr std::string_view kKey = "key ";
+    const bool isUnderstood =
+        (line.starts_with(kChoose) && delegate.chooseItemNamed(line.substr(kChoose.size()))) ||
+        (line.starts_with(kKey) && delegate.performKeyEquivalent(line.substr(kKey.size())));
+    if (!isUnderstood) {
+        complain("unknown command: " + line);
+    }
+}
+
+/// The status line alone, for status bars.
+int watchAsLines() {
+    Session session;
+    ORVLineOutput output(session.surroundings.runLoop(), STDOUT_FILENO, session.outputEnded());
+    return session.run([&] { output.show(platform::forTerminal(session.delegate->statusLine())); },
+                       nullptr, [&] { output.flush(); });
+}
+
+}  // namespace
+
+int watchAsJSON() {
+    Session session;
+    ORVPosixRunLoop& loop = session.surroundings.runLoop();
+    ORVLineOutput output(loop, STDOUT_FILENO, session.outputEnded());
+    const ORVCommandInput input(loop, STDIN_FILENO,
+                                [&](const std::string& line) { obey(*session.delegate, line); });
+    return session.run([&] { output.show(json::statusItem(session.delegate->statusItem())); },
+                       nullptr, [&] { output.flush(); });
+}
+
+int watch() {
+    if (!isatty(STDOUT_FILENO) || !isatty(STDIN_FILENO) || !ORVTerminalMenu::isPossible()) {
+        return watchAsLines();
+    }
+    Session session;
+    ORVPosixRunLoop& loop = session.surroundings.runLoop();
+    handle(SIGWINCH, wake);
+    ORVTerminalMenu terminal(*session.delegate);
+    handle(SIGCONT, wake);
+    loop.watch(STDIN_FILENO, ORVPosixRunLoop::Interest::readable, [&] {
+        if (!terminal.readKeys()) {
+            loop.stop(kAnswered);
+        }
+    });
+    return session.run([&] { terminal.show(); }, [&] { terminal.redrawAll(); },
+                       [&] { terminal.close(); });
+}
+
+}  // namespace ctl

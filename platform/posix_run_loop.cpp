@@ -1,0 +1,204 @@
+#include "platform/posix_run_loop.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <optional>
+#include <utility>
+
+class ORVPosixRunLoop::Timer final : public ORVRepeatingTimer {
+public:
+    Timer(ORVPosixRunLoop& loop, Clock::duration interval, Closure closure)
+        : loop_(loop),
+          interval_(interval),
+          closure_(std::move(closure)),
+          nextDue_(Clock::now() + interval) {
+        loop_.timers_.push_back(this);
+    }
+    ~Timer() override { std::erase(loop_.timers_, this); }
+
+    Clock::time_point nextDue() const { return nextDue_; }
+
+    /// The closure, and the next firing in step with the first; those that were missed are left
+    /// out.
+    Closure takeDue(Clock::time_point now) {
+        while (nextDue_ <= now) {
+            nextDue_ += interval_ * std::max<Clock::rep>(1, (now - nextDue_) / interval_);
+        }
+        return closure_;
+    }
+
+private:
+    ORVPosixRunLoop& loop_;
+    const Clock::duration interval_;
+    const Closure closure_;
+    Clock::time_point nextDue_;
+};
+
+ORVPosixRunLoop::ORVPosixRunLoop() {
+    int ends[2];
+    if (pipe(ends) != 0) {
+        std::abort();  // Without a single descriptor left there is nothing to run.
+    }
+    for (const int end : ends) {
+        fcntl(end, F_SETFD, FD_CLOEXEC);
+        fcntl(end, F_SETFL, O_NONBLOCK);
+    }
+    wakeReadEnd_ = ends[0];
+    wakeWriteEnd_ = ends[1];
+}
+
+ORVPosixRunLoop::~ORVPosixRunLoop() {
+    dropClosures();
+    close(wakeReadEnd_);
+    close(wakeWriteEnd_);
+}
+
+void ORVPosixRunLoop::post(Closure closure) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    posted_.push_back(std::move(closure));
+    const char wake = 'p';
+    // A full pipe wakes the loop as well.
+    [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_, &wake, 1);
+}
+
+void ORVPosixRunLoop::wakeFromSignal() {
+    const int savedError = errno;
+    const char wake = 's';
+    [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_, &wake, 1);
+    errno = savedError;
+}
+
+void ORVPosixRunLoop::postAfter(std::chrono::milliseconds delay, Closure closure) {
+    delayed_.emplace(Clock::now() + delay, std::move(closure));
+}
+
+std::unique_ptr<ORVRepeatingTimer> ORVPosixRunLoop::makeRepeatingTimer(
+    std::chrono::milliseconds interval, Closure closure) {
+    return std::make_unique<Timer>(*this, interval, std::move(closure));
+}
+
+void ORVPosixRunLoop::watch(int descriptor, Interest interest, Closure ready) {
+    watches_[descriptor] = {interest, std::move(ready)};
+}
+
+void ORVPosixRunLoop::unwatch(int descriptor) {
+    watches_.erase(descriptor);
+}
+
+int ORVPosixRunLoop::run() {
+    while (!isStopped_) {
+        runPosted();
+        runDue();
+        if (!isStopped_) {
+            waitForEvents();
+        }
+    }
+    return status_;
+}
+
+void ORVPosixRunLoop::stop(int status) {
+    if (!std::exchange(isStopped_, true)) {
+        status_ = status;
+    }
+}
+
+void ORVPosixRunLoop::dropClosures() {
+    // Moved out first: what they keep alive may sign off timers or post when it ends.
+    std::vector<Closure> posted;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        posted.swap(posted_);
+    }
+    const auto delayed = std::exchange(delayed_, {});
+    watches_.clear();
+    turnEnd_ = nullptr;
+    wakened_ = nullptr;
+}
+
+void ORVPosixRunLoop::turn(const Closure& closure) {
+    if (isStopped_ || !closure) {
+        return;
+    }
+    closure();
+    if (turnEnd_) {
+        turnEnd_();
+    }
+}
+
+void ORVPosixRunLoop::runPosted() {
+    std::vector<Closure> closures;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        closures.swap(posted_);
+    }
+    for (const Closure& closure : closures) {
+        turn(closure);
+    }
+}
+
+void ORVPosixRunLoop::runDue() {
+    const Clock::time_point now = Clock::now();
+    while (!delayed_.empty() && delayed_.begin()->first <= now) {
+        const Closure closure = std::move(delayed_.begin()->second);
+        delayed_.erase(delayed_.begin());
+        turn(closure);
+    }
+    const std::vector<Timer*> timers = timers_;
+    for (Timer* timer : timers) {
+        const bool isAlive = std::find(timers_.begin(), timers_.end(), timer) != timers_.end();
+        if (isAlive && timer->nextDue() <= now) {
+            turn(timer->takeDue(now));
+        }
+    }
+}
+
+int ORVPosixRunLoop::millisecondsToNextDue() const {
+    std::optional<Clock::time_point> due;
+    if (!delayed_.empty()) {
+        due = delayed_.begin()->first;
+    }
+    for (const Timer* timer : timers_) {
+        due = due ? std::min(*due, timer->nextDue()) : timer->nextDue();
+    }
+    if (!due) {
+        return -1;
+    }
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*due - Clock::now());
+    return static_cast<int>(std::max<std::chrono::milliseconds::rep>(0, wait.count()));
+}
+
+void ORVPosixRunLoop::waitForEvents() {
+    std::vector<pollfd> polled = {{wakeReadEnd_, POLLIN, 0}};
+    for (const auto& [descriptor, watch] : watches_) {
+        const short events = watch.interest == Interest::readable   ? POLLIN
+                             : watch.interest == Interest::writable ? POLLOUT
+                                                                    : 0;
+        polled.push_back({descriptor, events, 0});
+    }
+    if (poll(polled.data(), static_cast<nfds_t>(polled.size()), millisecondsToNextDue()) <= 0) {
+        return;
+    }
+    if (polled[0].revents != 0) {
+        char wakes[64];
+        bool fromSignal = false;
+        ssize_t count = 0;
+        while ((count = read(wakeReadEnd_, wakes, sizeof wakes)) > 0) {
+            fromSignal = fromSignal || std::find(wakes, wakes + count, 's') != wakes + count;
+        }
+        if (fromSignal) {
+            turn(wakened_);
+        }
+    }
+    for (std::size_t i = 1; i < polled.size(); ++i) {
+        const auto found = watches_.find(polled[i].fd);
+        if (polled[i].revents != 0 && found != watches_.end()) {
+            const Closure ready = found->second.ready;
+            turn(ready);
+        }
+    }
+}

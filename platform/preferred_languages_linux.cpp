@@ -1,0 +1,43 @@
+// The environment's languages: those of LANGUAGE, a list with colons, else the locale of messages.
+
+#include <cstdlib>
+#include <string_view>
+
+#include "platform/preferred_languages.h"
+
+namespace platform {
+namespace {
+
+/// "zh_CN.UTF-8" becomes "zh-CN"; "C" and "POSIX" are no language.
+void addLanguage(std::string_view locale, std::vector<std::string>& languages) {
+    std::string tag(locale.substr(0, locale.find_first_of(".@")));
+    if (tag.empty() || tag == "C" || tag == "POSIX") {
+        return;
+    }
+    for (char& c : tag) {
+        c = c == '_' ? '-' : c;
+    }
+    languages.push_back(std::move(tag));
+}
+
+}  // namespace
+
+std::vector<std::string> preferredLanguages() {
+    std::string_view names;
+    for (const char* variable : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value && *value) {
+            names = value;
+            break;
+        }
+    }
+    std::vector<std::string> languages;
+    while (!names.empty()) {
+        const std::size_t colon = names.find(':');
+        addLanguage(names.substr(0, colon), languages);
+        names.remove_prefix(colon == std::string_view::npos ? names.size() : colon + 1);
+    }
+    return languages;
+}
+
+}  // namespace platform

@@ -1,0 +1,77 @@
+#include "shells/ORVLineOutput.h"
+
+#include <limits.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace {
+
+constexpr int kFlushMilliseconds = 200;
+
+bool isWritable(int descriptor, int waitMilliseconds) {
+    pollfd polled{descriptor, POLLOUT, 0};
+    return poll(&polled, 1, waitMilliseconds) > 0;
+}
+
+}  // namespace
+
+ORVLineOutput::ORVLineOutput(ORVPosixRunLoop& loop, int descriptor, std::function<void(int)> ended)
+    : loop_(loop), descriptor_(descriptor), ended_(std::move(ended)) {
+    watchForMore();
+}
+
+ORVLineOutput::~ORVLineOutput() {
+    loop_.unwatch(descriptor_);
+}
+
+void ORVLineOutput::show(const std::string& line) {
+    if (line != waiting_) {
+        waiting_ = line;
+        writeWhatFits();
+    }
+}
+
+void ORVLineOutput::writeWhatFits() {
+    // A pipe that is ready takes as many bytes at once without waiting.
+    constexpr std::size_t kAtOnce = PIPE_BUF;
+    while (!hasEnded_ && hasMore() && isWritable(descriptor_, 0)) {
+        if (underWay_.empty()) {
+            shown_ = waiting_;
+            underWay_ = shown_ + '\n';
+        }
+        const ssize_t count =
+            write(descriptor_, underWay_.data(), std::min(underWay_.size(), kAtOnce));
+        if (count > 0) {
+            underWay_.erase(0, static_cast<std::size_t>(count));
+        } else if (count < 0 && errno != EINTR && errno != EAGAIN) {
+            hasEnded_ = true;
+            loop_.unwatch(descriptor_);
+            ended_(errno == EPIPE ? 0 : errno);
+        }
+    }
+    watchForMore();
+}
+
+void ORVLineOutput::watchForMore() {
+    if (hasEnded_) {
+        return;
+    }
+    if (hasMore()) {
+        loop_.watch(descriptor_, ORVPosixRunLoop::Interest::writable, [this] { writeWhatFits(); });
+        return;
+    }
+    loop_.watch(descriptor_, ORVPosixRunLoop::Interest::hangUpOnly, [this] {
+        hasEnded_ = true;
+        loop_.unwatch(descriptor_);
+        ended_(0);
+    });
+}
+
+void ORVLineOutput::flush() {
+    while (!hasEnded_ && hasMore() && isWritable(descriptor_, kFlushMilliseconds)) {
+        writeWhatFits();
+    }
+}

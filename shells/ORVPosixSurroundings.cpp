@@ -1,0 +1,16 @@
+#include "shells/ORVPosixSurroundings.h"
+
+ORVPosixSurroundings::ORVPosixSurroundings(std::function<void(const std::string&)> complain)
+    : files_(platform::makeFiles()),
+      userDefaults_(platform::standardUserDefaults(std::move(complain))) {}
+
+std::unique_ptr<ORVSerialQueue> ORVPosixSurroundings::makeSerialQueue(const std::string&) {
+    auto queue = std::make_unique<platform::ThreadQueue>();
+    queue_ = queue.get();
+    return queue;
+}
+
+bool ORVPosixSurroundings::readerIsIdle() {
+    constexpr std::chrono::milliseconds kPatience(100);
+    return !queue_ || queue_->waitUntilIdle(kPatience);
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/ORVAppSurroundings.h"
+#include "platform/posix_run_loop.h"
+#include "platform/thread_queue.h"
+
+/// The application's surroundings in a process without a desktop: a poll loop and a thread.
+class ORVPosixSurroundings final : public ORVAppSurroundings {
+public:
+    /// `complain` hears what the user should know, at most once each.
+    explicit ORVPosixSurroundings(std::function<void(const std::string&)> complain);
+
+    ORVUserDefaults& standardUserDefaults() override { return *userDefaults_; }
+    std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) override;
+    ORVPosixRunLoop& runLoop() override { return runLoop_; }
+    ORVFiles& files() override { return *files_; }
+    const ORVClock& clock() override { return clock_; }
+    void terminate() override { runLoop_.stop(0); }
+
+    /// Waits a moment for a read under way; false while it hangs. The process must then be left
+    /// without destroying anything that it uses.
+    bool readerIsIdle();
+
+private:
+    ORVPosixRunLoop runLoop_;
+    ORVSystemClock clock_;
+    std::unique_ptr<ORVFiles> files_;
+    std::unique_ptr<ORVUserDefaults> userDefaults_;
+    platform::ThreadQueue* queue_ = nullptr;  ///< Owned by the delegate.
+};

@@ -1,0 +1,62 @@
+#include "shells/json/status_item_json.h"
+
+#include <utility>
+#include <vector>
+
+#include "shells/json/json_text.h"
+
+namespace json {
+namespace {
+
+std::string boolean(bool value) {
+    return value ? "true" : "false";
+}
+
+std::string menu(const ORVMenu& shown);
+
+std::string menuItem(const ORVMenuItem& item) {
+    if (item.isSeparator()) {
+        return object({{"separator", "true"}});
+    }
+    std::vector<std::pair<std::string_view, std::string>> fields = {
+        {"item", quoted(item.field)},
+        {"title", quoted(item.title)},
+        {"enabled", boolean(item.enabled)},
+        {"hidden", boolean(item.hidden)}};
+    if (item.tag) {
+        fields.emplace_back("tag", std::to_string(*item.tag));
+        fields.emplace_back("state", boolean(item.state));
+    }
+    if (item.image) {
+        fields.emplace_back("image", quoted(item.image->name));
+        fields.emplace_back("imageDescription", quoted(item.image->description));
+    }
+    if (!item.keyEquivalent.empty()) {
+        fields.emplace_back("keyEquivalent", quoted(item.keyEquivalent));
+    }
+    if (item.submenu) {
+        fields.emplace_back("submenu", menu(*item.submenu));
+    }
+    return object(fields);
+}
+
+std::string menu(const ORVMenu& shown) {
+    std::string text = "[";
+    for (const auto& item : shown.items) {
+        if (text.size() > 1) {
+            text += ',';
+        }
+        text += menuItem(*item);
+    }
+    return text + ']';
+}
+
+}  // namespace
+
+std::string statusItem(const ORVStatusItem& statusItem) {
+    return object({{"title", quoted(statusItem.title)},
+                   {"toolTip", quoted(statusItem.toolTip)},
+                   {"menu", menu(*statusItem.menu)}});
+}
+
+}  // namespace json
