@@ -44,7 +44,9 @@ void handle(int signalNumber, void (*handler)(int)) {
 /// The application and what every surface needs of it.
 class Session {
 public:
-    Session() : surroundings(complain), delegate(std::make_shared<ORVAppDelegate>(surroundings)) {
+    Session()
+        : surroundings(platform::makeFiles(), complain),
+          delegate(std::make_shared<ORVAppDelegate>(surroundings)) {
         signalledLoop = &surroundings.runLoop();
         for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
             handle(signalNumber, askForEnd);

@@ -1,7 +1,8 @@
 #include "shells/ORVPosixSurroundings.h"
 
-ORVPosixSurroundings::ORVPosixSurroundings(std::function<void(const std::string&)> complain)
-    : files_(platform::makeFiles()),
+ORVPosixSurroundings::ORVPosixSurroundings(std::unique_ptr<ORVFiles> files,
+                                           std::function<void(const std::string&)> complain)
+    : files_(std::move(files)),
       userDefaults_(platform::standardUserDefaults(std::move(complain))) {}
 
 std::unique_ptr<ORVSerialQueue> ORVPosixSurroundings::makeSerialQueue(const std::string&) {

@@ -12,7 +12,8 @@
 class ORVPosixSurroundings final : public ORVAppSurroundings {
 public:
     /// `complain` hears what the user should know, at most once each.
-    explicit ORVPosixSurroundings(std::function<void(const std::string&)> complain);
+    ORVPosixSurroundings(std::unique_ptr<ORVFiles> files,
+                         std::function<void(const std::string&)> complain);
 
     ORVUserDefaults& standardUserDefaults() override { return *userDefaults_; }
     std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) override;

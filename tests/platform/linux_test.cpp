@@ -1,0 +1,117 @@
+// What Linux gives in place of a Mac's user defaults, preferred languages and locales.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "platform/preferred_languages.h"
+#include "platform/time_of_day.h"
+#include "platform/user_defaults.h"
+#include "tests/support/TemporaryHome.h"
+
+namespace {
+
+TEST(PreferredLanguagesTest, OfTheEnvironment) {
+    struct Case {
+        const char* language;
+        const char* all;
+        const char* messages;
+        const char* lang;
+        std::vector<std::string> expected;
+    };
+    const Case kCases[] = {
+        {nullptr, nullptr, nullptr, "zh_CN.UTF-8", {"zh-CN"}},
+        {nullptr, nullptr, "de_DE@euro", "zh_CN.UTF-8", {"de-DE"}},
+        {nullptr, "C", "de_DE", "zh_CN.UTF-8", {}},
+        {nullptr, "C.UTF-8", nullptr, nullptr, {}},
+        {nullptr, "POSIX", nullptr, nullptr, {}},
+        {"zh_CN:en:", "C", nullptr, nullptr, {"zh-CN", "en"}},
+        {"", "", "", "en_US", {"en-US"}},
+        {nullptr, nullptr, nullptr, nullptr, {}},
+    };
+    for (const Case& c : kCases) {
+        const std::pair<const char*, const char*> variables[] = {{"LANGUAGE", c.language},
+                                                                 {"LC_ALL", c.all},
+                                                                 {"LC_MESSAGES", c.messages},
+                                                                 {"LANG", c.lang}};
+        for (const auto& [name, value] : variables) {
+            value ? setenv(name, value, 1) : unsetenv(name);
+        }
+        EXPECT_EQ(c.expected, platform::preferredLanguages());
+    }
+}
+
+TEST(TimeOfDayTest, MediumStyleInTheUsersZone) {
+    setenv("TZ", "UTC", 1);
+    const auto at = [](std::int64_t seconds, const char* locale) {
+        return platform::mediumTimeOfDay({seconds, 999'999'999}, locale);
+    };
+    EXPECT_EQ("12:00:00\u202FAM", at(0, "en_US"));
+    EXPECT_EQ("12:34:56\u202FPM", at(45'296, "en_US"));
+    EXPECT_EQ("3:04:05\u202FPM", at(54'245, "en_US"));
+    EXPECT_EQ("00:00:00", at(0, "zh_CN"));
+    EXPECT_EQ("15:04:05", at(54'245, "zh_CN"));
+    setenv("TZ", "JST-9", 1);
+    EXPECT_EQ("09:00:00", at(0, "zh_CN")) << "a zone that changes is noticed";
+    EXPECT_FALSE(at(std::numeric_limits<std::int64_t>::max(), "en_US").empty());
+}
+
+class UserDefaultsTest : public testing::Test {
+protected:
+    UserDefaultsTest() { setenv("XDG_CONFIG_HOME", home.path("config").c_str(), 1); }
+    ~UserDefaultsTest() override { unsetenv("XDG_CONFIG_HOME"); }
+
+    std::optional<std::int64_t> stored() {
+        return platform::standardUserDefaults([](const std::string&) {})->integerForKey("mode");
+    }
+
+    TemporaryHome home;
+    const std::string file = "config/brimlet/defaults.json";
+};
+
+TEST_F(UserDefaultsTest, ForeignValuesAreReadAsTheyCanBe) {
+    EXPECT_EQ(std::nullopt, stored());
+    const std::pair<const char*, std::optional<std::int64_t>> kCases[] = {
+        {R"({"mode":2})", 2},
+        {R"({"mode":"1 or so"})", 1},
+        {R"({"mode":"x"})", 0},
+        {R"({"mode":true})", 1},
+        {R"({"mode":1.9})", 1},
+        {R"({"mode":1e300})", 0},
+        {R"({"mode":[1]})", 0},
+        {R"({"other":1})", {}},
+        {"not JSON", {}},
+        {R"([{"mode":1}])", {}},
+        {"", {}}};
+    for (const auto& [content, value] : kCases) {
+        home.write(file, content);
+        EXPECT_EQ(value, stored()) << content;
+    }
+}
+
+TEST_F(UserDefaultsTest, AreStoredWholeBesideOtherKeys) {
+    home.write(file, R"({"theirs":"kept"})");
+    const auto defaults = platform::standardUserDefaults([](const std::string&) { FAIL(); });
+    defaults->setInteger(2, "mode");
+    EXPECT_EQ(2, defaults->integerForKey("mode"));
+    std::ifstream content(home.path(file));
+    std::string line;
+    std::getline(content, line);
+    EXPECT_EQ(R"({"theirs":"kept","mode":2})", line);
+    home.remove("config");
+    defaults->setInteger(1, "mode");
+    EXPECT_EQ(1, stored()) << "folders are made as needed";
+}
+
+TEST_F(UserDefaultsTest, AFolderThatCannotBeWrittenIsToldOnce) {
+    home.write("config/brimlet", "a file in the folder's place");
+    int complaints = 0;
+    const auto defaults = platform::standardUserDefaults([&](const std::string&) { ++complaints; });
+    defaults->setInteger(1, "mode");
+    defaults->setInteger(2, "mode");
+    EXPECT_EQ(1, complaints);
+    EXPECT_EQ(std::nullopt, defaults->integerForKey("mode"));
+}
+
+}  // namespace

@@ -1,0 +1,251 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <condition_variable>
+#include <mutex>
+
+#include "app/ORVAppDelegate.h"
+#include "platform/unicode.h"
+#include "shells/ORVCommandInput.h"
+#include "shells/ORVLineOutput.h"
+#include "shells/ORVPosixSurroundings.h"
+#include "shells/terminal/menu_rows.h"
+
+namespace {
+
+/// A disk that hangs until it is told to go on.
+class HangingFiles final : public ORVFiles {
+public:
+    bool walk(const std::string&, const NameTest&, const FileVisitor&,
+              const ErrorHandler&) override {
+        hang();
+        return true;
+    }
+    std::optional<ORVFileAttributes> attributesOfItem(const std::string&, ORVErrorSlot*) override {
+        return {};
+    }
+    std::optional<ORVFileDate> contentModificationDate(const std::string&) override { return {}; }
+    bool itemExists(const std::string&) override { return false; }
+    std::unique_ptr<ORVOpenFile> openForReading(const std::string&, ORVErrorSlot*) override {
+        return nullptr;
+    }
+    void goOn() {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        goesOn_ = true;
+        changed_.notify_all();
+    }
+
+private:
+    void hang() {
+        std::unique_lock<std::mutex> lock(mutex_);
+        changed_.wait(lock, [this] { return goesOn_; });
+    }
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    bool goesOn_ = false;
+};
+
+TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
+    setenv("LANGUAGE", "en", 1);
+    setenv("XDG_CONFIG_HOME", "/dev/null", 1);
+    auto owned = std::make_unique<HangingFiles>();
+    HangingFiles& files = *owned;
+    ORVPosixSurroundings surroundings(std::move(owned), [](const std::string&) {});
+    auto app = std::make_shared<ORVAppDelegate>(surroundings);
+    ORVPosixRunLoop& loop = surroundings.runLoop();
+    std::string titles;
+    loop.setTurnEnd([&] { titles += app->statusItem().title + "|"; });
+    loop.post([&] { app->applicationDidFinishLaunching(); });
+    loop.post([&] { app->performKeyEquivalent("r"); });
+    loop.post([&] { app->chooseItemNamed("chineseLanguageItem"); });
+    loop.post([&] { app->performKeyEquivalent("q"); });
+    EXPECT_EQ(0, loop.run());
+    EXPECT_EQ("C– · --%|Checking…|正在检测…|正在检测…|", titles);
+    EXPECT_FALSE(surroundings.readerIsIdle());
+    files.goOn();
+    while (!surroundings.readerIsIdle()) {
+    }
+    loop.dropClosures();
+    unsetenv("XDG_CONFIG_HOME");
+}
+
+TEST(RunLoopTest, DelaysAndTimersComeInTheirOrder) {
+    ORVPosixRunLoop loop;
+    std::string order;
+    std::unique_ptr<ORVRepeatingTimer> timer;
+    loop.post([&] {
+        timer = loop.makeRepeatingTimer(std::chrono::milliseconds(20), [&] {
+            order += 't';
+            if (order.size() >= 5) {
+                loop.stop(7);
+            }
+        });
+        loop.postAfter(std::chrono::milliseconds(1), [&] { order += 'b'; });
+        loop.postAfter(std::chrono::milliseconds(0), [&] { order += 'a'; });
+        order += 'n';
+    });
+    EXPECT_EQ(7, loop.run());
+    EXPECT_EQ("nabtt", order);
+}
+
+/// A pipe whose ends close themselves.
+struct Pipe {
+    Pipe() { EXPECT_EQ(0, pipe(ends)); }
+    ~Pipe() {
+        closeEnd(0);
+        closeEnd(1);
+    }
+    void closeEnd(int end) {
+        if (ends[end] >= 0) {
+            close(std::exchange(ends[end], -1));
+        }
+    }
+    int ends[2];
+};
+
+TEST(LineOutputTest, ASlowReaderMissesLinesButNeverTheLatest) {
+    Pipe pipe;
+    ORVPosixRunLoop loop;
+    ORVLineOutput output(loop, pipe.ends[1], [](int) { FAIL(); });
+    const auto line = [](int number) { return std::to_string(number) + std::string(20'000, '.'); };
+    loop.post([&] {
+        for (int i = 0; i < 1'000; ++i) {
+            output.show(line(i));
+        }
+    });
+    std::string received;
+    const std::string end = "999" + std::string(20'000, '.') + "\n";
+    std::unique_ptr<ORVRepeatingTimer> reader =
+        loop.makeRepeatingTimer(std::chrono::milliseconds(1), [&] {
+            char bytes[65'536];
+            const ssize_t count = read(pipe.ends[0], bytes, sizeof bytes);
+            received.append(bytes, static_cast<std::size_t>(count));
+            if (received.ends_with(end)) {
+                loop.stop(0);
+            }
+        });
+    loop.run();
+    int previous = -1;
+    int lines = 0;
+    for (std::size_t start = 0; start < received.size(); ++lines) {
+        const int number = std::atoi(received.c_str() + start);
+        EXPECT_GT(number, previous);
+        EXPECT_EQ(line(number), received.substr(start, line(number).size())) << "no line is cut";
+        previous = number;
+        start = received.find('\n', start) + 1;
+    }
+    EXPECT_LT(lines, 20);
+}
+
+TEST(LineOutputTest, AReaderThatLeavesIsNoticedAtOnce) {
+    signal(SIGPIPE, SIG_IGN);
+    Pipe pipe;
+    ORVPosixRunLoop loop;
+    int endedWith = -1;
+    ORVLineOutput output(loop, pipe.ends[1], [&](int failure) {
+        endedWith = failure;
+        loop.stop(0);
+    });
+    loop.post([&] {
+        output.show("line");
+        output.show("line");
+    });
+    loop.postAfter(std::chrono::milliseconds(1), [&] { pipe.closeEnd(0); });
+    loop.run();
+    EXPECT_EQ(0, endedWith);
+}
+
+TEST(CommandInputTest, EachLineIsATurnAndLongOnesCostNothing) {
+    Pipe pipe;
+    ORVPosixRunLoop loop;
+    std::string commands;
+    std::size_t longest = 0;
+    int turns = 0;
+    ORVCommandInput input(loop, pipe.ends[0], [&](const std::string& line) {
+        longest = std::max(longest, line.size());
+        commands += line.substr(0, 8) + "|";
+        ++turns;
+    });
+    std::string text = "key r\n\nchoose x\r\n" + std::string(50'000, 'x') + "\nhalf";
+    ASSERT_EQ(static_cast<ssize_t>(text.size()), write(pipe.ends[1], text.data(), text.size()));
+    pipe.closeEnd(1);
+    loop.postAfter(std::chrono::milliseconds(100), [&] { loop.stop(0); });
+    loop.run();
+    EXPECT_EQ("key r||choose x|xxxxxxxx|half|", commands);
+    EXPECT_EQ(5, turns);
+    EXPECT_LE(longest, 4'096U);
+}
+
+class MenuRowsTest : public testing::Test {
+protected:
+    MenuRowsTest() {
+        statusItem.title = "C3 · 47%";
+        statusItem.menu = std::make_unique<ORVMenu>();
+        ORVMenu& menu = *statusItem.menu;
+        menu.add("titleItem")->title = "当前任务：重构 🚀 \x1b[31m";
+        menu.add("focusItem")->hidden = true;
+        menu.addSeparator();
+        language = menu.add("languageItem");
+        language->title = "语言";
+        language->image = ORVMenuImage{"globe", ""};
+        language->submenu = std::make_unique<ORVMenu>();
+        for (int mode = 0; mode < 3; ++mode) {
+            ORVMenuItem* item = language->submenu->add("mode");
+            item->title = "English";
+            item->tag = mode;
+            item->state = mode == 1;
+        }
+        quit = menu.add("quitItem");
+        quit->title = "Quit";
+        quit->keyEquivalent = "q";
+    }
+
+    std::string drawn(const ORVMenuItem* selected, bool isOpen, const terminal::Screen& screen) {
+        std::string text;
+        for (const terminal::Row& row : terminal::menuRows(statusItem, selected, isOpen, screen)) {
+            EXPECT_EQ(screen.columns, terminal::textColumns(row.text)) << row.text;
+            EXPECT_EQ(row.text, platform::forTerminal(row.text));
+            text += row.text + (row.isSelected ? "<\n" : "\n");
+        }
+        return text;
+    }
+
+    ORVStatusItem statusItem;
+    ORVMenuItem* language;
+    ORVMenuItem* quit;
+};
+
+TEST_F(MenuRowsTest, TheMenuHangsBelowTheBarAtTheRight) {
+    EXPECT_EQ(
+        "                             C3 · 47% \n"
+        "         ┌───────────────────────────┐\n"
+        "         │   当前任务：重构 🚀  [31m │\n"
+        "         ├───────────────────────────┤\n"
+        "         │ ◎ 语言                l ▸ │<\n"
+        "         │   Quit                  q │\n"
+        "         └───────────────────────────┘\n",
+        drawn(language, false, {38, 24, true}))
+        << "wide characters take two columns";
+}
+
+TEST_F(MenuRowsTest, FitsEveryScreen) {
+    for (const bool isUnicode : {true, false}) {
+        for (int columns = 1; columns < 60; ++columns) {
+            for (int rows = 1; rows < 12; ++rows) {
+                const terminal::Screen screen{columns, rows, isUnicode};
+                const auto lines = terminal::menuRows(statusItem, quit, true, screen);
+                EXPECT_LE(lines.size(), static_cast<std::size_t>(rows));
+                const std::string text = drawn(quit, true, screen);
+                EXPECT_EQ(rows > 1, text.find('<') != std::string::npos)
+                    << "the selected item is on the screen";
+                if (!isUnicode) {
+                    EXPECT_TRUE(std::all_of(text.begin(), text.end(), [](char c) {
+                        return c == '\n' || (c >= ' ' && c < 127);
+                    }));
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
