@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <regex>
-
 #include "l10n/ORVLocalizer.h"
 #include "platform/unicode.h"
 
@@ -21,11 +19,10 @@ TEST(StringTablesTest, BothLanguagesHaveTheSameKeysAndPlaceholders) {
     const ORVStringTable& chinese = ORVLocalizer::simplifiedChineseStrings();
     ASSERT_EQ(59U, english.size());
     ASSERT_EQ(59U, chinese.size());
-    const std::regex placeholder("%(@|ld|\\.0f|%)|%");
-    const auto placeholders = [&](const std::string& text) {
+    const auto placeholders = [](const std::string& text) {
         std::string all;
-        for (std::sregex_iterator i(text.begin(), text.end(), placeholder), end; i != end; ++i) {
-            all += i->str() + " ";
+        for (std::size_t i = text.find('%'); i != std::string::npos; i = text.find('%', i + 2)) {
+            all += text.substr(i, text.find_first_of("@df%", i + 1) - i) + " ";
         }
         return all;
     };
