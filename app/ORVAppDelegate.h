@@ -80,8 +80,8 @@ private:
 
     // Menu (menu.cpp)
     std::unique_ptr<ORVMenu> buildMenu();
-    static ORVMenuItem* addLanguageItem(ORVMenu& menu, const std::string& field,
-                                        ORVLanguageMode mode);
+    static ORVMenuItem* languageMenuItemWithMode(ORVMenu& menu, const std::string& field,
+                                                 ORVLanguageMode mode);
     ORVMenuItem* findItem(std::string_view field) const;
     void setTitleAndImage(ORVMenuItem& item, std::string title, const char* imageName);
 

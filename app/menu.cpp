@@ -18,11 +18,12 @@ std::unique_ptr<ORVMenu> ORVAppDelegate::buildMenu() {
     languageItem_ = menu->add("languageItem");
     languageItem_->submenu = std::make_unique<ORVMenu>();
     ORVMenu& languages = *languageItem_->submenu;
-    systemLanguageItem_ = addLanguageItem(languages, "systemLanguageItem", ORVLanguageModeSystem);
+    systemLanguageItem_ =
+        languageMenuItemWithMode(languages, "systemLanguageItem", ORVLanguageModeSystem);
     englishLanguageItem_ =
-        addLanguageItem(languages, "englishLanguageItem", ORVLanguageModeEnglish);
-    chineseLanguageItem_ =
-        addLanguageItem(languages, "chineseLanguageItem", ORVLanguageModeSimplifiedChinese);
+        languageMenuItemWithMode(languages, "englishLanguageItem", ORVLanguageModeEnglish);
+    chineseLanguageItem_ = languageMenuItemWithMode(languages, "chineseLanguageItem",
+                                                    ORVLanguageModeSimplifiedChinese);
     refreshItem_ = menu->add("refreshItem");
     refreshItem_->action = ORVMenuAction::refresh;
     refreshItem_->keyEquivalent = "r";
@@ -32,8 +33,8 @@ std::unique_ptr<ORVMenu> ORVAppDelegate::buildMenu() {
     return menu;
 }
 
-ORVMenuItem* ORVAppDelegate::addLanguageItem(ORVMenu& menu, const std::string& field,
-                                             ORVLanguageMode mode) {
+ORVMenuItem* ORVAppDelegate::languageMenuItemWithMode(ORVMenu& menu, const std::string& field,
+                                                      ORVLanguageMode mode) {
     ORVMenuItem* item = menu.add(field);
     item->action = ORVMenuAction::changeLanguage;
     item->tag = mode;

@@ -10,6 +10,7 @@
 #include "platform/memory.h"
 
 int main(int count, char** values) {
+    ctl::holdStandardDescriptors();
     signal(SIGPIPE, SIG_IGN);  // A reader that leaves shows in the result of a write.
     platform::returnFreedMemory();
     const ctl::Arguments arguments = ctl::parseArguments(count, values);

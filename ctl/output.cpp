@@ -1,5 +1,6 @@
 #include "ctl/output.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -25,6 +26,16 @@ int writeAll(int descriptor, std::string_view bytes) {
 }
 
 }  // namespace
+
+void holdStandardDescriptors() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // Of the numbers that are free the system gives the lowest.
+        if (fcntl(descriptor, F_GETFD) < 0) {
+            [[maybe_unused]] const int held =
+                open("/dev/null", descriptor == STDERR_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
 
 WriteResult writeOutput(std::string_view bytes) {
     const int failure = writeAll(STDOUT_FILENO, bytes);

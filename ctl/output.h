@@ -11,6 +11,10 @@ enum class WriteResult {
     failed,      ///< Told on standard error.
 };
 
+/// Puts something in the place of standard descriptors that were closed when the program began, so
+/// that nothing else gets their numbers. Writing to a standard output that was closed still fails.
+void holdStandardDescriptors();
+
 /// Writes all of the bytes. Expects SIGPIPE to be ignored.
 WriteResult writeOutput(std::string_view bytes);
 

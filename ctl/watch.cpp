@@ -6,7 +6,10 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "app/ORVAppDelegate.h"
 #include "ctl/commands.h"
@@ -44,8 +47,8 @@ void handle(int signalNumber, void (*handler)(int)) {
 /// The application and what every surface needs of it.
 class Session {
 public:
-    Session()
-        : surroundings(platform::makeFiles(), complain),
+    explicit Session(std::function<void(const std::string&)> hearComplaint)
+        : surroundings(platform::makeFiles(), std::move(hearComplaint)),
           delegate(std::make_shared<ORVAppDelegate>(surroundings)) {
         signalledLoop = &surroundings.runLoop();
         for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
@@ -105,7 +108,7 @@ void obey(ORVAppDelegate& delegate, const std::string& line) {
 
 /// The status line alone, for status bars.
 int watchAsLines() {
-    Session session;
+    Session session(complain);
     ORVLineOutput output(session.surroundings.runLoop(), STDOUT_FILENO, session.outputEnded());
     return session.run([&] { output.show(platform::forTerminal(session.delegate->statusLine())); },
                        nullptr, [&] { output.flush(); });
@@ -114,7 +117,7 @@ int watchAsLines() {
 }  // namespace
 
 int watchAsJSON() {
-    Session session;
+    Session session(complain);
     ORVPosixRunLoop& loop = session.surroundings.runLoop();
     ORVLineOutput output(loop, STDOUT_FILENO, session.outputEnded());
     const ORVCommandInput input(loop, STDIN_FILENO,
@@ -127,7 +130,9 @@ int watch() {
     if (!isatty(STDOUT_FILENO) || !isatty(STDIN_FILENO) || !ORVTerminalMenu::isPossible()) {
         return watchAsLines();
     }
-    Session session;
+    // What is said while the menu is on the screen is told when the screen is given back.
+    std::vector<std::string> complaints;
+    Session session([&](const std::string& complaint) { complaints.push_back(complaint); });
     ORVPosixRunLoop& loop = session.surroundings.runLoop();
     handle(SIGWINCH, wake);
     ORVTerminalMenu terminal(*session.delegate);
@@ -138,7 +143,10 @@ int watch() {
         }
     });
     return session.run([&] { terminal.show(); }, [&] { terminal.redrawAll(); },
-                       [&] { terminal.close(); });
+                       [&] {
+                           terminal.close();
+                           std::for_each(complaints.begin(), complaints.end(), complain);
+                       });
 }
 
 }  // namespace ctl

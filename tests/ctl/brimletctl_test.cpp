@@ -100,6 +100,44 @@ TEST_F(BrimletctlTest, AnswersQueriesUntilTheirEnd) {
     EXPECT_EQ("", run("$b query </dev/null").output);
 }
 
+TEST_F(BrimletctlTest, WatchesAsJSONLines) {
+    makeTask();
+    const std::string commands = "printf 'choose chineseLanguageItem\\nkey x\\nkey q\\n'";
+    const std::string w = "LANGUAGE=en XDG_CONFIG_HOME= timeout 20 $b watch --json";
+    const Outcome outcome = run(commands + " | " + w + " 2>$HOME/complaints");
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_TRUE(
+        outcome.output.starts_with(R"({"title":"C– · --%","toolTip":"Brimlet","menu":[)"
+                                   R"({"item":"titleItem","title":"Current task: Reading )"))
+        << outcome.output;
+    EXPECT_NE(
+        std::string::npos,
+        outcome.output.find(R"({"item":"chineseLanguageItem","title":"简体中文","enabled":true,)"
+                            R"("hidden":false,"tag":2,"state":true}]},{"item":"refreshItem",)"
+                            R"("title":"重新检测")"));
+    EXPECT_EQ("brimletctl: unknown command: key x\n", run("cat $HOME/complaints").output);
+    EXPECT_EQ("{\"BrimletLanguageMode\":2}\n", run("cat $HOME/.config/brimlet/*").output);
+    EXPECT_EQ(0, run(w + " </dev/null | head -1 >/dev/null").status);
+    EXPECT_EQ("0\n",
+              run("exec 3>&1; { " + w + " </dev/null; echo $? >&3; } | head -1 >/dev/null").output);
+    EXPECT_EQ(1, run(w + " </dev/null >&-").status);
+    EXPECT_EQ(1, run("test -e /dev/full || exit 1; " + w + " </dev/null >/dev/full").status);
+    EXPECT_EQ("0\n", run("$b watch --json </dev/null >/dev/null & p=$!; sleep 0.3; kill $p; "
+                         "wait $p; echo $?")
+                         .output);
+}
+
+TEST_F(BrimletctlTest, WatchesAsLinesWithoutATerminal) {
+    makeTask();
+    home.append(
+        "Library/Logs/com.openai.codex/x.log",
+        "1 thread_stream_view_activity_changed active=true rendererWindowAppearance=primary "
+        "rendererWindowFocused=true conversationId=" +
+            std::string(kTask) + "\n");
+    EXPECT_EQ("C– · --%\nC1 · 47%  Fix  [31mthe \"tests\"\n",
+              run("timeout 20 $b watch </dev/null | head -2").output);
+}
+
 TEST_F(BrimletctlTest, ExitStatuses) {
     for (const char* call : {"", "bogus", "latest x", "task", "task a b", "latest --json=1",
                              "query --json", "titles --bogus", "-x"}) {
