@@ -79,6 +79,19 @@ std::string errorJSON(const ORVErrorSlot& error) {
                          {"description", json::quoted(error->description)}});
 }
 
+std::string snapshotAnswer(const std::optional<ORVSessionSnapshot>& snapshot,
+                           const ORVErrorSlot& error) {
+    return json::object({{"snapshot", snapshotJSON(snapshot)}, {"error", errorJSON(error)}});
+}
+
+std::string focusAnswer(const ORVCodexFocusState& focusState, const ORVErrorSlot& error) {
+    return json::object({{"focus", focusJSON(focusState)}, {"error", errorJSON(error)}});
+}
+
+std::string titlesAnswer(const Titles& titles) {
+    return json::object({{"titles", titlesJSON(titles)}});
+}
+
 std::string snapshotText(const ORVSessionSnapshot& snapshot) {
     return app::statusItemTitle(snapshot) + "  " + platform::forTerminal(snapshot.title());
 }

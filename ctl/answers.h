@@ -19,6 +19,12 @@ std::string focusJSON(const ORVCodexFocusState& focusState);
 std::string titlesJSON(const Titles& titles);
 std::string errorJSON(const ORVErrorSlot& error);
 
+/// Whole answers: an object without a line feed.
+std::string snapshotAnswer(const std::optional<ORVSessionSnapshot>& snapshot,
+                           const ORVErrorSlot& error);
+std::string focusAnswer(const ORVCodexFocusState& focusState, const ORVErrorSlot& error);
+std::string titlesAnswer(const Titles& titles);
+
 /// "C3 · 47%  Fix the tests"
 std::string snapshotText(const ORVSessionSnapshot& snapshot);
 

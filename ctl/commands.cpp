@@ -5,7 +5,6 @@
 #include "ctl/answers.h"
 #include "ctl/output.h"
 #include "sessions/errors.h"
-#include "shells/json/json_text.h"
 
 namespace ctl {
 namespace {
@@ -43,10 +42,7 @@ int showSnapshot(const std::optional<ORVSessionSnapshot>& snapshot, const ORVErr
     }
     const int status = snapshot ? kAnswered : kNothingToShow;
     if (format == Format::json) {
-        return finish(
-            json::object({{"snapshot", snapshotJSON(snapshot)}, {"error", errorJSON(error)}}) +
-                '\n',
-            status);
+        return finish(snapshotAnswer(snapshot, error) + '\n', status);
     }
     return snapshot ? finish(snapshotText(*snapshot) + '\n', status) : status;
 }
@@ -74,16 +70,13 @@ int showFocus(Sources& sources, Format format) {
     ORVErrorSlot error;
     const ORVCodexFocusState focusState = sources.focus.currentFocusStateWithError(&error);
     const std::string answer =
-        format == Format::json
-            ? json::object({{"focus", focusJSON(focusState)}, {"error", errorJSON(error)}})
-            : focusText(focusState);
+        format == Format::json ? focusAnswer(focusState, error) : focusText(focusState);
     return finish(answer + '\n', kAnswered);
 }
 
 int showTitles(Sources& sources, Format format) {
     const Titles titles = sources.session.threadTitles();
-    return finish(format == Format::json ? json::object({{"titles", titlesJSON(titles)}}) + '\n'
-                                         : titlesText(titles),
+    return finish(format == Format::json ? titlesAnswer(titles) + '\n' : titlesText(titles),
                   kAnswered);
 }
 

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <poll.h>
+
 #include <cerrno>
 #include <string>
 
@@ -18,6 +20,9 @@ int writeAll(int descriptor, std::string_view bytes) {
         const ssize_t count = write(descriptor, bytes.data(), bytes.size());
         if (count >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno == EAGAIN) {
+            pollfd polled{descriptor, POLLOUT, 0};  // Somebody else made it non-blocking.
+            poll(&polled, 1, -1);
         } else if (errno != EINTR) {
             return errno;
         }
@@ -50,6 +55,10 @@ WriteResult writeOutput(std::string_view bytes) {
 }
 
 void complain(std::string_view text) {
+    pollfd polled{STDERR_FILENO, POLLOUT, 0};
+    if (poll(&polled, 1, 0) <= 0) {
+        return;
+    }
     writeAll(STDERR_FILENO, "brimletctl: " + platform::forTerminal(text) + '\n');
 }
 

@@ -19,6 +19,7 @@ void holdStandardDescriptors();
 WriteResult writeOutput(std::string_view bytes);
 
 /// "brimletctl: " and the text, as a line on standard error; control characters made harmless.
+/// Dropped when nobody reads there: the figures matter more.
 void complain(std::string_view text);
 
 /// On standard error: the complaint, where there is one, and a text of several lines.

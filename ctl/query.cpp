@@ -1,6 +1,7 @@
 // Queries from standard input, each answered with a JSON line before the next is read. The sources
 // live as long as the program: reading positions, caches and the current focus event carry over.
 
+#include <cerrno>
 #include <cstdlib>
 
 #include "app/refresh_step.h"
@@ -12,17 +13,12 @@
 namespace ctl {
 namespace {
 
-std::string snapshotAnswer(const std::optional<ORVSessionSnapshot>& snapshot,
-                           const ORVErrorSlot& error) {
-    return json::object({{"snapshot", snapshotJSON(snapshot)}, {"error", errorJSON(error)}});
-}
-
 std::string answer(Sources& sources, const std::string& query) {
     constexpr std::string_view kTask = "task ";
     ORVErrorSlot error;
     if (query == "focus") {
         const ORVCodexFocusState focusState = sources.focus.currentFocusStateWithError(&error);
-        return json::object({{"focus", focusJSON(focusState)}, {"error", errorJSON(error)}});
+        return focusAnswer(focusState, error);
     }
     if (query == "latest") {
         const auto snapshot = sources.session.latestSnapshotWithError(&error);
@@ -34,7 +30,7 @@ std::string answer(Sources& sources, const std::string& query) {
         return snapshotAnswer(snapshot, error);
     }
     if (query == "titles") {
-        return json::object({{"titles", titlesJSON(sources.session.threadTitles())}});
+        return titlesAnswer(sources.session.threadTitles());
     }
     if (query == "refresh") {
         const ORVRefreshResults results = app::refreshFromFiles(sources.focus, sources.session);
@@ -51,8 +47,15 @@ int answerQueries(Sources& sources, std::FILE* input) {
     int status = kAnswered;
     char* line = nullptr;
     std::size_t capacity = 0;
-    ssize_t length = 0;
-    while (status == kAnswered && (length = getline(&line, &capacity, input)) > 0) {
+    while (status == kAnswered) {
+        const ssize_t length = getline(&line, &capacity, input);
+        if (length <= 0) {
+            if (std::ferror(input) != 0) {
+                complain("cannot read the queries: " + platform::posixError(errno).description);
+                status = kNothingToShow;
+            }
+            break;
+        }
         std::string query(line, static_cast<std::size_t>(length));
         if (query.ends_with('\n')) {
             query.pop_back();

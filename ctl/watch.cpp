@@ -37,7 +37,13 @@ void wake(int) {
     signalledLoop->wakeFromSignal();
 }
 
+/// A signal that the parent has ignored (nohup, a job in the background) stays ignored.
 void handle(int signalNumber, void (*handler)(int)) {
+    struct sigaction inherited {};
+    sigaction(signalNumber, nullptr, &inherited);
+    if (inherited.sa_handler == SIG_IGN) {
+        return;
+    }
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
@@ -74,7 +80,10 @@ public:
         if (!surroundings.readerIsIdle()) {
             _exit(status);  // The thread that hangs still uses the application.
         }
-        for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGWINCH, SIGCONT}) {
+        for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+            handle(signalNumber, SIG_IGN);  // The end is under way.
+        }
+        for (const int signalNumber : {SIGWINCH, SIGCONT}) {
             handle(signalNumber, SIG_DFL);
         }
         loop.dropClosures();

@@ -50,7 +50,8 @@ public:
     /// windows and the current event.
     void consumeLineData(std::string_view line, ORVFocusLogFileState& fileState);
 
-    /// What an activity line says by itself, whatever its window; null for every other line.
+    /// What an activity line, in valid UTF-8, says by itself, whatever its window; null for every
+    /// other line.
     static std::shared_ptr<ORVFocusLogEvent> eventFromLineData(std::string_view line);
 
     /// What follows the first "field=" of the line, up to white space; none where it is absent. The

@@ -120,7 +120,7 @@ ORVFocusWindowState* ORVCodexFocusLogSource::updateWindow(ORVFocusLogFileState& 
 }
 
 std::shared_ptr<ORVFocusLogEvent> ORVCodexFocusLogSource::eventFromLineData(std::string_view line) {
-    if (!platform::containsBytes(line, focus::kActivityMarker) || !platform::isValidUTF8(line)) {
+    if (!platform::containsBytes(line, focus::kActivityMarker)) {
         return nullptr;
     }
     const std::string_view timestamp = timestampOf(line);

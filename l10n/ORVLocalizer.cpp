@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/bytes.h"
 #include "platform/preferred_languages.h"
 
 namespace {
@@ -10,9 +11,7 @@ constexpr std::string_view kModeKey = "BrimletLanguageMode";
 
 /// A plain test of the tag's beginning: a bare "zh", Taiwan and Hong Kong read English.
 bool isSimplifiedChinese(std::string tag) {
-    std::transform(tag.begin(), tag.end(), tag.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
+    std::transform(tag.begin(), tag.end(), tag.begin(), platform::lowerCasedASCII);
     return tag.starts_with("zh-hans") || tag.starts_with("zh-cn") || tag.starts_with("zh-sg");
 }
 

@@ -3,21 +3,31 @@
 #include "l10n/ORVLocalizer.h"
 
 const ORVStringTable& ORVLocalizer::englishStrings() {
+    // A text is never broken, so that it can be searched for.
+    // clang-format off
     static const ORVStringTable kStrings = {
         {"access_change", "Change Codex Data Access…"},
         {"access_choose", "Grant Current Folder"},
-        {"access_codex_message", "The .codex folder is already open. Do not search for or select another item. Confirm .codex in the path bar, then grant read-only access to the current folder."},
+        {"access_codex_message",
+         "The .codex folder is already open. Do not search for or select another item. Confirm "
+         ".codex in the path bar, then grant read-only access to the current folder."},
         {"access_codex_title", "Select the .codex Folder"},
         {"access_continue", "Continue"},
         {"access_error_message", "Select the folder again and retry."},
         {"access_error_title", "Could Not Save Folder Access"},
         {"access_grant", "Grant Codex Data Access…"},
-        {"access_intro_message", "Brimlet needs read-only access to two local Codex folders. The app only opens sessions, session_index.jsonl, and .log files in the desktop logs folder. It does not access auth.json or parse, store, display, or upload conversation content. macOS keeps the authorization on this Mac, so this is normally a one-time setup."},
+        {"access_intro_message",
+         "Brimlet needs read-only access to two local Codex folders. The app only opens sessions, "
+         "session_index.jsonl, and .log files in the desktop logs folder. It does not access "
+         "auth.json or parse, store, display, or upload conversation content. macOS keeps the "
+         "authorization on this Mac, so this is normally a one-time setup."},
         {"access_intro_title", "Allow Brimlet to Read Codex Data"},
         {"access_invalid_message", "Select the Codex folder specified in the instructions."},
         {"access_invalid_title", "Incorrect Folder Selected"},
         {"access_later", "Later"},
-        {"access_logs_message", "The com.openai.codex folder is already open. Do not search for or select another item. Confirm the path, then grant read-only access to the current folder."},
+        {"access_logs_message",
+         "The com.openai.codex folder is already open. Do not search for or select another item. "
+         "Confirm the path, then grant read-only access to the current folder."},
         {"access_logs_title", "Select the Codex Logs Folder"},
         {"access_required", "Grant access to Codex local data"},
         {"compaction_format", "Compactions: %ld"},
@@ -55,7 +65,9 @@ const ORVStringTable& ORVLocalizer::englishStrings() {
         {"welcome_codex_description", "Reads the current task's session and context statistics"},
         {"welcome_codex_folder", ".codex"},
         {"welcome_connect", "Connect Codex"},
-        {"welcome_description", "See context usage and total compactions in the menu bar to manage tasks more effectively."},
+        {"welcome_description",
+         "See context usage and total compactions in the menu bar to manage tasks more "
+         "effectively."},
         {"welcome_folders_title", "To use Brimlet, grant read access to two local folders:"},
         {"welcome_logs_description", "Identifies the Codex task currently in view"},
         {"welcome_logs_folder", "com.openai.codex"},
@@ -64,5 +76,6 @@ const ORVStringTable& ORVLocalizer::englishStrings() {
         {"welcome_subtitle", "Understand the Context State of Your Current Codex Task"},
         {"welcome_title", "Brimlet"},
     };
+    // clang-format on
     return kStrings;
 }

@@ -3,21 +3,31 @@
 #include "l10n/ORVLocalizer.h"
 
 const ORVStringTable& ORVLocalizer::simplifiedChineseStrings() {
+    // A text is never broken, so that it can be searched for.
+    // clang-format off
     static const ORVStringTable kStrings = {
         {"access_change", "重新授权 Codex 数据…"},
         {"access_choose", "授权当前文件夹"},
-        {"access_codex_message", "已经定位到 .codex 文件夹，无需查找或选择其他项目。请确认顶部路径为 .codex，然后授权当前文件夹的只读访问。"},
+        {"access_codex_message",
+         "已经定位到 .codex 文件夹，无需查找或选择其他项目。请确认顶部路径为 "
+         ".codex，然后授权当前文件夹的只读访问。"},
         {"access_codex_title", "选择 .codex 文件夹"},
         {"access_continue", "继续"},
         {"access_error_message", "请重新选择目录并再试一次。"},
         {"access_error_title", "无法保存目录授权"},
         {"access_grant", "授权读取 Codex 数据…"},
-        {"access_intro_message", "Brimlet 需要你授权两个本地 Codex 文件夹的只读访问。应用实际只打开 sessions、session_index.jsonl 和桌面日志中的 .log 文件，不访问 auth.json，不解析、保存、展示或上传对话正文。授权由 macOS 保存在本机，通常只需完成一次。"},
+        {"access_intro_message",
+         "Brimlet 需要你授权两个本地 Codex 文件夹的只读访问。应用实际只打开 "
+         "sessions、session_index.jsonl 和桌面日志中的 .log 文件，不访问 "
+         "auth.json，不解析、保存、展示或上传对话正文。授权由 macOS "
+         "保存在本机，通常只需完成一次。"},
         {"access_intro_title", "允许 Brimlet 读取 Codex 数据"},
         {"access_invalid_message", "请按照说明选择指定的 Codex 文件夹。"},
         {"access_invalid_title", "所选文件夹不正确"},
         {"access_later", "稍后"},
-        {"access_logs_message", "已经定位到 com.openai.codex 文件夹，无需查找或选择其他项目。请确认顶部路径，然后授权当前文件夹的只读访问。"},
+        {"access_logs_message",
+         "已经定位到 com.openai.codex "
+         "文件夹，无需查找或选择其他项目。请确认顶部路径，然后授权当前文件夹的只读访问。"},
         {"access_logs_title", "选择 Codex 日志文件夹"},
         {"access_required", "需要授权读取 Codex 本地数据"},
         {"compaction_format", "累计压缩：%ld 次"},
@@ -64,5 +74,6 @@ const ORVStringTable& ORVLocalizer::simplifiedChineseStrings() {
         {"welcome_subtitle", "掌握当前 Codex 任务的上下文状态"},
         {"welcome_title", "Brimlet"},
     };
+    // clang-format on
     return kStrings;
 }

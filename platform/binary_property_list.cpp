@@ -120,20 +120,29 @@ bool binaryPropertyListIsTree(std::string_view bytes) {
     if (!table) {
         return false;
     }
-    std::vector<bool> isReferredTo(table->count());
-    isReferredTo[table->top()] = true;
+    constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    std::vector<std::size_t> parents(table->count(), kNone);
+    parents[table->top()] = table->top();
     std::size_t references = 0;
     bool isTree = true;
     for (std::size_t object = 0; isTree && object < table->count(); ++object) {
         const bool fits = table->forEachReference(object, [&](std::size_t reference) {
             ++references;
             if (table->isContainer(reference)) {
-                isTree = isTree && !isReferredTo[reference];
-                isReferredTo[reference] = true;
+                isTree = isTree && parents[reference] == kNone;
+                parents[reference] = object;
             }
         });
         // Containers that lie over one another hold more references than there are bytes.
         isTree = isTree && fits && references <= bytes.size();
+    }
+    for (std::size_t object = 0; isTree && object < table->count(); ++object) {
+        std::size_t depth = 0;
+        for (std::size_t o = object; o != table->top() && parents[o] != kNone; o = parents[o]) {
+            if (++depth > kPropertyListDepth) {
+                return false;
+            }
+        }
     }
     return isTree;
 }

@@ -18,6 +18,8 @@ void ORVByteBuffer::append(std::string_view bytes) {
     }
     std::memcpy(data_ + size_, bytes.data(), bytes.size());
     size_ += bytes.size();
+    // The bytes beyond the end are read by vector code: never leave them undefined.
+    std::memset(data_ + size_, 0, kReadableBytesBeyond);
 }
 
 void ORVByteBuffer::shrink() {
@@ -35,7 +37,5 @@ void ORVByteBuffer::setCapacity(std::size_t capacity) {
         throw std::bad_alloc();
     }
     data_ = static_cast<char*>(grown);
-    // The bytes beyond the end are read by vector code: never leave them undefined.
-    std::memset(data_ + capacity, 0, kReadableBytesBeyond);
     capacity_ = capacity;
 }

@@ -7,6 +7,11 @@
 
 namespace platform {
 
+/// The lower-case letter of an ASCII capital; every other byte unchanged.
+inline char lowerCasedASCII(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 /// Like std::string_view::find, which compares byte by byte at every occurrence of the first one;
 /// the system's search is several times as fast.
 inline std::size_t findBytes(std::string_view text, std::string_view part, std::size_t from = 0) {

@@ -45,7 +45,9 @@ public:
 
 /// Everything that Brimlet ever asks of the file system. Nothing here writes.
 ///
-/// Paths are bytes without an encoding. Called on the refresh queue only. Tests put faults in here.
+/// Paths are bytes without an encoding. Called on the refresh queue,
+/// but for the search for the installed application when its source is made. Tests put faults in
+/// here.
 class ORVFiles {
 public:
     using NameTest = std::function<bool(std::string_view name)>;

@@ -1,6 +1,6 @@
 // The file system of Linux and macOS. Every path may name anything at all, and may name something
-// else at the next system call: nothing here waits on a FIFO, follows a link inside a walk, or
-// trusts an earlier answer.
+// else at the next system call: nothing here waits on a FIFO, and a
+// walk enters no link that it meets.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -84,8 +83,9 @@ Directory openDirectory(const std::string& path, bool followLink) {
     return directory;
 }
 
-/// One walk. Folders wait in a list and are opened one at a time, by path: however deep and wide
-/// the tree, one descriptor is open and nothing recurses.
+/// One walk. Folders wait in a list and are opened one at a time, by path: one descriptor is open
+/// and nothing recurses. A folder whose path is too long for the system counts as one that cannot
+/// be read.
 class Walk {
 public:
     Walk(const ORVFiles::NameTest& wanted, const ORVFiles::FileVisitor& visit,
@@ -200,10 +200,6 @@ public:
 };
 
 }  // namespace
-
-ORVError posixError(int errnoValue) {
-    return {"posix", errnoValue, std::generic_category().message(errnoValue)};
-}
 
 std::unique_ptr<ORVFiles> makeFiles() {
     return std::make_unique<PosixFiles>();

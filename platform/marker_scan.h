@@ -7,8 +7,8 @@
 #include "platform/marker_search.h"
 
 /// The inner loop of ORVMarkerSearch, compiled once for every vector width. Everything here has
-/// internal linkage: a function compiled for a wider processor must not be the one that the linker
-/// keeps for all.
+/// internal linkage and calls nothing but the C library: a function compiled for a wider processor
+/// must not be the one that the linker keeps for all.
 namespace platform {
 namespace {
 
@@ -26,7 +26,7 @@ struct VectorOf<32> {
 template <std::size_t Width>
 class MarkerScan {
 public:
-    MarkerScan(const ORVMarker* markers, std::size_t count, const char* begin, const char* end)
+    MarkerScan(const ScannedMarker* markers, std::size_t count, const char* begin, const char* end)
         : markers_(markers), count_(count), begin_(begin), end_(end) {}
 
     /// With the number of markers known to the compiler the compared bytes stay in registers.
@@ -56,7 +56,7 @@ private:
         std::size_t distance[Count];
         std::size_t farthest = 0;
         for (std::size_t m = 0; m < Count; ++m) {
-            const ORVMarker& marker = markers_[m];
+            const ScannedMarker& marker = markers_[m];
             rare[m] = Bytes{} + static_cast<signed char>(marker.text[marker.rareByte]);
             otherRare[m] = Bytes{} + static_cast<signed char>(marker.text[marker.otherRareByte]);
             distance[m] = marker.otherRareByte - marker.rareByte;
@@ -148,18 +148,17 @@ private:
         const auto before = static_cast<std::size_t>(position - begin_);
         const auto after = static_cast<std::size_t>(end_ - position);
         for (std::size_t m = 0; m < count_; ++m) {
-            const ORVMarker& marker = markers_[m];
+            const ScannedMarker& marker = markers_[m];
             if (*position == marker.text[marker.rareByte] && marker.rareByte <= before &&
-                marker.text.size() - marker.rareByte <= after &&
-                std::memcmp(position - marker.rareByte, marker.text.data(), marker.text.size()) ==
-                    0) {
+                marker.size - marker.rareByte <= after &&
+                std::memcmp(position - marker.rareByte, marker.text, marker.size) == 0) {
                 return position - marker.rareByte;
             }
         }
         return nullptr;
     }
 
-    const ORVMarker* markers_;
+    const ScannedMarker* markers_;
     std::size_t count_;
     const char* begin_;
     const char* end_;

@@ -5,19 +5,15 @@
 #include "platform/marker_scan.h"
 #include "platform/marker_search_wide.h"
 
-namespace {
-
-const char* findMarker(const ORVMarkerSearch& search, const char* begin, const char* end) {
-    const auto& markers = search.markers();
-    return platform::MarkerScan<16>(markers.data(), markers.size(), begin, end).run();
+ORVMarkerSearch::ORVMarkerSearch(std::vector<ORVMarker> markers) : markers_(std::move(markers)) {
+    for (const ORVMarker& marker : markers_) {
+        scanned_.push_back(
+            {marker.text.data(), marker.text.size(), marker.rareByte, marker.otherRareByte});
+    }
 }
 
-}  // namespace
-
-ORVMarkerSearch::ORVMarkerSearch(std::vector<ORVMarker> markers)
-    : markers_(std::move(markers)),
-      scan_(platform::wideScanIsAvailable() ? platform::findMarkerWide : findMarker) {}
-
 const char* ORVMarkerSearch::find(const char* begin, const char* end) const {
-    return scan_(*this, begin, end);
+    static const bool kIsWide = platform::wideScanIsAvailable();
+    return kIsWide ? platform::findMarkerWide(scanned_.data(), scanned_.size(), begin, end)
+                   : platform::MarkerScan<16>(scanned_.data(), scanned_.size(), begin, end).run();
 }

@@ -14,6 +14,18 @@ struct ORVMarker {
     std::size_t otherRareByte;
 };
 
+namespace platform {
+
+/// A marker without any type that brings functions along (see marker_scan.h).
+struct ScannedMarker {
+    const char* text;
+    std::size_t size;
+    std::size_t rareByte;
+    std::size_t otherRareByte;
+};
+
+}  // namespace platform
+
 /// Finds the next of a few markers in one pass, many bytes at a time.
 ///
 /// Compares the two rare bytes of every marker at 16 or 32 positions at once (whatever this
@@ -26,11 +38,7 @@ public:
     /// nothing outside the range.
     const char* find(const char* begin, const char* end) const;
 
-    const std::vector<ORVMarker>& markers() const { return markers_; }
-
 private:
-    using Scan = const char* (*)(const ORVMarkerSearch&, const char*, const char*);
-
     std::vector<ORVMarker> markers_;
-    Scan scan_;
+    std::vector<platform::ScannedMarker> scanned_;  ///< Refers to the texts of markers_.
 };

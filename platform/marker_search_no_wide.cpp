@@ -11,7 +11,7 @@ bool wideScanIsAvailable() {
     return false;
 }
 
-const char* findMarkerWide(const ORVMarkerSearch&, const char*, const char* end) {
+const char* findMarkerWide(const ScannedMarker*, std::size_t, const char*, const char* end) {
     assert(false);
     return end;
 }

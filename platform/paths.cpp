@@ -2,15 +2,13 @@
 
 #include <algorithm>
 
+#include "platform/bytes.h"
+
 namespace platform {
 namespace {
 
 bool isHexadecimal(char c) {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
-char lowerCased(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 }  // namespace
@@ -31,7 +29,7 @@ bool hasExtension(std::string_view name, std::string_view extension) {
     }
     const std::string_view found = name.substr(dot + 1);
     return std::equal(found.begin(), found.end(), extension.begin(), extension.end(),
-                      [](char a, char b) { return lowerCased(a) == b; });
+                      [](char a, char b) { return lowerCasedASCII(a) == b; });
 }
 
 bool isUUID(std::string_view text) {

@@ -68,6 +68,7 @@ void ORVPosixRunLoop::post(Closure closure) {
 
 void ORVPosixRunLoop::wakeFromSignal() {
     const int savedError = errno;
+    isSignalled_ = true;  // The pipe may be full; then it wakes the loop as well.
     const char wake = 's';
     [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_, &wake, 1);
     errno = savedError;
@@ -185,12 +186,9 @@ void ORVPosixRunLoop::waitForEvents() {
     }
     if (polled[0].revents != 0) {
         char wakes[64];
-        bool fromSignal = false;
-        ssize_t count = 0;
-        while ((count = read(wakeReadEnd_, wakes, sizeof wakes)) > 0) {
-            fromSignal = fromSignal || std::find(wakes, wakes + count, 's') != wakes + count;
+        while (read(wakeReadEnd_, wakes, sizeof wakes) > 0) {
         }
-        if (fromSignal) {
+        if (isSignalled_.exchange(false)) {
             turn(wakened_);
         }
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -63,6 +64,7 @@ private:
     std::map<int, Watch> watches_;
     Closure turnEnd_;
     Closure wakened_;
+    std::atomic<bool> isSignalled_ = false;  ///< Set by a signal handler.
     int wakeReadEnd_ = -1;
     int wakeWriteEnd_ = -1;
     bool isStopped_ = false;

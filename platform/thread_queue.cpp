@@ -39,9 +39,10 @@ ThreadQueue::ThreadQueue() : state_(std::make_shared<State>()) {
 }
 
 ThreadQueue::~ThreadQueue() {
+    std::deque<std::function<void()>> dropped;  // What they hold ends after the lock.
     const std::lock_guard<std::mutex> lock(state_->mutex);
     state_->isClosed = true;
-    state_->closures.clear();
+    dropped.swap(state_->closures);
     state_->changed.notify_all();
 }
 

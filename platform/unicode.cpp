@@ -8,6 +8,8 @@
 #include <cstring>
 #include <memory>
 
+#include "platform/bytes.h"
+
 namespace platform {
 namespace {
 
@@ -96,11 +98,7 @@ std::string foldedCase(std::string_view text) {
         }
     }
     std::string folded(text);
-    for (char& c : folded) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
-    }
+    std::transform(folded.begin(), folded.end(), folded.begin(), lowerCasedASCII);
     return folded;
 }
 

@@ -1,5 +1,6 @@
 // Settings on Linux: one JSON object in "brimlet/defaults.json" of the user's configuration folder.
-// Written beside it and renamed, so that it is stored whole or not at all; keys of others stay.
+// Written beside it and renamed, so that it is stored whole or not at all. Keys of others stay,
+// unless the file is no JSON object: then the first choice of a language replaces it.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -53,7 +54,11 @@ bool writeDurably(int descriptor, std::string_view bytes) {
 }
 
 /// 0, or the errno of the failure.
-int replaceFile(const std::string& path, const std::string& content) {
+int replaceFile(const std::string& link, const std::string& content) {
+    // Whoever keeps settings elsewhere and links to them keeps the link.
+    const std::unique_ptr<char, decltype(&std::free)> target(realpath(link.c_str(), nullptr),
+                                                             &std::free);
+    const std::string path = target ? target.get() : link;
     std::string temporary = path + ".XXXXXX";
     const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
     if (descriptor < 0) {

@@ -32,6 +32,10 @@ void ORVCodexSessionSource::refreshTitleIndexIfNeeded() {
 
 std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTitleIndex(
     const std::string& path) {
+    const auto attributes = files_.attributesOfItem(path, nullptr);
+    if (!attributes || attributes->size.value_or(0) > kIndexLimitBytes) {
+        return std::nullopt;  // Without reading so much in vain again and again.
+    }
     auto text = platform::contentsOfFile(files_, path, kIndexLimitBytes);
     if (!text || !platform::isValidUTF8(*text)) {
         return std::nullopt;

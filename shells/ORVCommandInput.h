@@ -24,5 +24,5 @@ private:
     const int descriptor_;
     const std::function<void(const std::string&)> command_;
     std::string pending_;
-    bool lineIsTooLong_ = false;  ///< Its beginning was dropped; what follows belongs to it.
+    bool lineIsTooLong_ = false;  ///< Its beginning is kept; what follows is dropped.
 };

@@ -12,7 +12,6 @@
 #undef columns  // Of <term.h>.
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -41,7 +40,8 @@ void restoreOnFault() {
     for (const char* capability : {"sgr0", "cnorm", "rmkx", "rmcup"}) {
         const char* sequence = tigetstr(capability);
         if (sequence && sequence != reinterpret_cast<const char*>(-1)) {
-            restoringSequence += sequence;
+            const std::string_view text = sequence;
+            restoringSequence += text.substr(0, text.find("$<"));  // What follows is a pause.
         }
     }
     for (const int fault : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGQUIT}) {

@@ -9,7 +9,7 @@
 /// The status item and its open menu on this process's terminal. UI thread only.
 ///
 /// Takes the terminal over when it is made, and leaves screen, cursor and modes as found when it is
-/// closed, destroyed, or the process dies of a fault.
+/// closed, destroyed, or the process dies of a fault other than a full stack.
 class ORVTerminalMenu {
 public:
     /// Whether the terminal can place text: not a "dumb" one, or one that is not known.

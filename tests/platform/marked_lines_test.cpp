@@ -1,5 +1,7 @@
 #include "platform/marked_lines.h"
 
+#include "platform/marker_scan.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
@@ -54,6 +56,12 @@ TEST(MarkerSearchTest, FindsWhatAPlainSearchFinds) {
         const char* end = exact.data() + exact.size();
         const char* found = search.find(exact.data(), end);
         EXPECT_EQ(std::min(plain, bytes.size()), static_cast<std::size_t>(found - exact.data()));
+        std::vector<platform::ScannedMarker> scanned;
+        for (const ORVMarker& m : markers) {
+            scanned.push_back({m.text.data(), m.text.size(), m.rareByte, m.otherRareByte});
+        }
+        const platform::MarkerScan<16> narrow(scanned.data(), scanned.size(), exact.data(), end);
+        EXPECT_EQ(found, narrow.run()) << "whatever width this processor has";
     }
 }
 

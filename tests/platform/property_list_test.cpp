@@ -61,12 +61,28 @@ TEST(PropertyListTest, ListsThatUnfoldWithoutBoundsAreRefused) {
     EXPECT_EQ(std::nullopt, platform::propertyListString(binaryList(doubling), key));
     const std::string ring = binaryList({bytes({0xD1, 1, 0}), string("k")});
     EXPECT_EQ(std::nullopt, platform::propertyListString(ring, key));
-    std::string deep = "<plist>";
-    for (int i = 0; i < 18'000; ++i) {
-        deep += "<array>";
-    }
-    EXPECT_EQ(std::nullopt, platform::propertyListString(deep, key));
-    EXPECT_EQ(std::nullopt, platform::propertyListString(deep + std::string(1'000'000, ' '), key));
+    const auto deepXML = [](int depth) {
+        std::string list = "<plist><dict><key>k</key><string>v</string><key>a</key>";
+        for (int i = 0; i < depth; ++i) {
+            list += "<array>";
+        }
+        for (int i = 0; i < depth; ++i) {
+            list += "</array>";
+        }
+        return list + "</dict></plist>";
+    };
+    EXPECT_EQ("v", platform::propertyListString(deepXML(60), key));
+    EXPECT_EQ(std::nullopt, platform::propertyListString(deepXML(15'000), key));
+    const auto deepBinary = [](int depth) {
+        std::vector<std::string> objects = {bytes({0xD2, 1, 3, 2, 4}), string("k"), string("v"),
+                                            string("a")};
+        for (int i = 1; i <= depth; ++i) {
+            objects.push_back(bytes({0xA1, i < depth ? i + 4 : 2}));
+        }
+        return binaryList(objects);
+    };
+    EXPECT_EQ("v", platform::propertyListString(deepBinary(50), key));
+    EXPECT_EQ(std::nullopt, platform::propertyListString(deepBinary(80), key));
 }
 
 TEST(PropertyListTest, DamagedListsDoNoHarm) {

@@ -1,0 +1,11 @@
+#include "platform/ORVError.h"
+
+#include <system_error>
+
+namespace platform {
+
+ORVError posixError(int errnoValue) {
+    return {"posix", errnoValue, std::generic_category().message(errnoValue)};
+}
+
+}  // namespace platform
