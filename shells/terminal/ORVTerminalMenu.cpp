@@ -74,8 +74,10 @@ bool setUpCharacters() {
     return namesUTF8 && setlocale(LC_CTYPE, "C.UTF-8") != nullptr && isUTF8();
 }
 
-bool isChoosable(const ORVMenuItem& item) {
-    return item.enabled && (item.action != ORVMenuAction::none || item.submenu);
+/// Also while it is disabled, so that the selection stays when feedback ends; choosing it then does
+/// nothing.
+bool isSelectable(const ORVMenuItem& item) {
+    return item.action != ORVMenuAction::none || item.submenu;
 }
 
 }  // namespace
@@ -94,6 +96,8 @@ bool ORVTerminalMenu::isPossible() {
 ORVTerminalMenu::ORVTerminalMenu(ORVAppDelegate& delegate) : delegate_(delegate) {
     tcgetattr(STDIN_FILENO, &modesAsFound);
     screen_.showsUnicode = setUpCharacters();
+    unsetenv("LINES");  // Else they would count for more than the terminal's own size.
+    unsetenv("COLUMNS");
     initscr();
     restoreOnFault();
     cbreak();
@@ -119,9 +123,6 @@ void ORVTerminalMenu::close() {
 void ORVTerminalMenu::show() {
     if (isClosed_ || !delegate_.statusItem().menu) {
         return;
-    }
-    if (selected_ && !isChoosable(*selected_)) {
-        selected_ = nullptr;  // Disabled while feedback is on display.
     }
     std::vector<terminal::Row> rows =
         terminal::menuRows(delegate_.statusItem(), selected_, submenuIsOpen_, screen_);
@@ -202,7 +203,7 @@ void ORVTerminalMenu::pressed(int key) {
 void ORVTerminalMenu::moveSelection(int step) {
     std::vector<const ORVMenuItem*> items =
         terminal::visibleItems(*delegate_.statusItem().menu, submenuIsOpen_);
-    std::erase_if(items, [](const ORVMenuItem* item) { return !isChoosable(*item); });
+    std::erase_if(items, [](const ORVMenuItem* item) { return !isSelectable(*item); });
     if (items.empty()) {
         return;
     }

@@ -143,12 +143,19 @@ std::vector<Line> menuLines(const ORVMenu& menu, bool submenuIsOpen, const Scree
     return lines;
 }
 
-/// The first of the lines that are shown, so that the selected one is among them.
+/// The first of the lines that are shown, so that the selected one is among them, with all of an
+/// open submenu that it stands in.
 std::size_t firstShown(const std::vector<Line>& lines, const ORVMenuItem* selected,
                        std::size_t room) {
     const auto found = std::find_if(lines.begin(), lines.end(),
                                     [&](const Line& line) { return line.item == selected; });
-    const auto position = static_cast<std::size_t>(found - lines.begin());
+    auto last = found;
+    while (last != lines.end() && last->item->tag && last + 1 != lines.end() &&
+           (last + 1)->item->tag) {
+        ++last;
+    }
+    const bool submenuFits = static_cast<std::size_t>(last - found) < room;
+    const auto position = static_cast<std::size_t>((submenuFits ? last : found) - lines.begin());
     if (!selected || found == lines.end() || position < room) {
         return 0;
     }
