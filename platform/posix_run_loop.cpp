@@ -176,10 +176,10 @@ int ORVPosixRunLoop::millisecondsToNextDue() const {
 void ORVPosixRunLoop::waitForEvents() {
     std::vector<pollfd> polled = {{wakeReadEnd_, POLLIN, 0}};
     for (const auto& [descriptor, watch] : watches_) {
-        const short events = watch.interest == Interest::readable   ? POLLIN
-                             : watch.interest == Interest::writable ? POLLOUT
-                                                                    : 0;
-        polled.push_back({descriptor, events, 0});
+        const int events = watch.interest == Interest::readable   ? POLLIN
+                           : watch.interest == Interest::writable ? POLLOUT
+                                                                  : 0;
+        polled.push_back({descriptor, static_cast<short>(events), 0});
     }
     if (poll(polled.data(), static_cast<nfds_t>(polled.size()), millisecondsToNextDue()) <= 0) {
         return;

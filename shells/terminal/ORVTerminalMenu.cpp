@@ -12,6 +12,7 @@
 #undef columns  // Of <term.h>.
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -36,13 +37,20 @@ void dieOf(int signalNumber) {
     raise(signalNumber);
 }
 
+/// What the terminal wants to be sent for this; "" when it cannot do it. The library answers -1 in
+/// place of a text for a name that stands for no text. A pause, "$<…>" at the end, is cut off.
+std::string_view capability(const char* name) {
+    const char* sequence = tigetstr(name);
+    if (reinterpret_cast<std::intptr_t>(sequence) == -1 || !sequence) {
+        return {};
+    }
+    const std::string_view text = sequence;
+    return text.substr(0, text.find("$<"));
+}
+
 void restoreOnFault() {
-    for (const char* capability : {"sgr0", "cnorm", "rmkx", "rmcup"}) {
-        const char* sequence = tigetstr(capability);
-        if (sequence && sequence != reinterpret_cast<const char*>(-1)) {
-            const std::string_view text = sequence;
-            restoringSequence += text.substr(0, text.find("$<"));  // What follows is a pause.
-        }
+    for (const char* name : {"sgr0", "cnorm", "rmkx", "rmcup"}) {
+        restoringSequence += capability(name);
     }
     for (const int fault : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGQUIT}) {
         signal(fault, dieOf);
@@ -87,8 +95,7 @@ bool ORVTerminalMenu::isPossible() {
     if (setupterm(nullptr, STDOUT_FILENO, &failure) != OK) {
         return false;
     }
-    const char* placement = tigetstr("cup");
-    const bool isPlaceable = placement && placement != reinterpret_cast<char*>(-1);
+    const bool isPlaceable = !capability("cup").empty();
     del_curterm(cur_term);
     return isPlaceable;
 }
@@ -137,7 +144,7 @@ void ORVTerminalMenu::show() {
             continue;
         }
         const bool isReversed = rows[row].isBar || rows[row].isSelected;
-        attrset(isReversed ? A_REVERSE : rows[row].isDimmed ? A_DIM : A_NORMAL);
+        attrset(static_cast<int>(isReversed ? A_REVERSE : rows[row].isDimmed ? A_DIM : A_NORMAL));
         addstr(rows[row].text.c_str());
         attrset(A_NORMAL);
     }

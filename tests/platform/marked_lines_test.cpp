@@ -57,6 +57,7 @@ TEST(MarkerSearchTest, FindsWhatAPlainSearchFinds) {
         const char* found = search.find(exact.data(), end);
         EXPECT_EQ(std::min(plain, bytes.size()), static_cast<std::size_t>(found - exact.data()));
         std::vector<platform::ScannedMarker> scanned;
+        scanned.reserve(markers.size());
         for (const ORVMarker& m : markers) {
             scanned.push_back({m.text.data(), m.text.size(), m.rareByte, m.otherRareByte});
         }

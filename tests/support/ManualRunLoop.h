@@ -18,7 +18,7 @@ public:
     std::unique_ptr<ORVRepeatingTimer> makeRepeatingTimer(std::chrono::milliseconds interval,
                                                           Closure closure) override {
         ++timersMade;
-        fire(now_ + interval, interval, std::move(closure));
+        fire(now_ + interval, interval, closure);
         return std::make_unique<ORVRepeatingTimer>();
     }
 
@@ -45,7 +45,8 @@ public:
     int timersMade = 0;
 
 private:
-    void fire(std::chrono::milliseconds due, std::chrono::milliseconds interval, Closure closure) {
+    void fire(std::chrono::milliseconds due, std::chrono::milliseconds interval,
+              const Closure& closure) {
         delayed_.emplace(due, [this, due, interval, closure] {
             closure();
             fire(due + interval, interval, closure);
