@@ -92,6 +92,10 @@ const RecordCase kRecordCases[] = {
      R"({"type":"response_item","payload":{"type":"message","text":"{\"type\":\"compacted\"}"}})"
      "\n",
      "C0 · --%", 1},
+    {"upper case beside the other bytes", event(R"({"type":"COMPACTING","x":"token_count"})"),
+     "C0 · --%", 1},
+    {"escaped beside the other bytes",
+     event(R"({"type":"token\u005fcount","x":"compact","info":null})"), "C0 · --%", 1},
     {"escaped keywords", event(R"({"type":"token\u005fcount","info":null})"), "C0 · --%", 1},
     {"both on one line",
      event(R"({"type":"token_count","compact":1,"info":{"model_context_window":272000,)"
