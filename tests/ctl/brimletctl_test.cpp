@@ -22,8 +22,8 @@ class BrimletctlTest : public testing::Test {
 protected:
     /// Runs a shell command line in which "$b" is the program; both outputs together.
     Outcome run(const std::string& command) {
-        const std::string line =
-            "export HOME='" + home.root() + "' b='" BRIMLETCTL "'; exec 2>&1; " + command;
+        const std::string line = "export HOME='" + home.root() +
+                                 "' b='" BRIMLETCTL "'; ulimit -f 100000; exec 2>&1; " + command;
         std::FILE* pipe = popen(line.c_str(), "r");
         Outcome outcome;
         for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
