@@ -61,7 +61,7 @@ ORVPosixRunLoop::~ORVPosixRunLoop() {
 void ORVPosixRunLoop::post(Closure closure) {
     const std::lock_guard<std::mutex> lock(mutex_);
     posted_.push_back(std::move(closure));
-    const char wake = 'p';
+    const char wake = 0;
     // A full pipe wakes the loop as well.
     [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_, &wake, 1);
 }
@@ -69,7 +69,7 @@ void ORVPosixRunLoop::post(Closure closure) {
 void ORVPosixRunLoop::wakeFromSignal() {
     const int savedError = errno;
     isSignalled_ = true;  // The pipe may be full; then it wakes the loop as well.
-    const char wake = 's';
+    const char wake = 0;
     [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_, &wake, 1);
     errno = savedError;
 }

@@ -27,7 +27,7 @@ struct ORVSessionParseState {
     ORVByteBuffer pendingData;
 
     /// Leading bytes of pendingData known to hold no line feed: always all of them, since
-    /// each chunk is searched when it arrives. Kept for whoever looks at a state from outside.
+    /// each chunk is searched when it arrives.
     std::uint64_t pendingScanOffset = 0;
 
     /// Inode the bytes came from. None where the file system has no number; a file replaced by a

@@ -5,7 +5,6 @@
 #include <simdjson.h>
 
 #include <algorithm>
-#include <limits>
 
 #include "platform/byte_buffer.h"
 

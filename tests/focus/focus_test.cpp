@@ -254,7 +254,7 @@ TEST_F(FocusTest, EveryFailingCallIsMadeUpForByTheNextRefresh) {
     }
 }
 
-TEST_F(FocusTest, AFileCutWhileItIsReadCountsAsRead) {
+TEST_F(FocusTest, AFileShorterThanItsAttributesSayIsNoError) {
     home.append(log(), activity("1", kTask));
     files.extraSize = 100;
     EXPECT_EQ(kInTask, focus());
