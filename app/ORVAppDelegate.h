@@ -60,6 +60,11 @@ public:
     /// without a task, the focus line. The title alone while feedback is on display.
     std::string statusLine() const;
 
+    /// What a screen reader says of the status item, whose title is made for the eye: the program's
+    /// name, then for a task the lines about context and compactions, else the title and the focus
+    /// line, or the feedback on display.
+    std::string spokenStatus() const;
+
     // Refresh feedback (feedback.cpp)
 
     /// Puts feedback on display, without an end.

@@ -13,6 +13,7 @@
 struct ORVMenuImage {
     std::string name;
     std::string description;
+    bool operator==(const ORVMenuImage&) const = default;
 };
 
 enum class ORVMenuAction { none, refresh, terminate, changeLanguage };

@@ -120,3 +120,14 @@ std::string ORVAppDelegate::statusLine() const {
         manualRefreshFeedbackActive_ || (!lastSnapshot_ && focusItem_->hidden) || line.empty();
     return isTitleAlone ? statusItem_.title : statusItem_.title + "  " + line;
 }
+
+std::string ORVAppDelegate::spokenStatus() const {
+    const std::string program = statusItem_.toolTip + ", ";
+    if (manualRefreshFeedbackActive_) {
+        return program + statusItem_.title;
+    }
+    if (lastSnapshot_) {
+        return program + contextItem_->title + ", " + compactionItem_->title;
+    }
+    return program + statusItem_.title + (focusItem_->hidden ? "" : ", " + focusItem_->title);
+}

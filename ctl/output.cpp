@@ -3,12 +3,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <poll.h>
-
 #include <cerrno>
 #include <string>
 
 #include "platform/ORVError.h"
+#include "platform/descriptors.h"
 #include "platform/unicode.h"
 
 namespace ctl {
@@ -21,8 +20,7 @@ int writeAll(int descriptor, std::string_view bytes) {
         if (count >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(count));
         } else if (errno == EAGAIN) {
-            pollfd polled{descriptor, POLLOUT, 0};  // Somebody else made it non-blocking.
-            poll(&polled, 1, -1);
+            platform::isWritable(descriptor, -1);  // Somebody else made it non-blocking.
         } else if (errno != EINTR) {
             return errno;
         }
@@ -55,8 +53,7 @@ WriteResult writeOutput(std::string_view bytes) {
 }
 
 void complain(std::string_view text) {
-    pollfd polled{STDERR_FILENO, POLLOUT, 0};
-    if (poll(&polled, 1, 0) <= 0) {
+    if (!platform::isWritable(STDERR_FILENO, 0)) {
         return;
     }
     writeAll(STDERR_FILENO, "brimletctl: " + platform::forTerminal(text) + '\n');

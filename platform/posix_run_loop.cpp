@@ -1,7 +1,6 @@
 #include "platform/posix_run_loop.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -174,17 +173,12 @@ int ORVPosixRunLoop::millisecondsToNextDue() const {
 }
 
 void ORVPosixRunLoop::waitForEvents() {
-    std::vector<pollfd> polled = {{wakeReadEnd_, POLLIN, 0}};
+    std::vector<ORVWatchedDescriptor> watched = {{wakeReadEnd_, Interest::readable}};
     for (const auto& [descriptor, watch] : watches_) {
-        const int events = watch.interest == Interest::readable   ? POLLIN
-                           : watch.interest == Interest::writable ? POLLOUT
-                                                                  : 0;
-        polled.push_back({descriptor, static_cast<short>(events), 0});
+        watched.push_back({descriptor, watch.interest});
     }
-    if (poll(polled.data(), static_cast<nfds_t>(polled.size()), millisecondsToNextDue()) <= 0) {
-        return;
-    }
-    if (polled[0].revents != 0) {
+    platform::waitForDescriptors(watched, millisecondsToNextDue());
+    if (watched[0].isReady) {
         char wakes[64];
         while (read(wakeReadEnd_, wakes, sizeof wakes) > 0) {
         }
@@ -192,9 +186,9 @@ void ORVPosixRunLoop::waitForEvents() {
             turn(wakened_);
         }
     }
-    for (std::size_t i = 1; i < polled.size(); ++i) {
-        const auto found = watches_.find(polled[i].fd);
-        if (polled[i].revents != 0 && found != watches_.end()) {
+    for (std::size_t i = 1; i < watched.size(); ++i) {
+        const auto found = watches_.find(watched[i].descriptor);
+        if (watched[i].isReady && found != watches_.end()) {
             const Closure ready = found->second.ready;
             turn(ready);
         }

@@ -6,9 +6,10 @@
 #include <mutex>
 #include <vector>
 
+#include "platform/descriptors.h"
 #include "platform/run_loop.h"
 
-/// A run loop over poll: sleeps until a closure is posted, a timer is due, or a descriptor that is
+/// A run loop of a process without a desktop: sleeps until a closure is posted, a timer is due, or a descriptor that is
 /// watched has something to say.
 class ORVPosixRunLoop final : public ORVRunLoop {
 public:
@@ -20,8 +21,7 @@ public:
     std::unique_ptr<ORVRepeatingTimer> makeRepeatingTimer(std::chrono::milliseconds interval,
                                                           Closure closure) override;
 
-    /// What a descriptor is watched for. A hang-up is always told, and tells of a reader that left.
-    enum class Interest { readable, writable, hangUpOnly };
+    using Interest = ORVWatchedDescriptor::Interest;
 
     /// Calls `ready` in a turn of its own whenever the descriptor is; one watch for each
     /// descriptor.

@@ -1,7 +1,6 @@
 #include "shells/ORVLineOutput.h"
 
 #include <limits.h>
-#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,11 +9,6 @@
 namespace {
 
 constexpr int kFlushMilliseconds = 200;
-
-bool isWritable(int descriptor, int waitMilliseconds) {
-    pollfd polled{descriptor, POLLOUT, 0};
-    return poll(&polled, 1, waitMilliseconds) > 0;
-}
 
 }  // namespace
 
@@ -37,7 +31,7 @@ void ORVLineOutput::show(const std::string& line) {
 void ORVLineOutput::writeWhatFits() {
     // A pipe that is ready takes as many bytes at once without waiting.
     constexpr std::size_t kAtOnce = PIPE_BUF;
-    while (!hasEnded_ && hasMore() && isWritable(descriptor_, 0)) {
+    while (!hasEnded_ && hasMore() && platform::isWritable(descriptor_, 0)) {
         if (underWay_.empty()) {
             shown_ = waiting_;
             underWay_ = shown_ + '\n';
@@ -71,7 +65,7 @@ void ORVLineOutput::watchForMore() {
 }
 
 void ORVLineOutput::flush() {
-    while (!hasEnded_ && hasMore() && isWritable(descriptor_, kFlushMilliseconds)) {
+    while (!hasEnded_ && hasMore() && platform::isWritable(descriptor_, kFlushMilliseconds)) {
         writeWhatFits();
     }
 }

@@ -8,7 +8,7 @@
 #include "platform/posix_run_loop.h"
 #include "platform/thread_queue.h"
 
-/// The application's surroundings in a process without a desktop: a poll loop and a thread.
+/// The application's surroundings in a process without a desktop: a loop over descriptors and a thread.
 class ORVPosixSurroundings final : public ORVAppSurroundings {
 public:
     /// `complain` hears what the user should know, at most once each.

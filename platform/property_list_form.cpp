@@ -1,13 +1,19 @@
-#include "platform/binary_property_list.h"
+#include "platform/property_list_form.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace platform {
 namespace {
 
+constexpr std::string_view kBinaryMagic = "bplist00";
+
+/// An application's Info.plist has a few kilobytes.
+constexpr std::size_t kLimitBytes = 256 * 1024;
+constexpr std::size_t kDepth = 64;
 constexpr std::size_t kTrailerBytes = 32;
 
 /// The objects of the list, found through the trailer at its end: the widths of an offset and of a
@@ -15,8 +21,8 @@ constexpr std::size_t kTrailerBytes = 32;
 class ObjectTable {
 public:
     static std::optional<ObjectTable> read(std::string_view bytes) {
-        if (!bytes.starts_with(kBinaryPropertyListMagic) ||
-            bytes.size() < kBinaryPropertyListMagic.size() + kTrailerBytes) {
+        if (!bytes.starts_with(kBinaryMagic) ||
+            bytes.size() < kBinaryMagic.size() + kTrailerBytes) {
             return std::nullopt;
         }
         const std::size_t trailer = bytes.size() - kTrailerBytes;
@@ -113,9 +119,7 @@ private:
     std::size_t start_ = 0;
 };
 
-}  // namespace
-
-bool binaryPropertyListIsTree(std::string_view bytes) {
+bool isTree(std::string_view bytes) {
     const auto table = ObjectTable::read(bytes);
     if (!table) {
         return false;
@@ -124,27 +128,82 @@ bool binaryPropertyListIsTree(std::string_view bytes) {
     std::vector<std::size_t> parents(table->count(), kNone);
     parents[table->top()] = table->top();
     std::size_t references = 0;
-    bool isTree = true;
-    for (std::size_t object = 0; isTree && object < table->count(); ++object) {
+    bool isTreeSoFar = true;
+    for (std::size_t object = 0; isTreeSoFar && object < table->count(); ++object) {
         const bool fits = table->forEachReference(object, [&](std::size_t reference) {
             ++references;
             if (table->isContainer(reference)) {
-                isTree = isTree && parents[reference] == kNone;
+                isTreeSoFar = isTreeSoFar && parents[reference] == kNone;
                 parents[reference] = object;
             }
         });
         // Containers that lie over one another hold more references than there are bytes.
-        isTree = isTree && fits && references <= bytes.size();
+        isTreeSoFar = isTreeSoFar && fits && references <= bytes.size();
     }
-    for (std::size_t object = 0; isTree && object < table->count(); ++object) {
+    for (std::size_t object = 0; isTreeSoFar && object < table->count(); ++object) {
         std::size_t depth = 0;
         for (std::size_t o = object; o != table->top() && parents[o] != kNone; o = parents[o]) {
-            if (++depth > kPropertyListDepth) {
+            if (++depth > kDepth) {
                 return false;
             }
         }
     }
-    return isTree;
+    return isTreeSoFar;
+}
+
+/// Where the markup that begins here ends. What a comment or a literal text holds is no markup.
+std::size_t endOfMarkup(std::string_view text, std::size_t start) {
+    constexpr std::pair<std::string_view, std::string_view> kSections[] = {
+        {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
+    for (const auto& [opening, closing] : kSections) {
+        if (text.substr(start).starts_with(opening)) {
+            const std::size_t end = text.find(closing, start + opening.size());
+            return end == std::string_view::npos ? end : end + closing.size();
+        }
+    }
+    const std::size_t end = text.find('>', start);
+    return end == std::string_view::npos ? end : end + 1;
+}
+
+/// Also false for what is no XML in UTF-8: a system may know other forms.
+bool isShallowXML(std::string_view text) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    text.remove_prefix(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    if (first == std::string_view::npos || text[first] != '<' ||
+        text.find('\0') != std::string_view::npos) {
+        return false;
+    }
+    std::size_t depth = 0;
+    for (std::size_t start = first; start != std::string_view::npos;) {
+        const std::size_t end = endOfMarkup(text, start);
+        if (end == std::string_view::npos) {
+            break;
+        }
+        const std::string_view tag = text.substr(start + 1, end - start - 1);
+        const bool isOpened = tag.starts_with("dict") || tag.starts_with("array");
+        if (isOpened && !tag.ends_with("/>") && ++depth > kDepth) {
+            return false;
+        }
+        if ((tag.starts_with("/dict") || tag.starts_with("/array")) && depth > 0) {
+            --depth;
+        }
+        start = text.find('<', end);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool isBinaryPropertyList(std::string_view bytes) {
+    return bytes.starts_with(kBinaryMagic);
+}
+
+bool isHarmlessPropertyList(std::string_view bytes) {
+    if (bytes.size() > kLimitBytes) {
+        return false;
+    }
+    return isBinaryPropertyList(bytes) ? isTree(bytes) : isShallowXML(bytes);
 }
 
 }  // namespace platform

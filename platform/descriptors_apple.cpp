@@ -1,0 +1,125 @@
+// By select, since poll fails on a Mac's terminals. Select cannot tell of a hang-up alone; a kernel
+// queue can, and is itself a descriptor that select waits for.
+
+#include <sys/event.h>
+#include <sys/select.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+
+#include "platform/descriptors.h"
+
+namespace platform {
+namespace {
+
+using Interest = ORVWatchedDescriptor::Interest;
+
+/// Null, which means no end, for a negative time.
+timeval* timeLimit(timeval& limit, int milliseconds) {
+    limit.tv_sec = milliseconds / 1'000;
+    limit.tv_usec = (milliseconds % 1'000) * 1'000;
+    return milliseconds < 0 ? nullptr : &limit;
+}
+
+bool fitsSet(int descriptor) {
+    return descriptor >= 0 && descriptor < FD_SETSIZE;
+}
+
+/// Hears of the readers that left. Asks for more bytes to read than an output ever has, which leaves
+/// the end of the other side alone. A terminal that hangs up sends a signal instead.
+class HangUpQueue {
+public:
+    explicit HangUpQueue(const std::vector<ORVWatchedDescriptor>& watched) {
+        for (const ORVWatchedDescriptor& watch : watched) {
+            if (watch.interest != Interest::hangUpOnly) {
+                continue;
+            }
+            if (queue_ < 0) {
+                queue_ = kqueue();
+            }
+            struct kevent change;
+            EV_SET(&change, watch.descriptor, EVFILT_READ, EV_ADD, NOTE_LOWAT, INT_MAX, nullptr);
+            kevent(queue_, &change, 1, nullptr, 0, nullptr);
+        }
+    }
+    ~HangUpQueue() {
+        if (queue_ >= 0) {
+            close(queue_);
+        }
+    }
+    HangUpQueue(const HangUpQueue&) = delete;
+    HangUpQueue& operator=(const HangUpQueue&) = delete;
+
+    int descriptor() const { return queue_; }
+
+    void mark(std::vector<ORVWatchedDescriptor>& watched) const {
+        const timespec atOnce{0, 0};
+        struct kevent event;
+        while (kevent(queue_, nullptr, 0, &event, 1, &atOnce) == 1) {
+            for (ORVWatchedDescriptor& watch : watched) {
+                watch.isReady = watch.isReady || (watch.interest == Interest::hangUpOnly &&
+                                                  static_cast<uintptr_t>(watch.descriptor) ==
+                                                      event.ident);
+            }
+            struct kevent removal;
+            EV_SET(&removal, event.ident, EVFILT_READ, EV_DELETE, 0, 0, nullptr);
+            kevent(queue_, &removal, 1, nullptr, 0, nullptr);
+        }
+    }
+
+private:
+    int queue_ = -1;
+};
+
+}  // namespace
+
+void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds) {
+    const HangUpQueue hangUps(watched);
+    fd_set readable;
+    fd_set writable;
+    FD_ZERO(&readable);
+    FD_ZERO(&writable);
+    int highest = -1;
+    const auto add = [&highest](int descriptor, fd_set& set) {
+        if (fitsSet(descriptor)) {
+            FD_SET(descriptor, &set);
+            highest = std::max(highest, descriptor);
+        }
+    };
+    for (ORVWatchedDescriptor& watch : watched) {
+        watch.isReady = false;
+        if (watch.interest != Interest::hangUpOnly) {
+            add(watch.descriptor, watch.interest == Interest::readable ? readable : writable);
+        }
+    }
+    add(hangUps.descriptor(), readable);
+    timeval limit{};
+    const int count =
+        select(highest + 1, &readable, &writable, nullptr, timeLimit(limit, milliseconds));
+    if (count <= 0) {
+        for (ORVWatchedDescriptor& watch : watched) {
+            watch.isReady = count < 0 && errno == EBADF;  // Whoever uses it hears which it is.
+        }
+        return;
+    }
+    for (ORVWatchedDescriptor& watch : watched) {
+        if (watch.interest != Interest::hangUpOnly && fitsSet(watch.descriptor)) {
+            watch.isReady = FD_ISSET(watch.descriptor, watch.interest == Interest::readable
+                                                           ? &readable
+                                                           : &writable) != 0;
+        }
+    }
+    if (hangUps.descriptor() >= 0 && FD_ISSET(hangUps.descriptor(), &readable)) {
+        hangUps.mark(watched);
+    }
+}
+
+bool isWritable(int descriptor, int milliseconds) {
+    std::vector<ORVWatchedDescriptor> watched = {{descriptor, Interest::writable}};
+    waitForDescriptors(watched, milliseconds);
+    return watched.front().isReady;
+}
+
+}  // namespace platform

@@ -1,0 +1,41 @@
+// By poll, which tells of a hang-up without being asked.
+
+#include <poll.h>
+
+#include "platform/descriptors.h"
+
+namespace platform {
+namespace {
+
+short eventsOf(ORVWatchedDescriptor::Interest interest) {
+    switch (interest) {
+        case ORVWatchedDescriptor::Interest::readable:
+            return POLLIN;
+        case ORVWatchedDescriptor::Interest::writable:
+            return POLLOUT;
+        case ORVWatchedDescriptor::Interest::hangUpOnly:
+            break;
+    }
+    return 0;
+}
+
+}  // namespace
+
+void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds) {
+    std::vector<pollfd> polled;
+    polled.reserve(watched.size());
+    for (const ORVWatchedDescriptor& watch : watched) {
+        polled.push_back({watch.descriptor, eventsOf(watch.interest), 0});
+    }
+    const int count = poll(polled.data(), static_cast<nfds_t>(polled.size()), milliseconds);
+    for (std::size_t i = 0; i < watched.size(); ++i) {
+        watched[i].isReady = count > 0 && polled[i].revents != 0;
+    }
+}
+
+bool isWritable(int descriptor, int milliseconds) {
+    pollfd polled{descriptor, POLLOUT, 0};
+    return poll(&polled, 1, milliseconds) > 0;
+}
+
+}  // namespace platform

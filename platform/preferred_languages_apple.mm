@@ -1,0 +1,19 @@
+// The list in the system's settings.
+
+#import <Foundation/Foundation.h>
+
+#include "platform/preferred_languages.h"
+
+namespace platform {
+
+std::vector<std::string> preferredLanguages() {
+    @autoreleasepool {
+        std::vector<std::string> languages;
+        for (NSString* language in [NSLocale preferredLanguages]) {
+            languages.emplace_back(language.UTF8String);
+        }
+        return languages;
+    }
+}
+
+}  // namespace platform

@@ -1,0 +1,25 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <memory>
+
+#include "app/ORVAppDelegate.h"
+#include "shells/appkit/ORVAppKitSurroundings.h"
+#import "shells/appkit/ORVStatusItemController.h"
+
+NS_ASSUME_NONNULL_BEGIN
+
+/// Starts the application when AppKit is ready, and keeps it until the process ends.
+@interface ORVApplicationDelegate : NSObject <NSApplicationDelegate> {
+    id activity_;
+    std::unique_ptr<ORVAppKitSurroundings> surroundings_;
+    std::shared_ptr<ORVAppDelegate> delegate_;
+    ORVStatusItemController* controller_;
+}
+
+@property(nonatomic, readonly, nullable) ORVStatusItemController* controller;
+
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,26 @@
+#import "shells/appkit/ORVApplicationDelegate.h"
+
+@implementation ORVApplicationDelegate
+
+@synthesize controller = controller_;
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+    // An application without a window naps, and then its timer may be minutes late.
+    activity_ = [[[NSProcessInfo processInfo]
+        beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
+                          reason:@"Following the task in view"] retain];
+    surroundings_ = std::make_unique<ORVAppKitSurroundings>();
+    delegate_ = std::make_shared<ORVAppDelegate>(*surroundings_);
+    delegate_->applicationDidFinishLaunching();
+    controller_ = [[ORVStatusItemController alloc] initWithDelegate:*delegate_];
+    surroundings_->runLoop().setTurnEnd([controller = controller_] { [controller update]; });
+}
+
+- (void)dealloc {
+    [[NSProcessInfo processInfo] endActivity:activity_];
+    [activity_ release];
+    [controller_ release];
+    [super dealloc];
+}
+
+@end

@@ -1,0 +1,145 @@
+#import "shells/appkit/ORVStatusItemController.h"
+
+#import "platform/foundation_string_apple.h"
+#include "platform/unicode.h"
+
+NS_ASSUME_NONNULL_BEGIN
+
+namespace {
+
+/// A title may hold any bytes: that of a task without a name is the name of its file.
+NSString* stringOf(const std::string& text) {
+    return platform::foundationString(platform::withInvalidBytesReplaced(text));
+}
+
+SEL _Nullable selectorOf(ORVMenuAction action) {
+    switch (action) {
+        case ORVMenuAction::none:
+            break;
+        case ORVMenuAction::refresh:
+            return @selector(refresh:);
+        case ORVMenuAction::terminate:
+            return @selector(terminate:);
+        case ORVMenuAction::changeLanguage:
+            return @selector(changeLanguage:);
+    }
+    return nullptr;
+}
+
+/// Setters draw again even where nothing changes, so they are called for changes only.
+void updateItem(ORVShownMenuItem& pair) {
+    const ORVMenuItem& item = *pair.item;
+    NSMenuItem* shown = pair.shown;
+    NSString* title = stringOf(item.title);
+    if (![shown.title isEqualToString:title]) {
+        shown.title = title;
+    }
+    if (shown.enabled != item.enabled) {
+        shown.enabled = item.enabled;
+    }
+    if (shown.hidden != item.hidden) {
+        shown.hidden = item.hidden;
+    }
+    const NSControlStateValue state = item.state ? NSControlStateValueOn : NSControlStateValueOff;
+    if (shown.state != state) {
+        shown.state = state;
+    }
+    if (pair.image != item.image) {
+        pair.image = item.image;
+        shown.image = item.image ? [NSImage imageWithSystemSymbolName:stringOf(item.image->name)
+                                             accessibilityDescription:stringOf(item.image->description)]
+                                 : nil;
+    }
+}
+
+}  // namespace
+
+@implementation ORVStatusItemController
+
+@synthesize statusItem = statusItem_;
+
+- (instancetype)initWithDelegate:(ORVAppDelegate&)delegate {
+    self = [super init];
+    if (self) {
+        delegate_ = &delegate;
+        statusItem_ = [[[NSStatusBar systemStatusBar]
+            statusItemWithLength:NSVariableStatusItemLength] retain];
+        statusItem_.menu = [self menuShowing:*delegate.statusItem().menu];
+        [self update];
+    }
+    return self;
+}
+
+- (void)dealloc {
+    [[NSStatusBar systemStatusBar] removeStatusItem:statusItem_];
+    [statusItem_ release];
+    [super dealloc];
+}
+
+- (NSMenu*)menuShowing:(const ORVMenu&)menu {
+    NSMenu* shown = [[[NSMenu alloc] initWithTitle:@""] autorelease];
+    shown.autoenablesItems = NO;
+    for (const std::unique_ptr<ORVMenuItem>& item : menu.items) {
+        [shown addItem:item->isSeparator() ? [NSMenuItem separatorItem]
+                                           : [self menuItemShowing:*item]];
+    }
+    return shown;
+}
+
+/// What never changes; update adds the rest.
+- (NSMenuItem*)menuItemShowing:(ORVMenuItem&)item {
+    NSMenuItem* shown =
+        [[[NSMenuItem alloc] initWithTitle:@""
+                                    action:selectorOf(item.action)
+                             keyEquivalent:stringOf(item.keyEquivalent)] autorelease];
+    shown.keyEquivalentModifierMask = NSEventModifierFlagCommand;
+    if (item.action == ORVMenuAction::terminate) {
+        shown.target = [NSApplication sharedApplication];
+    } else if (item.action != ORVMenuAction::none) {
+        shown.target = self;
+    }
+    shown.tag = static_cast<NSInteger>(item.tag.value_or(0));
+    if (item.submenu) {
+        shown.submenu = [self menuShowing:*item.submenu];
+    }
+    items_.push_back({&item, shown, std::nullopt});
+    return shown;
+}
+
+- (void)update {
+    const ORVStatusItem& statusItem = delegate_->statusItem();
+    NSStatusBarButton* button = statusItem_.button;
+    NSString* title = stringOf(statusItem.title);
+    if (![button.title isEqualToString:title]) {
+        button.title = title;
+    }
+    NSString* toolTip = stringOf(statusItem.toolTip);
+    if (![button.toolTip isEqualToString:toolTip]) {
+        button.toolTip = toolTip;
+    }
+    button.accessibilityLabel = stringOf(delegate_->spokenStatus());
+    for (ORVShownMenuItem& pair : items_) {
+        updateItem(pair);
+    }
+}
+
+- (void)refresh:(id)sender {
+    [self choose:sender];
+}
+
+- (void)changeLanguage:(id)sender {
+    [self choose:sender];
+}
+
+- (void)choose:(NSMenuItem*)chosen {
+    for (const ORVShownMenuItem& pair : items_) {
+        if (pair.shown == chosen) {
+            delegate_->chooseItem(*pair.item);
+        }
+    }
+    [self update];
+}
+
+@end
+
+NS_ASSUME_NONNULL_END

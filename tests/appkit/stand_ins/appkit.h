@@ -1,0 +1,52 @@
+#pragma once
+
+// Stands in for what GNUstep lacks of a Mac's frameworks, in tests of the menu-bar shell on Linux:
+// read before every other line of the shell's sources. Each remembers what it was asked for.
+
+#import <AppKit/AppKit.h>
+
+enum { NSEventModifierFlagCommand = NSCommandKeyMask };
+
+@interface NSStatusBarButton : NSButton {
+    NSString* accessibilityLabel_;
+}
+@property(nonatomic, copy) NSString* accessibilityLabel;
+@end
+
+@interface NSStatusItem (StandIn)
+@property(nonatomic, readonly) NSStatusBarButton* button;
+@end
+
+@interface NSMenuItem (StandIn)
+@property(nonatomic, getter=isHidden) BOOL hidden;
+@end
+
+@interface NSImage (StandIn)
++ (NSImage*)imageWithSystemSymbolName:(NSString*)name
+             accessibilityDescription:(NSString*)description;
+@end
+
+/// What imageWithSystemSymbolName gives.
+@interface ORVStandInSymbol : NSImage {
+    NSString* symbolName_;
+    NSString* accessibilityDescription_;
+}
+@property(nonatomic, copy) NSString* symbolName;
+@property(nonatomic, copy) NSString* accessibilityDescription;
+@end
+
+@interface NSApplication (StandIn)
+- (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
+@end
+
+@interface NSUserDefaults (StandIn)
+- (instancetype)initWithSuiteName:(NSString*)name;
+@end
+
+/// The status items in the menu bar.
+NSMutableArray* ORVStandInStatusItems(void);
+
+NSApplicationActivationPolicy ORVStandInActivationPolicy(void);
+
+/// The name of the suite of user defaults opened last; nil before.
+NSString* ORVStandInSuiteName(void);
