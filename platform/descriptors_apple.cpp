@@ -27,8 +27,8 @@ bool fitsSet(int descriptor) {
     return descriptor >= 0 && descriptor < FD_SETSIZE;
 }
 
-/// Hears of the readers that left. Asks for more bytes to read than an output ever has, which leaves
-/// the end of the other side alone. A terminal that hangs up sends a signal instead.
+/// Hears of the readers that left. Asks for more bytes to read than an output ever has, which
+/// leaves the end of the other side alone. A terminal that hangs up sends a signal instead.
 class HangUpQueue {
 public:
     explicit HangUpQueue(const std::vector<ORVWatchedDescriptor>& watched) {
@@ -59,9 +59,9 @@ public:
         struct kevent event;
         while (kevent(queue_, nullptr, 0, &event, 1, &atOnce) == 1) {
             for (ORVWatchedDescriptor& watch : watched) {
-                watch.isReady = watch.isReady || (watch.interest == Interest::hangUpOnly &&
-                                                  static_cast<uintptr_t>(watch.descriptor) ==
-                                                      event.ident);
+                watch.isReady =
+                    watch.isReady || (watch.interest == Interest::hangUpOnly &&
+                                      static_cast<uintptr_t>(watch.descriptor) == event.ident);
             }
             struct kevent removal;
             EV_SET(&removal, event.ident, EVFILT_READ, EV_DELETE, 0, 0, nullptr);
@@ -106,9 +106,9 @@ void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int millisec
     }
     for (ORVWatchedDescriptor& watch : watched) {
         if (watch.interest != Interest::hangUpOnly && fitsSet(watch.descriptor)) {
-            watch.isReady = FD_ISSET(watch.descriptor, watch.interest == Interest::readable
-                                                           ? &readable
-                                                           : &writable) != 0;
+            watch.isReady =
+                FD_ISSET(watch.descriptor,
+                         watch.interest == Interest::readable ? &readable : &writable) != 0;
         }
     }
     if (hangUps.descriptor() >= 0 && FD_ISSET(hangUps.descriptor(), &readable)) {

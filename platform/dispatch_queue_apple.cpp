@@ -21,8 +21,8 @@ void run(void* context) {
 }  // namespace
 
 DispatchQueue::DispatchQueue(const std::string& label) {
-    // Objects of the system's libraries end with the closure that made them, and reading files gives
-    // way to whatever the user is waiting for.
+    // Objects of the system's libraries end with the closure that made them, and reading files
+    // gives way to whatever the user is waiting for.
     dispatch_queue_attr_t attributes = dispatch_queue_attr_make_with_autorelease_frequency(
         DISPATCH_QUEUE_SERIAL, DISPATCH_AUTORELEASE_FREQUENCY_WORK_ITEM);
     attributes = dispatch_queue_attr_make_with_qos_class(attributes, QOS_CLASS_UTILITY, 0);

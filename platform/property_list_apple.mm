@@ -14,8 +14,8 @@ std::optional<std::string> propertyListString(std::string_view bytes, const std:
         NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.size()];
         id list = [NSPropertyListSerialization propertyListWithData:data
                                                             options:NSPropertyListImmutable
-                                                             format:nil
-                                                              error:nil];
+                                                             format:nullptr
+                                                              error:nullptr];
         if (![list isKindOfClass:[NSDictionary class]]) {
             return std::nullopt;
         }

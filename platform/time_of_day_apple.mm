@@ -11,10 +11,10 @@ std::string mediumTimeOfDay(ORVFileDate date, const std::string& locale) {
             [[[NSLocale alloc] initWithLocaleIdentifier:foundationString(locale)] autorelease];
         formatter.dateStyle = NSDateFormatterNoStyle;
         formatter.timeStyle = NSDateFormatterMediumStyle;
-        const NSTimeInterval seconds =
-            static_cast<double>(date.seconds) + static_cast<double>(date.nanoseconds) / 1e9;
-        NSString* text =
-            [formatter stringFromDate:[NSDate dateWithTimeIntervalSince1970:seconds]];
+        // Whole seconds: a double would round the last nanoseconds of one up to the next.
+        NSDate* second =
+            [NSDate dateWithTimeIntervalSince1970:static_cast<NSTimeInterval>(date.seconds)];
+        NSString* text = [formatter stringFromDate:second];
         const char* bytes = text.UTF8String;
         return bytes ? bytes : "";
     }

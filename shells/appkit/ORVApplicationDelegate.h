@@ -12,7 +12,7 @@ NS_ASSUME_NONNULL_BEGIN
 
 /// Starts the application when AppKit is ready, and keeps it until the process ends.
 @interface ORVApplicationDelegate : NSObject <NSApplicationDelegate> {
-    id activity_;
+    id<NSObject> activity_;
     std::unique_ptr<ORVAppKitSurroundings> surroundings_;
     std::shared_ptr<ORVAppDelegate> delegate_;
     ORVStatusItemController* controller_;

@@ -40,15 +40,16 @@ void updateItem(ORVShownMenuItem& pair) {
     if (shown.hidden != item.hidden) {
         shown.hidden = item.hidden;
     }
-    const NSControlStateValue state = item.state ? NSControlStateValueOn : NSControlStateValueOff;
+    const NSInteger state = item.state ? NSControlStateValueOn : NSControlStateValueOff;
     if (shown.state != state) {
         shown.state = state;
     }
     if (pair.image != item.image) {
         pair.image = item.image;
-        shown.image = item.image ? [NSImage imageWithSystemSymbolName:stringOf(item.image->name)
-                                             accessibilityDescription:stringOf(item.image->description)]
-                                 : nil;
+        shown.image = item.image
+                          ? [NSImage imageWithSystemSymbolName:stringOf(item.image->name)
+                                      accessibilityDescription:stringOf(item.image->description)]
+                          : nil;
     }
 }
 

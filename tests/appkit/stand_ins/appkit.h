@@ -5,11 +5,12 @@
 
 #import <AppKit/AppKit.h>
 
-enum { NSEventModifierFlagCommand = NSCommandKeyMask };
+#undef NS_UNAVAILABLE
+#define NS_UNAVAILABLE __attribute__((unavailable))
 
-@interface NSStatusBarButton : NSButton {
-    NSString* accessibilityLabel_;
-}
+enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
+
+@interface NSStatusBarButton (StandIn)
 @property(nonatomic, copy) NSString* accessibilityLabel;
 @end
 
@@ -18,6 +19,7 @@ enum { NSEventModifierFlagCommand = NSCommandKeyMask };
 @end
 
 @interface NSMenuItem (StandIn)
+@property(nonatomic, getter=isEnabled) BOOL enabled;
 @property(nonatomic, getter=isHidden) BOOL hidden;
 @end
 

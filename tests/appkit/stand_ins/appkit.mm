@@ -5,16 +5,30 @@
 #include <cstdlib>
 #include <map>
 
+// GNUstep's own have no menu bar to work with.
+#pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
+
 namespace {
 
+// A category has no fields of its own.
 std::map<const void*, BOOL> hiddenItems;
+std::map<const void*, NSString*> labels;
 NSApplicationActivationPolicy activationPolicy = NSApplicationActivationPolicyRegular;
 NSString* suiteName = nil;
 
 }  // namespace
 
-@implementation NSStatusBarButton
-@synthesize accessibilityLabel = accessibilityLabel_;
+@implementation NSStatusBarButton (StandIn)
+
+- (NSString*)accessibilityLabel {
+    return labels[self];
+}
+
+- (void)setAccessibilityLabel:(NSString*)label {
+    [labels[self] release];
+    labels[self] = [label copy];
+}
+
 @end
 
 @interface ORVStandInStatusItem : NSStatusItem {
@@ -127,9 +141,9 @@ NSString* suiteName = nil;
 @implementation NSRunLoop (StandIn)
 
 + (void)load {
-    method_exchangeImplementations(
-        class_getInstanceMethod(self, @selector(addTimer:forMode:)),
-        class_getInstanceMethod(self, @selector(standInAddTimer:forMode:)));
+    method_exchangeImplementations(class_getInstanceMethod(self, @selector(addTimer:forMode:)),
+                                   class_getInstanceMethod(self, @selector(standInAddTimer:
+                                                                                   forMode:)));
 }
 
 - (void)standInAddTimer:(NSTimer*)timer forMode:(NSString*)mode {

@@ -125,8 +125,8 @@ void dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t
     queue->changed.notify_all();
     if (queue == dispatch_get_main_queue()) {
         NSAutoreleasePool* pool = [NSAutoreleasePool new];
-        NSArray* modes = [NSArray arrayWithObjects:NSDefaultRunLoopMode,
-                                                   @"NSEventTrackingRunLoopMode", nil];
+        NSArray* modes =
+            [NSArray arrayWithObjects:NSDefaultRunLoopMode, @"NSEventTrackingRunLoopMode", nil];
         [[ORVStandInMainQueue class] performSelectorOnMainThread:@selector(runPosted)
                                                       withObject:nil
                                                    waitUntilDone:NO
