@@ -346,10 +346,11 @@ TEST_F(AppKitTest, WhatATurnLeavesBehindEndsWithIt) {
     EXPECT_TRUE(hadEnded);
     int firings = 0;
     auto timer = loop.makeRepeatingTimer(std::chrono::milliseconds(20), [&] { ++firings; });
-    EXPECT_TRUE(runUntil([&] { return firings == 3; }));
+    EXPECT_TRUE(runUntil([&] { return firings >= 3; }));
     timer.reset();
+    const int firingsBefore = firings;
     runFor(0.1);
-    EXPECT_EQ(3, firings) << "a timer ends with its owner";
+    EXPECT_EQ(firingsBefore, firings) << "a timer ends with its owner";
 }
 
 TEST_F(AppKitTest, TheQueueIsPrivateSerialAndNamed) {
