@@ -9,10 +9,6 @@
 #include <cstdlib>
 
 #include "platform/dispatch_queue.h"
-#include "platform/preferred_languages.h"
-#include "platform/property_list.h"
-#include "platform/time_of_day.h"
-#include "platform/user_defaults.h"
 #import "shells/appkit/ORVApplicationDelegate.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
@@ -395,38 +391,6 @@ TEST_F(AppKitTest, TheStatusItemLeavesWithItsController) {
     [delegate release];
     delegate = nil;
     EXPECT_EQ(0U, [ORVStandInStatusItems() count]);
-}
-
-TEST(FoundationTest, PropertyListsAndTimes) {
-    const std::string list =
-        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>a</key><integer>7</integer>"
-        "<key>k</key><string>1.2 — β</string></dict></plist>";
-    EXPECT_EQ("1.2 — β", platform::propertyListString(list, "k"));
-    EXPECT_EQ(std::nullopt, platform::propertyListString(list, "a"));
-    EXPECT_EQ(std::nullopt, platform::propertyListString(list, "absent"));
-    EXPECT_EQ(std::nullopt, platform::propertyListString("<plist><array/></plist>", "k"));
-    EXPECT_EQ(std::nullopt, platform::propertyListString("{ k = v; }", "k"));
-    EXPECT_EQ(std::nullopt, platform::propertyListString("<plist><dict><key>k", "k"));
-    setenv("TZ", "UTC", 1);
-    [NSTimeZone resetSystemTimeZone];
-    EXPECT_EQ("15:04:05", platform::mediumTimeOfDay({54'245, 999'999'999}, "zh_CN"));
-    EXPECT_EQ(0U, platform::mediumTimeOfDay({54'245, 0}, "en_US").find("3:04:05"));
-    EXPECT_NO_FATAL_FAILURE(
-        platform::mediumTimeOfDay({std::numeric_limits<std::int64_t>::max(), 0}, "en_US"));
-}
-
-TEST(FoundationTest, SettingsAndLanguages) {
-    NSUserDefaults* standard = [NSUserDefaults standardUserDefaults];
-    const auto defaults = platform::standardUserDefaults([](const std::string&) { FAIL(); });
-    [standard removeObjectForKey:@"mode"];
-    EXPECT_EQ(std::nullopt, defaults->integerForKey("mode"));
-    [standard setObject:@"2" forKey:@"mode"];
-    EXPECT_EQ(2, defaults->integerForKey("mode"));
-    [standard setObject:[NSArray array] forKey:@"mode"];
-    EXPECT_EQ(0, defaults->integerForKey("mode"));
-    defaults->setInteger(1, "mode");
-    EXPECT_EQ(1, [standard integerForKey:@"mode"]);
-    EXPECT_EQ((std::vector<std::string>{"zh-Hans-CN", "en"}), platform::preferredLanguages());
 }
 
 }  // namespace

@@ -1,0 +1,59 @@
+// What a Mac's frameworks give; run under GNUstep on Linux, too.
+
+#import <Foundation/Foundation.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "platform/preferred_languages.h"
+#include "platform/property_list.h"
+#include "platform/time_of_day.h"
+#include "platform/user_defaults.h"
+
+namespace {
+
+TEST(FoundationTest, PropertyLists) {
+    const std::string list =
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>a</key><integer>7</integer>"
+        "<key>k</key><string>1.2 — β</string></dict></plist>";
+    EXPECT_EQ("1.2 — β", platform::propertyListString(list, "k"));
+    EXPECT_EQ(std::nullopt, platform::propertyListString(list, "a"));
+    EXPECT_EQ(std::nullopt, platform::propertyListString(list, "absent"));
+    EXPECT_EQ(std::nullopt, platform::propertyListString("<plist><array/></plist>", "k"));
+    EXPECT_EQ(std::nullopt, platform::propertyListString("{ k = v; }", "k"));
+    EXPECT_EQ(std::nullopt, platform::propertyListString("<plist><dict><key>k", "k"));
+}
+
+TEST(FoundationTest, Times) {
+    setenv("TZ", "UTC", 1);
+    [NSTimeZone resetSystemTimeZone];
+    EXPECT_EQ("15:04:05", platform::mediumTimeOfDay({54'245, 999'999'999}, "zh_CN"));
+    EXPECT_EQ(0U, platform::mediumTimeOfDay({54'245, 0}, "en_US").find("3:04:05"));
+    const ORVFileDate farAway{std::numeric_limits<std::int64_t>::max(), 0};
+    (void)platform::mediumTimeOfDay(farAway, "en_US");  // Any text will do.
+}
+
+TEST(FoundationTest, SettingsAreThoseOfTheMenuBarProgram) {
+    NSString* const kKey = @"TestOfBrimlet";
+    NSUserDefaults* store = [[NSUserDefaults alloc] initWithSuiteName:@"com.orvellan.brimlet"];
+    [store removeObjectForKey:kKey];
+    const auto defaults = platform::standardUserDefaults([](const std::string&) { FAIL(); });
+    EXPECT_EQ(std::nullopt, defaults->integerForKey("TestOfBrimlet"));
+    [store setObject:@"2" forKey:kKey];
+    EXPECT_EQ(2, defaults->integerForKey("TestOfBrimlet"));
+    [store setObject:[NSArray array] forKey:kKey];
+    EXPECT_EQ(0, defaults->integerForKey("TestOfBrimlet"));
+    defaults->setInteger(1, "TestOfBrimlet");
+    EXPECT_EQ(1, [store integerForKey:kKey]);
+    [store removeObjectForKey:kKey];
+    [store release];
+}
+
+TEST(FoundationTest, PreferredLanguagesComeInTheirOrder) {
+    const std::vector<std::string> languages = platform::preferredLanguages();
+    ASSERT_FALSE(languages.empty());
+    EXPECT_EQ([[[NSLocale preferredLanguages] objectAtIndex:0] UTF8String], languages.front());
+}
+
+}  // namespace
