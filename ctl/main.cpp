@@ -1,19 +1,42 @@
 // brimletctl: the figures of Brimlet for terminals, scripts and status bars.
 
 #include <signal.h>
+#include <stdlib.h>
+
+#include <string>
+#include <vector>
 
 #include "app/version.h"
 #include "ctl/arguments.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "ctl/watch.h"
+#include "platform/confinement.h"
+#include "platform/home_folder.h"
 #include "platform/memory.h"
+#include "platform/user_defaults.h"
+
+namespace {
+
+/// Only the menu has something to store.
+void giveUpRights(ctl::Call call) {
+    // Asking for the home folder may take a socket, so it is asked for before.
+    const std::string home = platform::homeFolder();
+    if (!home.empty()) {
+        setenv("HOME", home.c_str(), 1);
+    }
+    const bool stores = call == ctl::Call::watch;
+    platform::giveUpRights(stores ? platform::foldersOfUserDefaults() : std::vector<std::string>());
+}
+
+}  // namespace
 
 int main(int count, char** values) {
     ctl::holdStandardDescriptors();
     signal(SIGPIPE, SIG_IGN);  // A reader that leaves shows in the result of a write.
     platform::returnFreedMemory();
     const ctl::Arguments arguments = ctl::parseArguments(count, values);
+    giveUpRights(arguments.call);
     switch (arguments.call) {
         case ctl::Call::notUnderstood:
             ctl::explain(arguments.complaint, ctl::kUsage);

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// The user's settings, kept between runs. UI thread only.
 class ORVUserDefaults {
@@ -24,5 +25,9 @@ namespace platform {
 /// The settings of this user. `cannotStore` hears the reason, once, when one cannot be kept.
 std::unique_ptr<ORVUserDefaults> standardUserDefaults(
     std::function<void(const std::string& reason)> cannotStore);
+
+/// The folders that storing a setting may write in; where the settings' own does not exist yet, the
+/// one that it will be made in. Empty where the system keeps settings elsewhere.
+std::vector<std::string> foldersOfUserDefaults();
 
 }  // namespace platform

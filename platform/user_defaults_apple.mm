@@ -53,4 +53,8 @@ std::unique_ptr<ORVUserDefaults> standardUserDefaults(std::function<void(const s
     return std::make_unique<DomainDefaults>();
 }
 
+std::vector<std::string> foldersOfUserDefaults() {
+    return {};
+}
+
 }  // namespace platform

@@ -22,10 +22,19 @@ namespace {
 
 constexpr std::size_t kLimitBytes = 64 * 1024;
 
-std::string configurationFolder() {
+std::string settingsFolder() {
     const char* variable = std::getenv("XDG_CONFIG_HOME");
     const bool isUsable = variable && *variable == '/';  // A relative one is to be ignored.
-    return isUsable ? variable : homeFolder() + "/.config";
+    return (isUsable ? variable : homeFolder() + "/.config") + "/brimlet";
+}
+
+std::string settingsPath() {
+    return settingsFolder() + "/defaults.json";
+}
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == 0 ? "/" : path.substr(0, slash);
 }
 
 /// Like mkdir -p.
@@ -53,12 +62,16 @@ bool writeDurably(int descriptor, std::string_view bytes) {
     return fsync(descriptor) == 0;
 }
 
-/// 0, or the errno of the failure.
-int replaceFile(const std::string& link, const std::string& content) {
-    // Whoever keeps settings elsewhere and links to them keeps the link.
+/// Whoever keeps settings elsewhere and links to them keeps the link.
+std::string targetOf(const std::string& link) {
     const std::unique_ptr<char, decltype(&std::free)> target(realpath(link.c_str(), nullptr),
                                                              &std::free);
-    const std::string path = target ? target.get() : link;
+    return target ? target.get() : link;
+}
+
+/// 0, or the errno of the failure.
+int replaceFile(const std::string& link, const std::string& content) {
+    const std::string path = targetOf(link);
     std::string temporary = path + ".XXXXXX";
     const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
     if (descriptor < 0) {
@@ -96,7 +109,7 @@ std::int64_t integerOf(const boost::json::value& value) {
 class FileDefaults final : public ORVUserDefaults {
 public:
     explicit FileDefaults(std::function<void(const std::string&)> cannotStore)
-        : folder_(configurationFolder() + "/brimlet"), cannotStore_(std::move(cannotStore)) {}
+        : path_(settingsPath()), cannotStore_(std::move(cannotStore)) {}
 
     std::optional<std::int64_t> integerForKey(std::string_view key) override {
         const boost::json::object settings = read();
@@ -107,22 +120,20 @@ public:
     void setInteger(std::int64_t value, std::string_view key) override {
         boost::json::object settings = read();
         settings[{key.data(), key.size()}] = value;
-        int failure = makeFolders(folder_) ? 0 : errno;
+        int failure = makeFolders(folderOf(path_)) ? 0 : errno;
         if (failure == 0) {
-            failure = replaceFile(path(), boost::json::serialize(settings) + "\n");
+            failure = replaceFile(path_, boost::json::serialize(settings) + "\n");
         }
         if (failure != 0 && !std::exchange(hasComplained_, true)) {
-            cannotStore_("cannot store the language in " + path() + ": " +
+            cannotStore_("cannot store the language in " + path_ + ": " +
                          posixError(failure).description);
         }
     }
 
 private:
-    std::string path() const { return folder_ + "/defaults.json"; }
-
     boost::json::object read() const {
         const auto files = makeFiles();
-        const auto text = contentsOfFile(*files, path(), kLimitBytes);
+        const auto text = contentsOfFile(*files, path_, kLimitBytes);
         if (!text) {
             return {};
         }
@@ -131,7 +142,7 @@ private:
         return !failure && settings.is_object() ? settings.get_object() : boost::json::object();
     }
 
-    const std::string folder_;
+    const std::string path_;
     const std::function<void(const std::string&)> cannotStore_;
     bool hasComplained_ = false;
 };
@@ -141,6 +152,14 @@ private:
 std::unique_ptr<ORVUserDefaults> standardUserDefaults(
     std::function<void(const std::string&)> cannotStore) {
     return std::make_unique<FileDefaults>(std::move(cannotStore));
+}
+
+std::vector<std::string> foldersOfUserDefaults() {
+    std::string folder = settingsFolder();
+    while (access(folder.c_str(), F_OK) != 0 && folder != "/") {
+        folder = folderOf(folder);
+    }
+    return {folder, folderOf(targetOf(settingsPath()))};
 }
 
 }  // namespace platform

@@ -220,7 +220,7 @@ TEST_F(AppKitTest, TheMenuBarShowsWhatTheApplicationDecides) {
     EXPECT_EQ("C– · --%", barTitle()) << "before the first refresh can end";
     expectEverythingShown();
     EXPECT_EQ(NSVariableStatusItemLength, statusItem().length);
-    ASSERT_EQ(1U, [ORVStandInStatusItems() count]);
+    ASSERT_EQ(1U, ORVStandInStatusItems().size());
     ASSERT_TRUE(runUntil([&] { return showsTitle("C1 · 47%"); }));
     EXPECT_EQ("Current task: Fix the tests", text(shown("titleItem").title));
     EXPECT_EQ("Brimlet, Context usage: 128k / 272k (47%), Compactions: 1",
@@ -390,7 +390,7 @@ TEST_F(AppKitTest, TheStatusItemLeavesWithItsController) {
     runFor(0.3);
     [delegate release];
     delegate = nil;
-    EXPECT_EQ(0U, [ORVStandInStatusItems() count]);
+    EXPECT_EQ(0U, ORVStandInStatusItems().size());
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ NSStatusItem* statusItem() {
     [timer invalidate];
     expect(ORVStandInActivationPolicy() == NSApplicationActivationPolicyAccessory,
            "no icon in the Dock");
-    expect([ORVStandInStatusItems() count] == 1, "one status item");
+    expect(ORVStandInStatusItems().size() == 1, "one status item");
     expect(ORVStandInSuiteName() == nil, "the program's own settings are opened without a name");
     NSMenu* menu = statusItem().menu;
     [menu performActionForItemAtIndex:menu.numberOfItems - 1];

@@ -23,7 +23,8 @@ protected:
     /// Runs a shell command line in which "$b" is the program; both outputs together.
     Outcome run(const std::string& command) {
         const std::string line = "export HOME='" + home.root() +
-                                 "' b='" BRIMLETCTL "'; ulimit -f 100000; exec 2>&1; " + command;
+                                 "' b='" BRIMLETCTL "'; cd; ulimit -f 100000; exec 2>&1; " +
+                                 command;
         std::FILE* pipe = popen(line.c_str(), "r");
         Outcome outcome;
         for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
@@ -156,5 +157,25 @@ TEST_F(BrimletctlTest, ExitStatuses) {
     EXPECT_EQ(1, run("$b titles --json >&-").status);
     EXPECT_EQ(1, run("test -e /dev/full || exit 1; $b titles --json >/dev/full").status);
 }
+
+#ifdef BRIMLET_IS_CONFINED
+
+TEST_F(BrimletctlTest, GivesUpWhatItNeverNeeds) {
+    const std::string confined = "grep -c '^Seccomp:.2$' /proc/$p/status";
+    EXPECT_EQ("1\n",
+              run("mkfifo in; $b query <in & p=$!; exec 3>in; sleep 0.2; " + confined).output);
+    EXPECT_EQ("1\n2\n", run("$b watch --json <in >lines & p=$!; exec 3>in; sleep 0.3; " + confined +
+                            "; grep -l '^Seccomp:.2$' /proc/$p/task/*/status | wc -l; kill $p")
+                            .output);
+    home.makeFolder(".config/brimlet");
+    const Outcome outcome =
+        run("$b watch --json <in >lines & exec 3>in; sleep 0.3; "
+            "mv .config/brimlet moved; mkdir .config/brimlet; "
+            "echo choose englishLanguageItem >&3; echo key q >&3; wait");
+    EXPECT_NE(std::string::npos, outcome.output.find("cannot store the language"))
+        << "the folder in the place of the one that it began with is another";
+}
+
+#endif
 
 }  // namespace

@@ -5,6 +5,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include <vector>
+
 #undef NS_UNAVAILABLE
 #define NS_UNAVAILABLE __attribute__((unavailable))
 
@@ -45,10 +47,10 @@ enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
 - (instancetype)initWithSuiteName:(NSString*)name;
 @end
 
-/// The status items in the menu bar.
-NSMutableArray* ORVStandInStatusItems(void);
+/// The status items in the menu bar, which does not keep them alive.
+std::vector<NSStatusItem*>& ORVStandInStatusItems();
 
-NSApplicationActivationPolicy ORVStandInActivationPolicy(void);
+NSApplicationActivationPolicy ORVStandInActivationPolicy();
 
 /// The name of the suite of user defaults opened last; nil before.
-NSString* ORVStandInSuiteName(void);
+NSString* ORVStandInSuiteName();

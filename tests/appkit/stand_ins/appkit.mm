@@ -53,6 +53,7 @@ NSString* suiteName = nil;
 }
 
 - (void)dealloc {
+    std::erase(ORVStandInStatusItems(), self);
     [button_ release];
     [menu_ release];
     [super dealloc];
@@ -79,12 +80,12 @@ NSString* suiteName = nil;
 - (NSStatusItem*)statusItemWithLength:(CGFloat)length {
     ORVStandInStatusItem* item = [[[ORVStandInStatusItem alloc] init] autorelease];
     item.length = length;
-    [ORVStandInStatusItems() addObject:item];
+    ORVStandInStatusItems().push_back(item);
     return item;
 }
 
 - (void)removeStatusItem:(NSStatusItem*)item {
-    [ORVStandInStatusItems() removeObjectIdenticalTo:item];
+    std::erase(ORVStandInStatusItems(), item);
 }
 
 @end
@@ -158,15 +159,15 @@ NSString* suiteName = nil;
 
 @end
 
-NSMutableArray* ORVStandInStatusItems(void) {
-    static NSMutableArray* items = [[NSMutableArray alloc] init];
+std::vector<NSStatusItem*>& ORVStandInStatusItems() {
+    static std::vector<NSStatusItem*> items;
     return items;
 }
 
-NSApplicationActivationPolicy ORVStandInActivationPolicy(void) {
+NSApplicationActivationPolicy ORVStandInActivationPolicy() {
     return activationPolicy;
 }
 
-NSString* ORVStandInSuiteName(void) {
+NSString* ORVStandInSuiteName() {
     return suiteName;
 }
