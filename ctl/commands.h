@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "platform/clock.h"
@@ -20,7 +21,9 @@ enum class Format { text, json };
 
 /// The sources of this user's data, for the time of one call.
 struct Sources {
-    Sources() : files(platform::makeFiles()), session(*files, clock), focus(*files) {}
+    Sources() : Sources(platform::makeFiles()) {}
+    explicit Sources(std::unique_ptr<ORVFiles> someFiles)
+        : files(std::move(someFiles)), session(*files, clock), focus(*files) {}
 
     std::unique_ptr<ORVFiles> files;
     ORVSystemClock clock;

@@ -27,4 +27,6 @@ check focus platform
 check app sessions focus l10n platform
 check shells app sessions focus l10n platform
 check ctl shells app sessions focus l10n platform
+check fuzz tests/support ctl shells app sessions focus l10n platform
+check fuzz/model fuzz platform
 exit "$failed"
