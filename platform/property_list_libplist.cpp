@@ -3,7 +3,6 @@
 #include <plist/plist.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 
 #include "platform/property_list.h"
@@ -43,13 +42,11 @@ std::optional<std::string> propertyListString(std::string_view bytes, const std:
     if (!value || plist_get_node_type(value) != PLIST_STRING) {
         return std::nullopt;
     }
-    char* text = nullptr;
-    plist_get_string_val(value, &text);
-    const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
-    if (!text || !isValidUTF8(text)) {
-        return std::nullopt;
-    }
-    return text;
+    // Not plist_get_string_val, which ends the program for a text with a zero byte.
+    std::uint64_t length = 0;
+    const char* text = plist_get_string_ptr(value, &length);
+    const std::string_view string(text ? text : "", text ? static_cast<std::size_t>(length) : 0);
+    return text && isValidUTF8(string) ? std::optional<std::string>(string) : std::nullopt;
 }
 
 }  // namespace platform

@@ -51,6 +51,17 @@ TEST(PropertyListTest, BinaryLists) {
     EXPECT_EQ(std::nullopt, found(binaryList({bytes({0xD1, 1, 9}), string("k")})));
 }
 
+TEST(PropertyListTest, ZeroCharacters) {
+    const std::string utf16 = bytes({0x62, 0, '1', 0, 0});
+    const std::string binary = binaryList({bytes({0xD1, 1, 2}), string("k"), utf16});
+    EXPECT_EQ(std::string("1\0", 2), platform::propertyListString(binary, "k"));
+    const std::string xml = "<plist><dict><key>k</key><string>1</string></dict></plist>";
+    std::string xmlWithZero = xml;
+    xmlWithZero.insert(xmlWithZero.find("1<"), 1, '\0');
+    EXPECT_EQ("1", platform::propertyListString(xml, "k"));
+    EXPECT_EQ(std::nullopt, platform::propertyListString(xmlWithZero, "k"));
+}
+
 TEST(PropertyListTest, ListsThatUnfoldWithoutBoundsAreRefused) {
     std::vector<std::string> doubling = {bytes({0xD1, 1, 3}), string("k"), string("v")};
     for (int i = 3; i < 40; ++i) {
