@@ -166,6 +166,7 @@ std::vector<std::string> FocusModel::walkedFiles(std::string& error) {
     std::stable_sort(found.begin(), found.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     std::vector<std::string> paths;
+    paths.reserve(found.size());
     for (const auto& [date, path] : found) {
         paths.push_back(path);
     }
