@@ -18,7 +18,9 @@ namespace {
 constexpr const char* kIndex = "/codex/session_index.jsonl";
 constexpr const char* kInfoPlist = "/Info.plist";
 
-std::string pickSessionFile(Input& input) {
+constexpr const char* kLog = "/logs/main.log";
+
+std::string anySessionFile(Input& input) {
     static const std::string kFolders[] = {"/codex/sessions/1/", "/codex/sessions/1/",
                                            "/codex/sessions/2/", "/codex/sessions/"};
     static const std::string kFirst = fuzz::kThreadIDs[0];
@@ -34,10 +36,10 @@ std::string pickSessionFile(Input& input) {
     return folder + input.pick(kNames);
 }
 
-std::string pickLogFile(Input& input) {
-    static const std::string kPaths[] = {"/logs/main.log", "/logs/a/main.log", "/logs/a/b.LOG",
-                                         "/logs/main.log.1"};
-    return input.pick(kPaths);
+std::string anyFile(Input& input) {
+    static const std::string kLogs[] = {kLog, "/logs/a/main.log", "/logs/a/b.LOG",
+                                        "/logs/main.log.1"};
+    return input.oneIn(2) ? input.pick(kLogs) : anySessionFile(input);
 }
 
 /// The world and both ways of looking at it.
@@ -46,6 +48,7 @@ public:
     explicit Play(Input& input) : input_(input) {
         files_.makeFolder("/codex/sessions");
         files_.makeFolder("/logs");
+        file_ = anySessionFile(input_);
     }
 
     void step() {
@@ -90,19 +93,26 @@ public:
     }
 
 private:
-    bool choosesSessions() { return !input_.oneIn(2); }
-
+    /// Mostly one of the two files that were picked last: what happens to a file matters when
+    /// something else happened to it before.
     std::string pickFile() {
-        return choosesSessions() ? pickSessionFile(input_) : pickLogFile(input_);
+        const std::size_t choice = input_.below(8);
+        if (choice > 3) {
+            std::swap(file_, otherFile_);
+        }
+        if (choice > 5) {
+            file_ = anyFile(input_);
+        }
+        return file_;
     }
 
     /// Appends a line, the beginning of one, or the rest of it.
     void extendFile() {
-        const bool isSession = choosesSessions();
-        const std::string path = isSession ? pickSessionFile(input_) : pickLogFile(input_);
+        const std::string path = pickFile();
         std::string bytes = std::exchange(unwritten_, "");
         if (bytes.empty()) {
-            bytes = (isSession ? fuzz::sessionLine(input_) : fuzz::logLine(input_)) + '\n';
+            bytes = path.starts_with("/logs") ? fuzz::logLine(input_) : fuzz::sessionLine(input_);
+            bytes += '\n';
         }
         if (input_.oneIn(4)) {
             const std::size_t cut = input_.byte() * bytes.size() / 256;
@@ -222,6 +232,8 @@ private:
     ORVCodexFocusLogSource focusSource_{files_, "/logs", kInfoPlist};
     model::SessionModel sessionModel_{files_, clock_, "/codex"};
     model::FocusModel focusModel_{files_, "/logs"};
+    std::string file_;
+    std::string otherFile_ = kLog;
     std::string version_;
     std::string unwritten_;  ///< The rest of a line that was begun.
 };
