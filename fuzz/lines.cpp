@@ -218,7 +218,7 @@ std::string sessionLine(Input& input) {
 }
 
 std::string logLine(Input& input) {
-    static constexpr const char* kTimes[] = {"1", "2", "3", "4", "5", "10", "", "\xC3\xA4"};
+    static constexpr const char* kTimes[] = {"1", "2", "2", "3", "3", "10", "", "\xC3\xA4"};
     std::string line = input.pick(kTimes);
     switch (input.below(8)) {
         case 0:

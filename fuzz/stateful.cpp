@@ -11,6 +11,7 @@
 #include "fuzz/lines.h"
 #include "fuzz/model/FocusModel.h"
 #include "fuzz/model/SessionModel.h"
+#include "fuzz/model/text.h"
 #include "sessions/ORVCodexSessionSource.h"
 
 namespace {
@@ -89,7 +90,11 @@ public:
             focus.starts_with("0 ") ? sessionModel_.task(focus.substr(2), error) : "none";
         check(focus, fuzz::described(found.focusState), error, found.error);
         check(task, fuzz::described(found.snapshot), error, found.error);
-        fuzz::expectEqual(version_, found.focusState.codexVersion().value_or(""), "version");
+        const MemoryFiles::Item* list = files_.find(kInfoPlist);
+        const bool canBeRead =
+            list && list->canBeOpened && list->damagedFrom > list->content.size();
+        fuzz::expectEqual(canBeRead ? version_ : "", found.focusState.codexVersion().value_or(""),
+                          "version");
     }
 
 private:
@@ -175,10 +180,21 @@ private:
         version_ = list.version;
     }
 
+    std::string pickDamaged() {
+        static const std::string kOthers[] = {kIndex, "/codex/sessions", "/logs", kInfoPlist};
+        switch (input_.below(8)) {
+            case 0:
+                return input_.pick(kOthers);
+            case 1:
+            case 2:
+                return model::folder(file_);  // What is in it goes away for a while.
+            default:
+                return pickFile();
+        }
+    }
+
     void damageSomething() {
-        static const std::string kFolders[] = {"/codex/sessions", "/codex/sessions/1", "/logs",
-                                               "/logs/a", kIndex};
-        MemoryFiles::Item* item = files_.find(input_.oneIn(3) ? input_.pick(kFolders) : pickFile());
+        MemoryFiles::Item* item = files_.find(pickDamaged());
         files_.bytesPerRead = input_.oneIn(4) ? 1 + input_.byte() : 100'000;
         if (!item) {
             return;
