@@ -66,6 +66,11 @@ public:
     int run(const std::function<void()>& turnEnd, const std::function<void()>& wakened,
             const std::function<void()>& cleanUp) {
         ORVPosixRunLoop& loop = surroundings.runLoop();
+        if (!loop.isUsable()) {
+            cleanUp();
+            complain("no file descriptors are left");
+            return kNothingToShow;
+        }
         loop.setTurnEnd(turnEnd);
         loop.setWakened([&loop, wakened] {
             if (endWasAskedFor) {

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <optional>
 #include <utility>
 
@@ -41,7 +40,7 @@ private:
 ORVPosixRunLoop::ORVPosixRunLoop() {
     int ends[2];
     if (pipe(ends) != 0) {
-        std::abort();  // Without a single descriptor left there is nothing to run.
+        return;
     }
     for (const int end : ends) {
         fcntl(end, F_SETFD, FD_CLOEXEC);
@@ -53,8 +52,10 @@ ORVPosixRunLoop::ORVPosixRunLoop() {
 
 ORVPosixRunLoop::~ORVPosixRunLoop() {
     dropClosures();
-    close(wakeReadEnd_);
-    close(wakeWriteEnd_);
+    if (isUsable()) {
+        close(wakeReadEnd_);
+        close(wakeWriteEnd_);
+    }
 }
 
 void ORVPosixRunLoop::post(Closure closure) {

@@ -16,6 +16,9 @@ public:
     ORVPosixRunLoop();
     ~ORVPosixRunLoop() override;
 
+    /// False where the process had no descriptors left. The loop must then not be run.
+    bool isUsable() const { return wakeReadEnd_ >= 0; }
+
     void post(Closure closure) override;
     void postAfter(std::chrono::milliseconds delay, Closure closure) override;
     std::unique_ptr<ORVRepeatingTimer> makeRepeatingTimer(std::chrono::milliseconds interval,

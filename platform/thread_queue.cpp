@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 namespace platform {
@@ -35,7 +36,11 @@ struct ThreadQueue::State {
 };
 
 ThreadQueue::ThreadQueue() : state_(std::make_shared<State>()) {
-    std::thread([state = state_] { state->run(); }).detach();
+    try {
+        std::thread([state = state_] { state->run(); }).detach();
+    } catch (const std::system_error&) {
+        hasThread_ = false;
+    }
 }
 
 ThreadQueue::~ThreadQueue() {

@@ -12,6 +12,9 @@ class ThreadQueue final : public ORVSerialQueue {
 public:
     ThreadQueue();
 
+    /// False where the system gave no thread. Nothing that is dispatched then runs.
+    bool hasThread() const { return hasThread_; }
+
     /// Closures that have not begun are dropped. The thread is left behind where it hangs in one,
     /// and touches nothing of the queue again.
     ~ThreadQueue() override;
@@ -23,6 +26,7 @@ public:
 
 private:
     struct State;
+    bool hasThread_ = true;
     std::shared_ptr<State> state_;  ///< Shared with the thread, which may outlive the queue.
 };
 

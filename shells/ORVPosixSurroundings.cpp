@@ -1,15 +1,22 @@
 #include "shells/ORVPosixSurroundings.h"
 
+#include <cstdlib>
+
 #include "platform/confinement.h"
 
 ORVPosixSurroundings::ORVPosixSurroundings(std::unique_ptr<ORVFiles> files,
                                            std::function<void(const std::string&)> complain)
     : files_(std::move(files)),
-      userDefaults_(platform::standardUserDefaults(std::move(complain))) {}
+      userDefaults_(platform::standardUserDefaults(complain)),
+      complain_(std::move(complain)) {}
 
 std::unique_ptr<ORVSerialQueue> ORVPosixSurroundings::makeSerialQueue(const std::string&) {
     auto queue = std::make_unique<platform::ThreadQueue>();
     queue_ = queue.get();
+    if (!queue->hasThread()) {
+        complain_("cannot start a thread");
+        runLoop_.stop(EXIT_FAILURE);
+    }
     queue->dispatch(platform::giveUpWriting);  // It reads what others wrote, and stores nothing.
     return queue;
 }

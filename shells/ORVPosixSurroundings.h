@@ -11,7 +11,8 @@
 /// The application's surroundings in a process without a desktop: a loop over descriptors and a thread.
 class ORVPosixSurroundings final : public ORVAppSurroundings {
 public:
-    /// `complain` hears what the user should know, at most once each.
+    /// `complain` hears what the user should know, at most once each. Without a thread for the queue
+    /// the loop ends at once.
     ORVPosixSurroundings(std::unique_ptr<ORVFiles> files,
                          std::function<void(const std::string&)> complain);
 
@@ -31,5 +32,6 @@ private:
     ORVSystemClock clock_;
     std::unique_ptr<ORVFiles> files_;
     std::unique_ptr<ORVUserDefaults> userDefaults_;
+    const std::function<void(const std::string&)> complain_;
     platform::ThreadQueue* queue_ = nullptr;  ///< Owned by the delegate.
 };

@@ -160,6 +160,12 @@ TEST_F(BrimletctlTest, ExitStatuses) {
 
 #ifdef BRIMLET_IS_CONFINED
 
+TEST_F(BrimletctlTest, TellsThatNothingIsLeftToRunWith) {
+    const Outcome outcome = run("prlimit --nofile=4 $b watch --json </dev/null");
+    EXPECT_EQ("brimletctl: no file descriptors are left\n", outcome.output);
+    EXPECT_EQ(1, outcome.status);
+}
+
 TEST_F(BrimletctlTest, GivesUpWhatItNeverNeeds) {
     const std::string confined = "grep -c '^Seccomp:.2$' /proc/$p/status";
     EXPECT_EQ("1\n",
