@@ -9,8 +9,8 @@
 #include "platform/descriptors.h"
 #include "platform/run_loop.h"
 
-/// A run loop of a process without a desktop: sleeps until a closure is posted, a timer is due, or a descriptor that is
-/// watched has something to say.
+/// A run loop of a process without a desktop: sleeps until a closure is posted, a timer is due, or
+/// a descriptor that is watched has something to say.
 class ORVPosixRunLoop final : public ORVRunLoop {
 public:
     ORVPosixRunLoop();

@@ -8,11 +8,12 @@
 #include "platform/posix_run_loop.h"
 #include "platform/thread_queue.h"
 
-/// The application's surroundings in a process without a desktop: a loop over descriptors and a thread.
+/// The application's surroundings in a process without a desktop: a loop over descriptors and a
+/// thread.
 class ORVPosixSurroundings final : public ORVAppSurroundings {
 public:
-    /// `complain` hears what the user should know, at most once each. Without a thread for the queue
-    /// the loop ends at once.
+    /// `complain` hears what the user should know, at most once each. Without a thread for the
+    /// queue the loop ends at once.
     ORVPosixSurroundings(std::unique_ptr<ORVFiles> files,
                          std::function<void(const std::string&)> complain);
 
