@@ -12,8 +12,8 @@ check() { # FOLDER ALLOWED...
     for other in "$@"; do
         allowed="$allowed|$other"
     done
-    wrong=$(grep -rnE '^#include "' "$folder" --include='*.h' --include='*.cpp' --include='*.mm' |
-        grep -vE "#include \"($allowed)/[^\"]*\.h\"" || true)
+    wrong=$(grep -rnE '^#(include|import) "' "$folder" --include='*.h' --include='*.cpp' --include='*.mm' |
+        grep -vE "#(include|import) \"($allowed)/[^\"]*\.h\"" || true)
     if [ -n "$wrong" ]; then
         echo "$wrong"
         failed=1
@@ -29,4 +29,12 @@ check shells app sessions focus l10n platform
 check ctl shells app sessions focus l10n platform
 check fuzz tests/support ctl shells app sessions focus l10n platform
 check fuzz/model fuzz platform
+
+# A Mac's frameworks stand where nothing else of the program can meet them.
+wrong=$(grep -rnE '^#(import|include) <(AppKit|Foundation)/' app ctl focus fuzz l10n platform sessions shells |
+    grep -vE '^(shells/appkit/|platform/[a-z_]*_apple\.)' || true)
+if [ -n "$wrong" ]; then
+    echo "$wrong"
+    failed=1
+fi
 exit "$failed"

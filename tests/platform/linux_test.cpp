@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -179,6 +180,8 @@ TEST_F(ConfinementTest, NetworkAndProcessesAreRefused) {
                   std::thread([&ran] { ran = true; }).join();
                   expect(7, ran);
                   expect(8, pipe(ends) == 0 && write(ends[1], "x", 1) == 1);
+                  rlimit core{1, 1};
+                  expect(10, getrlimit(RLIMIT_CORE, &core) == 0 && core.rlim_max == 0);
                   expect(9, access(home.path("open/old").c_str(), R_OK) == 0);
               }));
 }
