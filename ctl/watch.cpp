@@ -54,7 +54,8 @@ void handle(int signalNumber, void (*handler)(int)) {
 class Session {
 public:
     explicit Session(std::function<void(const std::string&)> hearComplaint)
-        : surroundings(platform::makeFiles(), std::move(hearComplaint)),
+        : surroundings(platform::makeFiles(), platform::standardUserDefaults(hearComplaint),
+                       hearComplaint),
           delegate(std::make_shared<ORVAppDelegate>(surroundings)) {
         signalledLoop = &surroundings.runLoop();
         for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {

@@ -3,6 +3,7 @@
 
 #include <sys/event.h>
 #include <sys/select.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -27,13 +28,21 @@ bool fitsSet(int descriptor) {
     return descriptor >= 0 && descriptor < FD_SETSIZE;
 }
 
-/// Hears of the readers that left. Asks for more bytes to read than an output ever has, which
-/// leaves the end of the other side alone. A terminal that hangs up sends a signal instead.
+/// Of other outputs a kernel queue tells more than was asked; and a terminal that hangs up sends a
+/// signal.
+bool hasReader(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 &&
+           (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
+}
+
+/// Hears of the readers that left. What a socket's other side sends is never enough to be told of.
+/// That a named pipe's reader left shows with the next write only.
 class HangUpQueue {
 public:
     explicit HangUpQueue(const std::vector<ORVWatchedDescriptor>& watched) {
         for (const ORVWatchedDescriptor& watch : watched) {
-            if (watch.interest != Interest::hangUpOnly) {
+            if (watch.interest != Interest::hangUpOnly || !hasReader(watch.descriptor)) {
                 continue;
             }
             if (queue_ < 0) {
@@ -58,9 +67,10 @@ public:
         const timespec atOnce{0, 0};
         struct kevent event;
         while (kevent(queue_, nullptr, 0, &event, 1, &atOnce) == 1) {
+            const bool hasHungUp = (event.flags & EV_EOF) != 0;
             for (ORVWatchedDescriptor& watch : watched) {
                 watch.isReady =
-                    watch.isReady || (watch.interest == Interest::hangUpOnly &&
+                    watch.isReady || (hasHungUp && watch.interest == Interest::hangUpOnly &&
                                       static_cast<uintptr_t>(watch.descriptor) == event.ident);
             }
             struct kevent removal;

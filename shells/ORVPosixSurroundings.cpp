@@ -5,9 +5,10 @@
 #include "platform/confinement.h"
 
 ORVPosixSurroundings::ORVPosixSurroundings(std::unique_ptr<ORVFiles> files,
+                                           std::unique_ptr<ORVUserDefaults> userDefaults,
                                            std::function<void(const std::string&)> complain)
     : files_(std::move(files)),
-      userDefaults_(platform::standardUserDefaults(complain)),
+      userDefaults_(std::move(userDefaults)),
       complain_(std::move(complain)) {}
 
 std::unique_ptr<ORVSerialQueue> ORVPosixSurroundings::makeSerialQueue(const std::string&) {

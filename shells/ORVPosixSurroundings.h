@@ -15,6 +15,7 @@ public:
     /// `complain` hears what the user should know, at most once each. Without a thread for the
     /// queue the loop ends at once.
     ORVPosixSurroundings(std::unique_ptr<ORVFiles> files,
+                         std::unique_ptr<ORVUserDefaults> userDefaults,
                          std::function<void(const std::string&)> complain);
 
     ORVUserDefaults& standardUserDefaults() override { return *userDefaults_; }

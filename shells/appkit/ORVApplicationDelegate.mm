@@ -16,7 +16,11 @@
     surroundings_->runLoop().setTurnEnd([controller = controller_] { [controller update]; });
 }
 
+/// AppKit ends the process while the application still runs, so this is for tests.
 - (void)dealloc {
+    if (surroundings_) {
+        surroundings_->runLoop().setTurnEnd(nullptr);
+    }
     [[NSProcessInfo processInfo] endActivity:activity_];
     [activity_ release];
     [controller_ release];

@@ -2,6 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include <optional>
 #include <vector>
 
 #include "app/ORVAppDelegate.h"

@@ -118,7 +118,10 @@ void updateItem(ORVShownMenuItem& pair) {
     if (![button.toolTip isEqualToString:toolTip]) {
         button.toolTip = toolTip;
     }
-    button.accessibilityLabel = stringOf(delegate_->spokenStatus());
+    NSString* label = stringOf(delegate_->spokenStatus());
+    if (![button.accessibilityLabel isEqualToString:label]) {
+        button.accessibilityLabel = label;
+    }
     for (ORVShownMenuItem& pair : items_) {
         updateItem(pair);
     }

@@ -9,6 +9,9 @@ int main() {
         NSApplication* application = [NSApplication sharedApplication];
         ORVApplicationDelegate* delegate = [[ORVApplicationDelegate alloc] init];
         application.delegate = delegate;
+        // Arguments mean nothing; AppKit would take them for documents.
+        [[NSUserDefaults standardUserDefaults]
+            registerDefaults:@{@"NSTreatUnknownArgumentsAsOpen" : @"NO"}];
         [application setActivationPolicy:NSApplicationActivationPolicyAccessory];
         [application run];
         [delegate release];

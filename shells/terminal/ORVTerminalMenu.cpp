@@ -40,7 +40,7 @@ void dieOf(int signalNumber) {
 /// What the terminal wants to be sent for this; "" when it cannot do it. The library answers -1 in
 /// place of a text for a name that stands for no text. A pause, "$<…>" at the end, is cut off.
 std::string_view capability(const char* name) {
-    const char* sequence = tigetstr(name);
+    const char* sequence = tigetstr(const_cast<char*>(name));  // Older headers want it so.
     if (reinterpret_cast<std::intptr_t>(sequence) == -1 || !sequence) {
         return {};
     }
@@ -79,7 +79,9 @@ bool setUpCharacters() {
     const std::string name = wanted ? wanted : "UTF-8";
     const bool namesUTF8 =
         name.find("UTF-8") != std::string::npos || name.find("utf8") != std::string::npos;
-    return namesUTF8 && setlocale(LC_CTYPE, "C.UTF-8") != nullptr && isUTF8();
+    // A Mac knows the second.
+    return namesUTF8 && (setlocale(LC_CTYPE, "C.UTF-8") || setlocale(LC_CTYPE, "UTF-8")) &&
+           isUTF8();
 }
 
 /// Also while it is disabled, so that the selection stays when feedback ends; choosing it then does

@@ -46,6 +46,37 @@
 }
 @end
 
+/// Counts the changes that menus tell of while it lives.
+@interface ORVChangeCounter : NSObject {
+    int changes_;
+}
+@property(nonatomic, readonly) int changes;
+@end
+
+@implementation ORVChangeCounter
+
+@synthesize changes = changes_;
+
+- (instancetype)init {
+    self = [super init];
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(count:)
+                                                 name:NSMenuDidChangeItemNotification
+                                               object:nil];
+    return self;
+}
+
+- (void)dealloc {
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
+    [super dealloc];
+}
+
+- (void)count:(NSNotification*)notification {
+    ++changes_;
+}
+
+@end
+
 /// Without one GNUstep enables every item of a menu that is not open before it looks for a key.
 @interface ORVMenuDelegate : NSObject
 @end
@@ -281,8 +312,19 @@ TEST_F(AppKitTest, TheRefreshCommandShowsWhatBecomesOfIt) {
     expectEverythingShown();
     EXPECT_TRUE(pressCommandAnd(@"r"));
     EXPECT_EQ("Checking…", barTitle());
+}
+
+TEST_F(AppKitTest, WhatDidNotChangeIsNotSetAgain) {
+    launch();
+    ASSERT_TRUE(runUntil([&] { return showsTitle("C1 · 47%"); }));
+    NSImage* image = shown("languageItem").image;
+    ORVChangeCounter* counter = [[[ORVChangeCounter alloc] init] autorelease];
+    [delegate.controller update];
     choose("titleItem");
-    expectEverythingShown();
+    EXPECT_EQ(0, counter.changes);
+    EXPECT_EQ(image, shown("languageItem").image);
+    choose("chineseLanguageItem");
+    EXPECT_LT(10, counter.changes);
 }
 
 TEST_F(AppKitTest, FeedbackThatIsOvertakenEndsNothing) {
@@ -387,9 +429,14 @@ TEST_F(AppKitTest, AnyBytesCanBeATitle) {
 
 TEST_F(AppKitTest, TheStatusItemLeavesWithItsController) {
     launch();
+    EXPECT_EQ(NSActivityUserInitiatedAllowingIdleSystemSleep, ORVStandInActivity())
+        << "it may not nap";
     runFor(0.3);
+    NSStatusItem* item = [[statusItem() retain] autorelease];
+    EXPECT_TRUE(item);
     [delegate release];
     delegate = nil;
+    EXPECT_EQ(0U, ORVStandInActivity());
     EXPECT_EQ(0U, ORVStandInStatusItems().size());
 }
 

@@ -63,6 +63,10 @@ NSStatusItem* statusItem() {
     expect(ORVStandInStatusItems().size() == 1, "one status item");
     expect(ORVStandInSuiteName() == nil, "the program's own settings are opened without a name");
     NSMenu* menu = statusItem().menu;
+    NSMenu* languages = [menu itemAtIndex:10].submenu;
+    [languages performActionForItemAtIndex:2];
+    expect([[NSUserDefaults standardUserDefaults] integerForKey:@"BrimletLanguageMode"] == 2,
+           "a language is stored");
     [menu performActionForItemAtIndex:menu.numberOfItems - 1];
     expect(false, "choosing the last item quits");
 }

@@ -2,17 +2,9 @@
 
 #include "l10n/ORVLocalizer.h"
 #include "platform/unicode.h"
+#include "tests/support/MemoryDefaults.h"
 
 namespace {
-
-class OneNumber final : public ORVUserDefaults {
-public:
-    std::optional<std::int64_t> stored;
-    std::optional<std::int64_t> integerForKey(std::string_view key) override {
-        return key == "BrimletLanguageMode" ? stored : std::nullopt;
-    }
-    void setInteger(std::int64_t value, std::string_view) override { stored = value; }
-};
 
 TEST(StringTablesTest, BothLanguagesHaveTheSameKeysAndPlaceholders) {
     const ORVStringTable& english = ORVLocalizer::englishStrings();
@@ -60,7 +52,7 @@ TEST(LocalizerTest, TheFirstPreferredLanguageDecides) {
                            {{"zh-CN-x"}, 2},
                            {{"de"}, 1}};
     for (const Case& c : kCases) {
-        OneNumber defaults;
+        MemoryDefaults defaults;
         const ORVLocalizer localizer(defaults, c.languages);
         EXPECT_EQ(c.effective, localizer.effectiveLanguageMode());
         EXPECT_EQ(c.effective == 2 ? "zh_CN" : "en_US", localizer.locale());
@@ -68,7 +60,7 @@ TEST(LocalizerTest, TheFirstPreferredLanguageDecides) {
 }
 
 TEST(LocalizerTest, TheChoiceIsStoredAndAWrongOneIsLeftAlone) {
-    OneNumber defaults;
+    MemoryDefaults defaults;
     for (const std::int64_t wrong : {7, -1, 3}) {
         defaults.stored = wrong;
         ORVLocalizer localizer(defaults, {"zh-CN"});

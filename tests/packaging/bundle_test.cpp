@@ -17,6 +17,9 @@ TEST(BundleTest, SaysWhoItIs) {
     };
     EXPECT_EQ("com.orvellan.brimlet", value("CFBundleIdentifier"));
     EXPECT_EQ("13.0", value("LSMinimumSystemVersion"));
+    EXPECT_EQ("Brimlet", value("CFBundleExecutable"));
+    EXPECT_EQ("Brimlet", value("CFBundleIconFile"));
+    EXPECT_EQ("APPL", value("CFBundlePackageType"));
     for (const char* key : {"CFBundleShortVersionString", "CFBundleVersion"}) {
         EXPECT_EQ(BRIMLET_VERSION, value(key));
     }

@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <limits>
+#include <string>
+#include <vector>
 
 #include "platform/preferred_languages.h"
 #include "platform/property_list.h"

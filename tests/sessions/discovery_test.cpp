@@ -46,6 +46,9 @@ TEST_F(SessionDiscoveryTest, LettersBeyondASCIIAreComparedWithoutCase) {
     home.append(".codex/sessions/ÄRGER-ß.jsonl", "");
     home.append(".codex/sessions/\xC4rger.jsonl", "");
     EXPECT_EQ(1U, source.sessionURLsForThreadID("ärger-SS", &error).size());
+    if (!home.holds(".codex/sessions/\xC4rger.jsonl")) {
+        return;  // A Mac's disk has names in UTF-8 only.
+    }
     EXPECT_EQ(1U, source.sessionURLsForThreadID("\xC4RGER", &error).size());
     EXPECT_EQ(2U, source.sessionURLsForThreadID("rGer", &error).size());
 }

@@ -10,6 +10,7 @@
 #include "shells/ORVLineOutput.h"
 #include "shells/ORVPosixSurroundings.h"
 #include "shells/terminal/menu_rows.h"
+#include "tests/support/MemoryDefaults.h"
 
 namespace {
 
@@ -47,10 +48,10 @@ private:
 
 TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
     setenv("LANGUAGE", "en", 1);
-    setenv("XDG_CONFIG_HOME", "/dev/null", 1);
     auto owned = std::make_unique<HangingFiles>();
     HangingFiles& files = *owned;
-    ORVPosixSurroundings surroundings(std::move(owned), [](const std::string&) {});
+    ORVPosixSurroundings surroundings(std::move(owned), std::make_unique<MemoryDefaults>(),
+                                      [](const std::string&) {});
     auto app = std::make_shared<ORVAppDelegate>(surroundings);
     ORVPosixRunLoop& loop = surroundings.runLoop();
     std::string titles;
@@ -66,7 +67,6 @@ TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
     while (!surroundings.readerIsIdle()) {
     }
     loop.dropClosures();
-    unsetenv("XDG_CONFIG_HOME");
 }
 
 TEST(RunLoopTest, DelaysAndTimersComeInTheirOrder) {

@@ -31,6 +31,10 @@ TemporaryHome::~TemporaryHome() {
     fs::remove_all(root_, ignored);
 }
 
+bool TemporaryHome::holds(std::string_view name) const {
+    return fs::exists(path(name));
+}
+
 void TemporaryHome::write(std::string_view name, std::string_view content) {
     put(path(name), content, std::ios::trunc);
 }

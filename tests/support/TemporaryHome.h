@@ -15,6 +15,8 @@ public:
     const std::string& root() const { return root_; }
     std::string path(std::string_view name) const { return root_ + '/' + std::string(name); }
 
+    bool holds(std::string_view name) const;  ///< Whether something stands there.
+
     void write(std::string_view name, std::string_view content);  ///< In the same file.
     void append(std::string_view name, std::string_view content);
     void replace(std::string_view name, std::string_view content);  ///< By another file.

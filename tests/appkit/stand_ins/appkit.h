@@ -52,5 +52,8 @@ std::vector<NSStatusItem*>& ORVStandInStatusItems();
 
 NSApplicationActivationPolicy ORVStandInActivationPolicy();
 
+/// What the process is busy with; 0 for nothing.
+NSActivityOptions ORVStandInActivity();
+
 /// The name of the suite of user defaults opened last; nil before.
 NSString* ORVStandInSuiteName();

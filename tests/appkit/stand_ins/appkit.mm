@@ -15,6 +15,7 @@ std::map<const void*, BOOL> hiddenItems;
 std::map<const void*, NSString*> labels;
 NSApplicationActivationPolicy activationPolicy = NSApplicationActivationPolicyRegular;
 NSString* suiteName = nil;
+NSActivityOptions activity = 0;
 
 }  // namespace
 
@@ -135,6 +136,22 @@ NSString* suiteName = nil;
 }
 @end
 
+@interface NSProcessInfo (StandIn)
+@end
+
+@implementation NSProcessInfo (StandIn)
+
+- (id)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason {
+    activity = options;
+    return [[[NSObject alloc] init] autorelease];
+}
+
+- (void)endActivity:(id<NSObject>)ended {
+    activity = 0;
+}
+
+@end
+
 /// In GNUstep the common modes are a mode like any other, in which no loop ever runs.
 @interface NSRunLoop (StandIn)
 @end
@@ -166,6 +183,10 @@ std::vector<NSStatusItem*>& ORVStandInStatusItems() {
 
 NSApplicationActivationPolicy ORVStandInActivationPolicy() {
     return activationPolicy;
+}
+
+NSActivityOptions ORVStandInActivity() {
+    return activity;
 }
 
 NSString* ORVStandInSuiteName() {

@@ -1,0 +1,3 @@
+// The whole of Boost.JSON.
+
+#include <boost/json/src.hpp>
