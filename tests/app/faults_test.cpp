@@ -42,8 +42,7 @@ public:
         home_.append("logs/old/a.log", activity(1, kOther) + padding());
         home_.append("logs/b.log", kWindow + route(2, kTask));
         home_.append(file("a"), records::compacted("w1") + padding() + records::compacted("w2"));
-        home_.append(file("b"),
-                     records::compacted("w2") + padding() + records::tokenCount("136000"));
+        home_.append(file("b"), records::compacted("w2") + records::tokenCount("136000"));
         home_.append(file("c", kOther), records::tokenCount("27200"));
         home_.setDate(file("a"), 1'000);
         home_.write("codex/session_index.jsonl", records::title(kTask, "first"));
@@ -55,7 +54,7 @@ public:
         home_.append("logs/b.log", route(3, kOther) + "4 half of a li");
         home_.replace("logs/old/a.log", activity(2, kOther) + padding() + activity(5, kTask));
         home_.append(file("b"), records::compacted("w3") + records::tokenCount("68000") + "{\"ty");
-        home_.replace(file("a"), records::compacted("w4") + records::compacted("w1") + padding());
+        home_.replace(file("a"), records::compacted("w4") + records::compacted("w1"));
         home_.setDate(file("a"), 1'000);
         home_.write(file("c", kOther), "");
         home_.write("codex/session_index.jsonl", records::title(kTask, "second"));
@@ -72,6 +71,7 @@ public:
     ManualClock clock;
 
 private:
+    /// More than is read at once.
     static std::string padding() { return records::message(std::string(140'000, 'x')); }
     static std::string file(const std::string& name, const std::string& task = kTask) {
         return "codex/sessions/" + name + "/" + task + ".jsonl";
