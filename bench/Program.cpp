@@ -130,6 +130,12 @@ std::optional<std::string> Program::ask(const std::string& query,
     return send(query) ? readLine(patience) : std::nullopt;
 }
 
+void Program::drain() {
+    std::array<char, 64 * 1024> bytes{};
+    while (read(output_, bytes.data(), bytes.size()) > 0) {
+    }
+}
+
 ProcessFigures Program::figures() const {
     const std::string folder = "/proc/" + std::to_string(process_);
     ProcessFigures figures;

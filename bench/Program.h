@@ -44,6 +44,9 @@ public:
     /// One line in, one line out.
     std::optional<std::string> ask(const std::string& query, std::chrono::milliseconds patience);
 
+    /// Throws away what it writes until its output ends.
+    void drain();
+
     /// As they are at this moment; zeros for a program that has ended.
     ProcessFigures figures() const;
 
