@@ -11,6 +11,7 @@
 #include "focus/ORVCodexFocusState.h"
 #include "focus/ORVFocusLogEvent.h"
 #include "focus/ORVFocusLogFileState.h"
+#include "platform/chunk_buffer.h"
 #include "platform/files.h"
 
 /// Decides from the desktop application's logs which task is in view.
@@ -89,4 +90,5 @@ private:
     std::unordered_map<std::string, ORVFocusLogFileState> fileStates_;  ///< By path.
     std::shared_ptr<ORVFocusLogEvent> latestEvent_;  ///< Shared with the window that it came from.
     bool initialized_ = false;
+    platform::ChunkBuffer chunkBuffer_;  ///< Holds memory only while the logs are read.
 };

@@ -6,7 +6,6 @@
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "focus/markers.h"
-#include "platform/chunk_buffer.h"
 #include "platform/marked_lines.h"
 #include "platform/paths.h"
 
@@ -53,6 +52,7 @@ bool ORVCodexFocusLogSource::consumeUpdatesFromLogURLs(const std::vector<std::st
     for (const std::string& url : urls) {
         allRead = consumeUpdates(url, error) && allRead;
     }
+    chunkBuffer_.releaseMemory();
     const std::unordered_set<std::string_view> seen(urls.begin(), urls.end());
     std::erase_if(fileStates_, [&](const auto& entry) { return !seen.contains(entry.first); });
     return allRead;
@@ -88,10 +88,10 @@ bool ORVCodexFocusLogSource::updateFileState(ORVFocusLogFileState& fileState,
     if (!file) {
         return false;
     }
-    const platform::ChunkBuffer buffer;
     bool isRead = true;
     while (fileState.offset < fileSize) {
-        const auto chunk = buffer.read(*file, fileState.offset, fileSize - fileState.offset, error);
+        const auto chunk =
+            chunkBuffer_.read(*file, fileState.offset, fileSize - fileState.offset, error);
         if (!chunk || chunk->empty()) {
             // Unlike a session file, a log that ends early counts as not read.
             isRead = false;

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kPageBytes = 16 * 1024;  // Of the largest pages of the systems in view.
 }
 
-ChunkBuffer::ChunkBuffer() {
+void ChunkBuffer::takeMemory() {
     void* bytes = nullptr;
     const std::size_t size = kChunkBytes + ORVByteBuffer::kReadableBytesBeyond;
     if (posix_memalign(&bytes, kPageBytes, size) != 0) {
@@ -22,7 +22,10 @@ ChunkBuffer::ChunkBuffer() {
 }
 
 std::optional<std::string_view> ChunkBuffer::read(ORVOpenFile& file, std::uint64_t offset,
-                                                  std::uint64_t limit, ORVErrorSlot* error) const {
+                                                  std::uint64_t limit, ORVErrorSlot* error) {
+    if (!bytes_) {
+        takeMemory();
+    }
     const auto capacity = static_cast<std::size_t>(std::min<std::uint64_t>(limit, kChunkBytes));
     const auto count = file.readAt(offset, bytes_.get(), capacity, error);
     if (!count) {

@@ -10,7 +10,10 @@
 
 namespace platform {
 
-/// Memory for reading a file piece by piece.
+/// Memory for reading files piece by piece.
+///
+/// It is taken by the first read and kept from file to file until it is given back: taking it costs
+/// more than reading a small file.
 ///
 /// It begins at a page: a system call that copies to an address a few bytes behind one, where an
 /// allocator puts every large block, runs at a quarter of the speed. Its size suits a processor's
@@ -19,15 +22,17 @@ class ChunkBuffer {
 public:
     static constexpr std::size_t kChunkBytes = 128 * 1024;
 
-    ChunkBuffer();
-
     /// The next bytes of the file from `offset`, at most `limit` and at most a chunk; empty at the
     /// file's end. None with the system's error when it cannot be read. Valid until the next read,
     /// and followed by ORVByteBuffer::kReadableBytesBeyond readable bytes.
     std::optional<std::string_view> read(ORVOpenFile& file, std::uint64_t offset,
-                                         std::uint64_t limit, ORVErrorSlot* error) const;
+                                         std::uint64_t limit, ORVErrorSlot* error);
+
+    void releaseMemory() { bytes_.reset(); }
 
 private:
+    void takeMemory();
+
     struct Free {
         void operator()(char* bytes) const;
     };

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/chunk_buffer.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "sessions/ORVAgentSessionSource.h"
@@ -63,7 +64,8 @@ public:
     /// Reads what the file holds between the state's offset and `fileSize`, a size read from the
     /// file's attributes just before, and interprets the complete lines in it. False with the
     /// system's error when the file cannot be opened or read; what was read before stays. A file
-    /// that turns out shorter is no failure: the next call tries again.
+    /// that turns out shorter is no failure: the next call tries again. Keeps the memory for
+    /// reading for the task's next file; a snapshot's end gives it back.
     bool updateState(ORVSessionParseState& state, const std::string& url, std::uint64_t fileSize,
                      ORVErrorSlot* error);
 
@@ -90,6 +92,11 @@ public:
     static bool dataContainsUTF8(std::string_view data, std::string_view needle);
 
 private:
+    // Snapshots (snapshots.cpp)
+    std::optional<ORVSessionSnapshot> readFile(const std::string& url, ORVErrorSlot* error);
+    std::optional<ORVSessionSnapshot> readTask(const std::vector<std::string>& urls,
+                                               std::string_view threadID, ORVErrorSlot* error);
+
     // Discovery (discovery.cpp)
     std::string sessionsFolder() const;
     bool cachedSearchHolds(const std::string& threadID);
@@ -103,6 +110,7 @@ private:
     // Reading (reading.cpp)
     ORVSessionParseState& stateForFile(const std::string& url, const ORVFileAttributes& attributes);
     void consumeCompleteLinesFromState(ORVSessionParseState& state, std::string_view chunk);
+    void releaseReadingMemory();
 
     // Interpretation (interpretation.cpp)
     static void consumeCompaction(const std::optional<std::string>& identifier,
@@ -113,6 +121,7 @@ private:
     const ORVClock& clock_;
     const std::string codexHome_;
     ORVJSONReader jsonReader_;
+    platform::ChunkBuffer chunkBuffer_;
 
     /// By path. An entry is replaced when its file is, and never removed.
     std::unordered_map<std::string, ORVSessionParseState> states_;

@@ -3,7 +3,6 @@
 // a state belongs to one file: another inode or a shorter file starts a fresh one.
 
 #include "platform/bytes.h"
-#include "platform/chunk_buffer.h"
 #include "platform/marked_lines.h"
 #include "sessions/ORVCodexSessionSource.h"
 
@@ -38,10 +37,9 @@ bool ORVCodexSessionSource::updateState(ORVSessionParseState& state, const std::
     if (!file) {
         return false;
     }
-    const platform::ChunkBuffer buffer;
     bool isRead = true;
     while (state.offset < fileSize) {
-        const auto chunk = buffer.read(*file, state.offset, fileSize - state.offset, error);
+        const auto chunk = chunkBuffer_.read(*file, state.offset, fileSize - state.offset, error);
         if (!chunk || chunk->empty()) {
             // Unlike a log file, a session file that ends early counts as read.
             isRead = chunk.has_value();
@@ -51,8 +49,12 @@ bool ORVCodexSessionSource::updateState(ORVSessionParseState& state, const std::
         consumeCompleteLinesFromState(state, *chunk);
     }
     state.pendingData.shrink();
-    jsonReader_.releaseMemory();
     return isRead;
+}
+
+void ORVCodexSessionSource::releaseReadingMemory() {
+    chunkBuffer_.releaseMemory();
+    jsonReader_.releaseMemory();
 }
 
 void ORVCodexSessionSource::consumeCompleteLinesFromState(ORVSessionParseState& state,

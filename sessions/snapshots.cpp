@@ -9,6 +9,13 @@
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForSessionURL(
     const std::string& url, ORVErrorSlot* error) {
+    auto snapshot = readFile(url, error);
+    releaseReadingMemory();
+    return snapshot;
+}
+
+std::optional<ORVSessionSnapshot> ORVCodexSessionSource::readFile(const std::string& url,
+                                                                  ORVErrorSlot* error) {
     const auto attributes = files_.attributesOfItem(url, error);
     if (!attributes || !attributes->size || !attributes->modifiedAt) {
         return std::nullopt;
@@ -33,12 +40,19 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForThreadID(
         storeErrorIfEmpty(error, sessions::threadSessionMissing());
         return std::nullopt;
     }
+    auto snapshot = readTask(urls, threadID, error);
+    releaseReadingMemory();
+    return snapshot;
+}
+
+std::optional<ORVSessionSnapshot> ORVCodexSessionSource::readTask(
+    const std::vector<std::string>& urls, std::string_view threadID, ORVErrorSlot* error) {
     std::unordered_set<std::string> compactions;
     std::int64_t anonymousCompactions = 0;
     std::optional<ORVCompactionStatus> signalledStatus;
     std::optional<ORVSessionSnapshot> newest;
     for (const std::string& url : urls) {
-        newest = snapshotForSessionURL(url, error);
+        newest = readFile(url, error);
         if (!newest) {
             return std::nullopt;
         }
