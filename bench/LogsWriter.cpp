@@ -2,6 +2,7 @@
 
 #include <array>
 #include <ctime>
+#include <fstream>
 
 namespace {
 
@@ -17,32 +18,37 @@ LogsWriter::LogsWriter(WrittenFiles& files, Random& random, std::string folder)
 }
 
 void LogsWriter::step() {
-    if (current().size > kLargestLog || random_.oneIn(2000)) {
+    if (current().size > kLargestLog || current().isAmbiguous || random_.oneIn(2000)) {
         rotate();
     } else if (random_.oneIn(1000)) {
         changeLog();
     } else {
         // Now and then a second copy of the application writes as well.
-        WrittenFile& log = random_.oneIn(10) ? logs_[random_.below(logs_.size())] : current();
+        WrittenFile& other = logs_[random_.below(logs_.size())];
+        WrittenFile& log = random_.oneIn(10) && !other.isAmbiguous ? other : current();
         files_.appendInPieces(log, log.rest.empty() ? lines() : "", random_);
     }
 }
 
 void LogsWriter::changeLog() {
     WrittenFile& log = logs_[random_.below(logs_.size())];
-    switch (random_.below(4)) {
+    switch (random_.below(3)) {
         case 0:
             files_.remove(log);
             break;
         case 1:
-            files_.shorten(log, random_.below(log.size + 1));
-            break;
-        case 2:
-            files_.rewrite(log, lines());
+            shorten(log);
             break;
         default:
             files_.replace(log, lines());
     }
+}
+
+/// To nothing, or to some whole lines.
+void LogsWriter::shorten(WrittenFile& log) {
+    std::string text(random_.oneIn(3) ? 0 : random_.below(log.size + 1), '\0');
+    std::ifstream(log.path).read(text.data(), static_cast<std::streamsize>(text.size()));
+    files_.shorten(log, text.rfind('\n') + 1);
 }
 
 /// The log gets another name, which may be that of a log as well, and a new one begins under its
@@ -73,12 +79,15 @@ void LogsWriter::rotate() {
 
 void LogsWriter::settle() {
     for (WrittenFile& log : logs_) {
-        if (log.isAmbiguous) {
-            files_.replace(log, lines());
-        }
         files_.finishLine(log);
     }
+    if (current().isAmbiguous) {
+        rotate();
+    }
     files_.append(current(), showLines());
+    for (WrittenFile& log : logs_) {
+        log.isAmbiguous = false;  // Seen by every reader before the next step.
+    }
 }
 
 std::string LogsWriter::lines() {

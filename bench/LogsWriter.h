@@ -9,6 +9,10 @@
 
 /// Writes the desktop application's logs: lines of every kind, rotated, shortened, replaced and
 /// deleted all the time. Every line has a later time stamp than the ones before it.
+///
+/// No reader may meet the rest of a line where it expects a line: what stands first there is a time
+/// stamp, which may be later than all that follow. So a log is shortened to whole lines, and not
+/// written again before the readers have seen it short.
 class LogsWriter {
 public:
     LogsWriter(WrittenFiles& files, Random& random, std::string folder);
@@ -19,12 +23,13 @@ public:
     /// task, or "/" for a task that is yet to begin.
     void setRouteInView(const std::string& path) { routeInView_ = path; }
 
-    /// As SessionsWriter's. The last line is about the window in view, so whatever a reader knew of
-    /// files that are gone, nothing is newer.
+    /// Ends every line. The last line is about the window in view, so whatever a reader knew of
+    /// files that are gone, nothing is newer. Every reader must have looked before the next step.
     void settle();
 
 private:
     void changeLog();
+    void shorten(WrittenFile& log);
     void rotate();
     WrittenFile& current() { return logs_.back(); }
     std::string lines();

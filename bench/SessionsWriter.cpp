@@ -73,7 +73,7 @@ void SessionsWriter::appendRecord(WrittenFile& file) {
 }
 
 std::string SessionsWriter::record() {
-    if (random_.oneIn(80)) {
+    if (random_.oneIn(15)) {
         return compaction();
     }
     return random_.oneIn(5) ? records::tokenCount(std::to_string(random_.below(272'000)))
@@ -99,7 +99,7 @@ std::string SessionsWriter::compaction() {
     std::string line = records::compacted(
         random_.oneIn(2) ? "w" + number : "common" + std::to_string(random_.below(9)));
     const std::string_view history = R"("replacement_history":[)";
-    const std::uint64_t limit = random_.oneIn(20) ? kLongestMessage : 50'000;
+    const std::uint64_t limit = random_.oneIn(100) ? kLongestMessage : 10'000;
     const std::string_view text = partOf(filler_, random_.below(limit));
     line.insert(line.find(history) + history.size(),
                 R"({"role":"user","content":")" + std::string(text) + R"("},)");

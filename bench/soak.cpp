@@ -248,7 +248,9 @@ bool Soak::run() {
             halfway_ = figures();
         }
     }
-    rest(restSeconds);
+    if (!hasFailed_) {
+        rest(restSeconds);
+    }
     atEnd_ = figures();
     judge();
     printTable();
@@ -354,8 +356,10 @@ void Soak::judge() {
             fail(name + std::string(" holds more at the end than halfway"));
         }
     };
-    judgeReader("watch", halfway_.watch, atEnd_.watch);
-    judgeReader("query", halfway_.query, atEnd_.query);
+    if (!hasFailed_) {  // Else there may have been no halfway.
+        judgeReader("watch", halfway_.watch, atEnd_.watch);
+        judgeReader("query", halfway_.query, atEnd_.query);
+    }
     lastLine_.reset();
     if (watch_->end() != 0 || query_->end() != 0) {
         fail("a reader's exit status is not 0");
