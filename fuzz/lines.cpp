@@ -168,9 +168,13 @@ std::string appearance(Input& input) {
     return input.pick(kAppearances);
 }
 
-std::string identifier(Input& input) {
-    static constexpr const char* kIdentifiers[] = {"1", "2", "1", "2", "1", "2", "1", ""};
-    return input.pick(kIdentifiers);
+/// The fields of a window's two identifiers, mostly the same in all lines about it.
+std::string window(Input& input, const char* webContentsField, const char* windowField) {
+    static constexpr const char* kWebContents[] = {"1", "1", "1", "1", "1", "2", "2", ""};
+    static constexpr const char* kWindows[] = {"1", "2", ""};
+    const std::string webContents = input.pick(kWebContents);
+    const std::string windowID = input.oneIn(8) ? input.pick(kWindows) : "1";
+    return field(input, webContentsField, webContents) + field(input, windowField, windowID);
 }
 
 std::string threadID(Input& input) {
@@ -178,8 +182,7 @@ std::string threadID(Input& input) {
 }
 
 std::string renderFields(Input& input) {
-    return field(input, "rendererWebContentsId", identifier(input)) +
-           field(input, "rendererWindowId", identifier(input)) +
+    return window(input, "rendererWebContentsId", "rendererWindowId") +
            field(input, "rendererWindowAppearance", appearance(input)) +
            field(input, "rendererWindowFocused", flag(input)) +
            field(input, "rendererWindowVisible", flag(input));
@@ -191,8 +194,7 @@ std::string ownerSyncFields(Input& input) {
     const std::string route =
         input.oneIn(3) ? input.pick(kRoutes) : "/local/" + threadID(input) + input.pick(kEnds);
     return " [electron-message-handler] IAB_LIFECYCLE received browser sidebar owner sync " +
-           field(input, "originWebContentsId", identifier(input)) +
-           field(input, "windowId", identifier(input)) + field(input, "ownerRoutePath", route);
+           window(input, "originWebContentsId", "windowId") + field(input, "ownerRoutePath", route);
 }
 
 std::string activityFields(Input& input) {

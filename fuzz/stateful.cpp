@@ -111,12 +111,12 @@ private:
         return file_;
     }
 
-    /// Appends a line, the beginning of one, or the rest of it.
+    /// Appends the rest of a line that was begun, or lines, the last one whole or not.
     void extendFile() {
         const std::string path = pickFile();
         std::string bytes = std::exchange(unwritten_, "");
-        if (bytes.empty()) {
-            bytes = path.starts_with("/logs") ? fuzz::logLine(input_) : fuzz::sessionLine(input_);
+        for (std::size_t lines = bytes.empty() ? 1 + input_.below(4) : 0; lines > 0; --lines) {
+            bytes += path.starts_with("/logs") ? fuzz::logLine(input_) : fuzz::sessionLine(input_);
             bytes += '\n';
         }
         if (input_.oneIn(4)) {
