@@ -1,7 +1,19 @@
 #include "fuzz/lines.h"
 
+#include <initializer_list>
+
 namespace fuzz {
 namespace {
+
+/// Unlike the operands of a plus sign, the pieces are made from left to right: an input means the
+/// same with every compiler.
+std::string joined(std::initializer_list<std::string> pieces) {
+    std::string text;
+    for (const std::string& piece : pieces) {
+        text += piece;
+    }
+    return text;
+}
 
 /// The value as JSON with its key; "" where it is not to be there.
 std::string member(const std::string& key, const std::string& value) {
@@ -9,11 +21,12 @@ std::string member(const std::string& key, const std::string& value) {
 }
 
 /// An object of members, each with its comma.
-std::string object(std::string members) {
-    if (members.ends_with(',')) {
-        members.pop_back();
+std::string object(std::initializer_list<std::string> members) {
+    std::string text = joined(members);
+    if (text.ends_with(',')) {
+        text.pop_back();
     }
-    return '{' + members + '}';
+    return '{' + text + '}';
 }
 
 std::string number(Input& input) {
@@ -73,7 +86,7 @@ std::string name(Input& input) {
 }
 
 std::string tokenCount(Input& input) {
-    const std::string last = object(member("input_tokens", smallNumber(input)));
+    const std::string last = object({member("input_tokens", smallNumber(input))});
     std::string info = member("last_token_usage", input.oneIn(8) ? "null" : last);
     std::string payload = "\"type\":\"token_count\",";
     const std::size_t place = input.below(8);
@@ -83,8 +96,8 @@ std::string tokenCount(Input& input) {
     if (place > 4) {
         payload += member("model_context_window", smallNumber(input));
     }
-    payload += member("info", place == 6 ? "null" : object(info));
-    return object("\"type\":\"event_msg\"," + member("payload", object(payload)));
+    payload += member("info", place == 6 ? "null" : object({info}));
+    return object({member("type", "\"event_msg\""), member("payload", object({payload}))});
 }
 
 std::string compacted(Input& input) {
@@ -93,17 +106,17 @@ std::string compacted(Input& input) {
         return place == broken ? number(input) : std::string(usual);
     };
     const std::string payload =
-        member("message", value(0, "\"\"")) + member("window_number", value(1, "1")) +
-        member("first_window_id", value(2, "\"w0\"")) +
-        member("previous_window_id", value(3, "\"w0\"")) + member("window_id", name(input)) +
-        member("replacement_history", value(4, "[{\"compact\":1}]"));
-    return object(member("ordinal", value(5, "35")) + "\"type\":\"compacted\"," +
-                  member("payload", broken == 6 ? "null" : object(payload)));
+        object({member("message", value(0, "\"\"")), member("window_number", value(1, "1")),
+                member("first_window_id", value(2, "\"w0\"")),
+                member("previous_window_id", value(3, "\"w0\"")), member("window_id", name(input)),
+                member("replacement_history", value(4, "[{\"compact\":1}]"))});
+    return object({member("ordinal", value(5, "35")), member("type", "\"compacted\""),
+                   member("payload", broken == 6 ? "null" : payload)});
 }
 
 std::string contextCompacted(Input& input) {
-    return object(member("timestamp", name(input)) +
-                  R"("type":"event_msg","payload":{"type":"context_compacted"})");
+    return object({member("timestamp", name(input)), member("type", "\"event_msg\""),
+                   member("payload", R"({"type":"context_compacted"})")});
 }
 
 /// Something that speaks of compactions or token counts without being one that is known.
@@ -127,10 +140,10 @@ std::string talk(Input& input) {
                                               "\"message\"",
                                               "\"token_\\u0063ount\"",
                                               "\"context_comp\\u0061cted\""};
-    const std::string payload = member("type", input.pick(kEvents));
-    return object(member("type", input.pick(kTypes)) +
-                  member("payload", input.oneIn(4) ? number(input) : object(payload)) +
-                  member("text", input.oneIn(2) ? "\"compact token_count\"" : "\"\""));
+    const std::string payload = object({member("type", input.pick(kEvents))});
+    return object({member("type", input.pick(kTypes)),
+                   member("payload", input.oneIn(4) ? number(input) : payload),
+                   member("text", input.oneIn(2) ? "\"compact token_count\"" : "\"\"")});
 }
 
 std::string record(Input& input) {
@@ -174,7 +187,8 @@ std::string window(Input& input, const char* webContentsField, const char* windo
     static constexpr const char* kWindows[] = {"1", "2", ""};
     const std::string webContents = input.pick(kWebContents);
     const std::string windowID = input.oneIn(8) ? input.pick(kWindows) : "1";
-    return field(input, webContentsField, webContents) + field(input, windowField, windowID);
+    return joined(
+        {field(input, webContentsField, webContents), field(input, windowField, windowID)});
 }
 
 std::string threadID(Input& input) {
@@ -182,26 +196,28 @@ std::string threadID(Input& input) {
 }
 
 std::string renderFields(Input& input) {
-    return window(input, "rendererWebContentsId", "rendererWindowId") +
-           field(input, "rendererWindowAppearance", appearance(input)) +
-           field(input, "rendererWindowFocused", flag(input)) +
-           field(input, "rendererWindowVisible", flag(input));
+    return joined({window(input, "rendererWebContentsId", "rendererWindowId"),
+                   field(input, "rendererWindowAppearance", appearance(input)),
+                   field(input, "rendererWindowFocused", flag(input)),
+                   field(input, "rendererWindowVisible", flag(input))});
 }
 
 std::string ownerSyncFields(Input& input) {
     static constexpr const char* kRoutes[] = {"/", "/settings", "/?a", "/local/x", ""};
     static constexpr const char* kEnds[] = {"", "?a=1#b", "#b?", "/x"};
-    const std::string route =
-        input.oneIn(3) ? input.pick(kRoutes) : "/local/" + threadID(input) + input.pick(kEnds);
-    return " [electron-message-handler] IAB_LIFECYCLE received browser sidebar owner sync " +
-           window(input, "originWebContentsId", "windowId") + field(input, "ownerRoutePath", route);
+    const std::string route = input.oneIn(3)
+                                  ? input.pick(kRoutes)
+                                  : joined({"/local/", threadID(input), input.pick(kEnds)});
+    return joined({" [electron-message-handler] IAB_LIFECYCLE received browser sidebar owner sync ",
+                   window(input, "originWebContentsId", "windowId"),
+                   field(input, "ownerRoutePath", route)});
 }
 
 std::string activityFields(Input& input) {
     static constexpr const char* kConversations[] = {"client-new-thread:1", "x", ""};
     const std::string conversation = input.oneIn(3) ? input.pick(kConversations) : threadID(input);
-    return " thread_stream_view_activity_changed" + field(input, "active", flag(input)) +
-           field(input, "conversationId", conversation);
+    return joined({" thread_stream_view_activity_changed", field(input, "active", flag(input)),
+                   field(input, "conversationId", conversation)});
 }
 
 }  // namespace
@@ -221,29 +237,25 @@ std::string sessionLine(Input& input) {
 
 std::string logLine(Input& input) {
     static constexpr const char* kTimes[] = {"1", "2", "2", "3", "3", "10", "", "\xC3\xA4"};
-    std::string line = input.pick(kTimes);
+    const std::string time = input.pick(kTimes);
     switch (input.below(8)) {
         case 0:
         case 1:
-            line += ownerSyncFields(input);
-            break;
+            return time + ownerSyncFields(input);
         case 2:
         case 3:
-            line += renderFields(input);
-            break;
+            return time + renderFields(input);
         case 4:
-            line += activityFields(input) + renderFields(input);
-            break;
+            return joined({time, activityFields(input), renderFields(input)});
         case 5:
-            line += activityFields(input) + field(input, "rendererWindowAppearance", "primary") +
-                    field(input, "rendererWindowFocused", "true");
-            break;
+            return joined({time, activityFields(input),
+                           field(input, "rendererWindowAppearance", "primary"),
+                           field(input, "rendererWindowFocused", "true")});
         case 6:
-            return mangled(line + activityFields(input) + renderFields(input), input);
+            return mangled(joined({time, activityFields(input), renderFields(input)}), input);
         default:
-            return mangled(line + ownerSyncFields(input), input);
+            return mangled(time + ownerSyncFields(input), input);
     }
-    return line;
 }
 
 std::string indexLine(Input& input) {
@@ -252,9 +264,9 @@ std::string indexLine(Input& input) {
     static constexpr const char* kEnds[] = {"\n", "\n", "\n", "\r", "\r\n", "\xC2\x85", ",", ""};
     const std::string id =
         input.oneIn(8) ? "\"notes.jsonl\"" : '"' + std::string(input.pick(kThreadIDs)) + '"';
-    return object(member("id", id) + member("thread_name", input.pick(kTitles)) +
-                  member("title", input.pick(kTitles))) +
-           input.pick(kEnds);
+    const std::string entry = object({member("id", id), member("thread_name", input.pick(kTitles)),
+                                      member("title", input.pick(kTitles))});
+    return entry + input.pick(kEnds);
 }
 
 PropertyList propertyList(Input& input) {
