@@ -17,6 +17,8 @@
 #include "platform/preferred_languages.h"
 #include "platform/time_of_day.h"
 #include "platform/user_defaults.h"
+#include "shells/ORVPosixSurroundings.h"
+#include "tests/support/MemoryDefaults.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace {
@@ -202,6 +204,19 @@ TEST_F(ConfinementTest, WritingIsRefusedButInTheFolderGiven) {
                       expect(9, open(old.c_str(), O_RDONLY) >= 0);
                   }).join();
                   expect(10, canWrite("open/another"));
+              }));
+}
+
+TEST_F(ConfinementTest, TheThreadThatReadsForTheMenuWritesNothing) {
+    EXPECT_EQ(0, confined([&] {
+                  ORVPosixSurroundings surroundings(platform::makeFiles(),
+                                                    std::make_unique<MemoryDefaults>(),
+                                                    [](const std::string&) {});
+                  const auto queue = surroundings.makeSerialQueue("");
+                  queue->dispatch([&] { expect(1, !canWrite("open/other")); });
+                  while (!surroundings.readerIsIdle()) {
+                  }
+                  expect(2, canWrite("open/other"));
               }));
 }
 
