@@ -12,6 +12,7 @@
 #include "fuzz/ManualClock.h"
 #include "fuzz/MemoryFiles.h"
 #include "tests/support/ManualRunLoop.h"
+#include "tests/support/MemoryDefaults.h"
 
 /// An application's surroundings in memory; its threads run when they are told to.
 class ManualSurroundings final : public ORVAppSurroundings {
@@ -54,16 +55,7 @@ private:
         Closures& dispatched_;
     };
 
-    class Defaults final : public ORVUserDefaults {
-    public:
-        std::optional<std::int64_t> integerForKey(std::string_view) override { return stored_; }
-        void setInteger(std::int64_t value, std::string_view) override { stored_ = value; }
-
-    private:
-        std::optional<std::int64_t> stored_;
-    };
-
     ManualClock clock_;
-    Defaults defaults_;
+    MemoryDefaults defaults_;
     Closures dispatched_;
 };
