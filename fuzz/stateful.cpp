@@ -21,6 +21,8 @@ constexpr const char* kInfoPlist = "/Info.plist";
 
 constexpr const char* kLog = "/logs/main.log";
 
+constexpr std::size_t kLimitFileBytes = 4096;  // A file written twice over and over has no end.
+
 std::string anySessionFile(Input& input) {
     static const std::string kFolders[] = {"/codex/sessions/1/", "/codex/sessions/1/",
                                            "/codex/sessions/2/", "/codex/sessions/"};
@@ -129,7 +131,7 @@ private:
 
     void changeFile(const std::string& path) {
         const MemoryFiles::Item* item = files_.find(path);
-        const std::string content = item ? item->content : "";
+        const std::string content = item ? item->content.substr(0, kLimitFileBytes) : "";
         const std::size_t position = input_.byte() * content.size() / 256;
         switch (input_.below(7)) {
             case 0:
