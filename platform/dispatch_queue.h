@@ -28,7 +28,8 @@ private:
     dispatch_queue_s* queue_;
 };
 
-/// Run on the main thread by its run loop in the common modes, so also while a menu is open. Any thread.
+/// Run on the main thread by its run loop in the common modes, so also while a menu is open. Any
+/// thread.
 void postToMainQueue(std::function<void()> closure);
 void postToMainQueueAfter(std::chrono::nanoseconds delay, std::function<void()> closure);
 
