@@ -53,7 +53,7 @@ void handle(int signalNumber, void (*handler)(int)) {
 /// The application and what every surface needs of it.
 class Session {
 public:
-    explicit Session(std::function<void(const std::string&)> hearComplaint)
+    explicit Session(const std::function<void(const std::string&)>& hearComplaint)
         : surroundings(platform::makeFiles(), platform::standardUserDefaults(hearComplaint),
                        hearComplaint),
           delegate(std::make_shared<ORVAppDelegate>(surroundings)) {
