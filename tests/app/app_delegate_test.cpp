@@ -138,6 +138,7 @@ TEST_F(AppDelegateTest, StartsWithTheLoadingTextsAndAFirstRefreshBeforeTheTimer)
         "Last session update: --\n",
         lines());
     EXPECT_EQ("C– · --%", app->statusLine());
+    EXPECT_EQ("Brimlet, C– · --%", app->spokenStatus());
     std::string layout;
     for (const auto& top : app->statusItem().menu->items) {
         layout += (top->isSeparator() ? "-" : top->field) + (top->keyEquivalent) + " ";
@@ -161,6 +162,7 @@ TEST_F(AppDelegateTest, OneRefreshAtATimeEveryTwoSeconds) {
     EXPECT_EQ(kTaskLines, lines());
     EXPECT_EQ("C1 · 47%", barTitle());
     EXPECT_EQ("C1 · 47%  Fix the tests", app->statusLine());
+    EXPECT_EQ("Brimlet, Context usage: 128k / 272k (47%), Compactions: 1", app->spokenStatus());
     around.loop.advance(milliseconds(1'999));
     EXPECT_TRUE(around.dispatched.empty());
     around.loop.advance(milliseconds(1));
@@ -172,6 +174,8 @@ TEST_F(AppDelegateTest, OneRefreshAtATimeEveryTwoSeconds) {
         lines())
         << "a stale snapshot is never kept";
     EXPECT_EQ("C– · --%  Current task data is temporarily unavailable", app->statusLine());
+    EXPECT_EQ("Brimlet, C– · --%, Current task data is temporarily unavailable",
+              app->spokenStatus());
 }
 
 TEST_F(AppDelegateTest, WhyThereIsNoTask) {
@@ -240,6 +244,7 @@ TEST_F(AppDelegateTest, TheRefreshCommandTellsHowItEnds) {
     EXPECT_EQ("Checking…", app->statusLine());
     finishRefresh();
     EXPECT_EQ("✓ Check Complete", barTitle());
+    EXPECT_EQ("Brimlet, ✓ Check Complete", app->spokenStatus());
     EXPECT_EQ("checkmark.circle.fill", item("refreshItem").image->name);
     EXPECT_EQ(kTaskLines, lines()) << "the lines below show the results already";
     around.notes.clear();
