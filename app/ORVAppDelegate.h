@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/ORVAppSurroundings.h"
+#include "app/ORVAppHost.h"
 #include "app/ORVMenu.h"
 #include "app/refresh_step.h"
 #include "l10n/ORVLocalizer.h"
@@ -19,8 +19,8 @@
 /// made. Closures under way keep it alive.
 class ORVAppDelegate final : public std::enable_shared_from_this<ORVAppDelegate> {
 public:
-    /// The surroundings must outlive the delegate.
-    explicit ORVAppDelegate(ORVAppSurroundings& surroundings) : surroundings_(surroundings) {}
+    /// The host must outlive the delegate.
+    explicit ORVAppDelegate(ORVAppHost& host) : host_(host) {}
 
     // Refresh cycle (refresh_cycle.cpp)
 
@@ -96,7 +96,7 @@ private:
 
     std::string text(std::string_view key) const { return localizer_->stringForKey(key); }
 
-    ORVAppSurroundings& surroundings_;
+    ORVAppHost& host_;
 
     ORVStatusItem statusItem_;
 

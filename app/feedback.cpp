@@ -32,7 +32,7 @@ void ORVAppDelegate::showManualRefreshFeedbackForKey(const std::string& key) {
 void ORVAppDelegate::finishManualRefreshFeedbackWithKey(const std::string& key) {
     showManualRefreshFeedbackForKey(key);
     const std::uint64_t generation = manualRefreshFeedbackGeneration_;
-    surroundings_.runLoop().postAfter(kFeedbackTime, [self = shared_from_this(), generation] {
+    host_.runLoop().postAfter(kFeedbackTime, [self = shared_from_this(), generation] {
         if (self->manualRefreshFeedbackGeneration_ != generation) {
             return;  // Newer feedback owns the display.
         }

@@ -52,7 +52,7 @@ void ORVAppDelegate::chooseItem(ORVMenuItem& item) {
             refresh(&item);
             break;
         case ORVMenuAction::terminate:
-            surroundings_.terminate();
+            host_.terminate();
             break;
         case ORVMenuAction::changeLanguage:
             changeLanguage(item);

@@ -10,17 +10,17 @@ constexpr std::chrono::milliseconds kRefreshInterval(2'000);
 }  // namespace
 
 void ORVAppDelegate::applicationDidFinishLaunching() {
-    localizer_ = std::make_unique<ORVLocalizer>(surroundings_.standardUserDefaults());
-    refreshQueue_ = surroundings_.makeSerialQueue("com.orvellan.brimlet.refresh");
+    localizer_ = std::make_unique<ORVLocalizer>(host_.standardUserDefaults());
+    refreshQueue_ = host_.makeSerialQueue("com.orvellan.brimlet.refresh");
     statusItem_.title = text("status_loading");
     statusItem_.toolTip = "Brimlet";
     statusItem_.menu = buildMenu();
     applyLocalization();
-    source_ = std::make_unique<ORVCodexSessionSource>(surroundings_.files(), surroundings_.clock());
-    focusSource_ = std::make_unique<ORVCodexFocusLogSource>(surroundings_.files());
+    source_ = std::make_unique<ORVCodexSessionSource>(host_.files(), host_.clock());
+    focusSource_ = std::make_unique<ORVCodexFocusLogSource>(host_.files());
     refresh(nullptr);
     refreshTimer_ =
-        surroundings_.runLoop().makeRepeatingTimer(kRefreshInterval, [this] { refresh(nullptr); });
+        host_.runLoop().makeRepeatingTimer(kRefreshInterval, [this] { refresh(nullptr); });
 }
 
 void ORVAppDelegate::refresh(const ORVMenuItem* sender) {
@@ -35,8 +35,7 @@ void ORVAppDelegate::refresh(const ORVMenuItem* sender) {
     refreshQueue_->dispatch([self = shared_from_this()] {
         auto results = std::make_shared<ORVRefreshResults>(
             app::refreshFromFiles(*self->focusSource_, *self->source_));
-        self->surroundings_.runLoop().post(
-            [self, results] { self->finishRefresh(std::move(*results)); });
+        self->host_.runLoop().post([self, results] { self->finishRefresh(std::move(*results)); });
     });
 }
 

@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <string>
 
-#include "platform/marker_search.h"
-#include "platform/unicode.h"
 #include "sessions/json_object.h"
+#include "text/marker_search.h"
+#include "text/unicode.h"
 
 namespace {
 
@@ -104,7 +104,7 @@ BENCHMARK(readRecordThoroughly);
 void checkUTF8(benchmark::State& state) {
     const std::string chunk = makeChunk();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(platform::isValidUTF8(chunk));
+        benchmark::DoNotOptimize(text::isValidUTF8(chunk));
     }
     setBytes(state, chunk.size());
 }

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "app/status_title.h"
-#include "platform/unicode.h"
-#include "shells/json/json_text.h"
+#include "text/json_text.h"
+#include "text/unicode.h"
 
 namespace ctl {
 namespace {
@@ -34,9 +34,9 @@ std::string usageJSON(const std::optional<ORVContextUsage>& usage) {
     if (!usage) {
         return "null";
     }
-    return json::object({{"inputTokens", std::to_string(usage->inputTokens())},
-                         {"contextWindow", std::to_string(usage->contextWindow())},
-                         {"percentage", json::number(usage->percentage())}});
+    return text::objectJSON({{"inputTokens", std::to_string(usage->inputTokens())},
+                             {"contextWindow", std::to_string(usage->contextWindow())},
+                             {"percentage", text::numberJSON(usage->percentage())}});
 }
 
 }  // namespace
@@ -45,55 +45,55 @@ std::string snapshotJSON(const std::optional<ORVSessionSnapshot>& snapshot) {
     if (!snapshot) {
         return "null";
     }
-    return json::object({{"title", json::quoted(snapshot->title())},
-                         {"threadID", json::quoted(snapshot->threadID())},
-                         {"file", json::quoted(snapshot->fileURL())},
-                         {"compactionCount", std::to_string(snapshot->compactionCount())},
-                         {"contextUsage", usageJSON(snapshot->contextUsage())},
-                         {"contextStatus", std::to_string(snapshot->contextStatus())},
-                         {"compactionStatus", std::to_string(snapshot->compactionStatus())},
-                         {"lastUpdated", json::quoted(utcText(snapshot->lastUpdated()))}});
+    return text::objectJSON({{"title", text::quotedJSON(snapshot->title())},
+                             {"threadID", text::quotedJSON(snapshot->threadID())},
+                             {"file", text::quotedJSON(snapshot->fileURL())},
+                             {"compactionCount", std::to_string(snapshot->compactionCount())},
+                             {"contextUsage", usageJSON(snapshot->contextUsage())},
+                             {"contextStatus", std::to_string(snapshot->contextStatus())},
+                             {"compactionStatus", std::to_string(snapshot->compactionStatus())},
+                             {"lastUpdated", text::quotedJSON(utcText(snapshot->lastUpdated()))}});
 }
 
 std::string focusJSON(const ORVCodexFocusState& focusState) {
-    return json::object({{"status", std::to_string(focusState.status())},
-                         {"threadID", json::quotedOrNull(focusState.threadID())},
-                         {"codexVersion", json::quotedOrNull(focusState.codexVersion())},
-                         {"message", json::quoted(focusState.message())}});
+    return text::objectJSON({{"status", std::to_string(focusState.status())},
+                             {"threadID", text::quotedJSONOrNull(focusState.threadID())},
+                             {"codexVersion", text::quotedJSONOrNull(focusState.codexVersion())},
+                             {"message", text::quotedJSON(focusState.message())}});
 }
 
 std::string titlesJSON(const Titles& titles) {
     std::vector<std::pair<std::string_view, std::string>> fields;
     for (const auto& [threadID, title] : titles) {
-        fields.emplace_back(threadID, json::quoted(title));
+        fields.emplace_back(threadID, text::quotedJSON(title));
     }
-    return json::object(fields);
+    return text::objectJSON(fields);
 }
 
 std::string errorJSON(const ORVErrorSlot& error) {
     if (!error) {
         return "null";
     }
-    return json::object({{"domain", json::quoted(error->domain)},
-                         {"code", std::to_string(error->code)},
-                         {"description", json::quoted(error->description)}});
+    return text::objectJSON({{"domain", text::quotedJSON(error->domain)},
+                             {"code", std::to_string(error->code)},
+                             {"description", text::quotedJSON(error->description)}});
 }
 
 std::string snapshotAnswer(const std::optional<ORVSessionSnapshot>& snapshot,
                            const ORVErrorSlot& error) {
-    return json::object({{"snapshot", snapshotJSON(snapshot)}, {"error", errorJSON(error)}});
+    return text::objectJSON({{"snapshot", snapshotJSON(snapshot)}, {"error", errorJSON(error)}});
 }
 
 std::string focusAnswer(const ORVCodexFocusState& focusState, const ORVErrorSlot& error) {
-    return json::object({{"focus", focusJSON(focusState)}, {"error", errorJSON(error)}});
+    return text::objectJSON({{"focus", focusJSON(focusState)}, {"error", errorJSON(error)}});
 }
 
 std::string titlesAnswer(const Titles& titles) {
-    return json::object({{"titles", titlesJSON(titles)}});
+    return text::objectJSON({{"titles", titlesJSON(titles)}});
 }
 
 std::string snapshotText(const ORVSessionSnapshot& snapshot) {
-    return app::statusItemTitle(snapshot) + "  " + platform::forTerminal(snapshot.title());
+    return app::statusItemTitle(snapshot) + "  " + text::forTerminal(snapshot.title());
 }
 
 std::string focusText(const ORVCodexFocusState& focusState) {
@@ -115,7 +115,7 @@ std::string focusText(const ORVCodexFocusState& focusState) {
 std::string titlesText(const Titles& titles) {
     std::string text;
     for (const auto& [threadID, title] : titles) {
-        text += platform::forTerminal(threadID) + '\t' + platform::forTerminal(title) + '\n';
+        text += text::forTerminal(threadID) + '\t' + text::forTerminal(title) + '\n';
     }
     return text;
 }

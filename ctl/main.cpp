@@ -19,14 +19,15 @@
 namespace {
 
 /// Only the menu has something to store.
-void giveUpRights(ctl::Call call) {
+void confineProcess(ctl::Call call) {
     // Asking for the home folder may take a socket, so it is asked for before.
     const std::string home = platform::homeFolder();
     if (!home.empty()) {
         setenv("HOME", home.c_str(), 1);
     }
     const bool stores = call == ctl::Call::watch;
-    platform::giveUpRights(stores ? platform::foldersOfUserDefaults() : std::vector<std::string>());
+    platform::confineProcess(stores ? platform::foldersOfUserDefaults()
+                                    : std::vector<std::string>());
 }
 
 }  // namespace
@@ -36,7 +37,7 @@ int main(int count, char** values) {
     signal(SIGPIPE, SIG_IGN);  // A reader that leaves shows in the result of a write.
     platform::returnFreedMemory();
     const ctl::Arguments arguments = ctl::parseArguments(count, values);
-    giveUpRights(arguments.call);
+    confineProcess(arguments.call);
     switch (arguments.call) {
         case ctl::Call::notUnderstood:
             ctl::explain(arguments.complaint, ctl::kUsage);

@@ -8,7 +8,7 @@
 
 #include "platform/ORVError.h"
 #include "platform/descriptors.h"
-#include "platform/unicode.h"
+#include "text/unicode.h"
 
 namespace ctl {
 namespace {
@@ -56,7 +56,7 @@ void complain(std::string_view text) {
     if (!platform::isWritable(STDERR_FILENO, 0)) {
         return;
     }
-    writeAll(STDERR_FILENO, "brimletctl: " + platform::forTerminal(text) + '\n');
+    writeAll(STDERR_FILENO, "brimletctl: " + text::forTerminal(text) + '\n');
 }
 
 void explain(std::string_view complaint, std::string_view text) {

@@ -8,7 +8,7 @@
 #include "ctl/answers.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "shells/json/json_text.h"
+#include "text/json_text.h"
 
 namespace ctl {
 namespace {
@@ -34,11 +34,11 @@ std::string answer(Sources& sources, const std::string& query) {
     }
     if (query == "refresh") {
         const ORVRefreshResults results = app::refreshFromFiles(sources.focus, sources.session);
-        return json::object({{"focus", focusJSON(results.focusState)},
-                             {"snapshot", snapshotJSON(results.snapshot)},
-                             {"error", errorJSON(results.error)}});
+        return text::objectJSON({{"focus", focusJSON(results.focusState)},
+                                 {"snapshot", snapshotJSON(results.snapshot)},
+                                 {"error", errorJSON(results.error)}});
     }
-    return json::object({{"error", errorJSON(ORVError{"brimletctl", 2, "unknown query"})}});
+    return text::objectJSON({{"error", errorJSON(ORVError{"brimletctl", 2, "unknown query"})}});
 }
 
 }  // namespace

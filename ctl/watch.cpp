@@ -14,12 +14,12 @@
 #include "app/ORVAppDelegate.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "platform/unicode.h"
 #include "shells/ORVCommandInput.h"
 #include "shells/ORVLineOutput.h"
-#include "shells/ORVPosixSurroundings.h"
+#include "shells/ORVPosixHost.h"
 #include "shells/json/status_item_json.h"
 #include "shells/terminal/ORVTerminalMenu.h"
+#include "text/unicode.h"
 
 namespace ctl {
 namespace {
@@ -54,10 +54,14 @@ void handle(int signalNumber, void (*handler)(int)) {
 class Session {
 public:
     explicit Session(const std::function<void(const std::string&)>& hearComplaint)
-        : surroundings(platform::makeFiles(), platform::standardUserDefaults(hearComplaint),
-                       hearComplaint),
-          delegate(std::make_shared<ORVAppDelegate>(surroundings)) {
-        signalledLoop = &surroundings.runLoop();
+        : host(platform::makeFiles(),
+               platform::standardUserDefaults([hearComplaint](const ORVStoringFailure& failure) {
+                   hearComplaint("cannot store the language in " + failure.path + ": " +
+                                 failure.reason);
+               }),
+               hearComplaint),
+          delegate(std::make_shared<ORVAppDelegate>(host)) {
+        signalledLoop = &host.runLoop();
         for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
             handle(signalNumber, askForEnd);
         }
@@ -66,7 +70,7 @@ public:
     /// Runs until the end. `turnEnd` shows what changed; `cleanUp` leaves the surface as it was.
     int run(const std::function<void()>& turnEnd, const std::function<void()>& wakened,
             const std::function<void()>& cleanUp) {
-        ORVPosixRunLoop& loop = surroundings.runLoop();
+        ORVPosixRunLoop& loop = host.runLoop();
         if (!loop.isUsable()) {
             cleanUp();
             complain("no file descriptors are left");
@@ -83,7 +87,7 @@ public:
         loop.post([this] { delegate->applicationDidFinishLaunching(); });
         const int status = loop.run();
         cleanUp();
-        if (!surroundings.readerIsIdle()) {
+        if (!host.readerIsIdle()) {
             _exit(status);  // The thread that hangs still uses the application.
         }
         for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
@@ -102,15 +106,15 @@ public:
             if (failure != 0) {
                 complain("cannot write the output: " + platform::posixError(failure).description);
             }
-            surroundings.runLoop().stop(failure == 0 ? kAnswered : kNothingToShow);
+            host.runLoop().stop(failure == 0 ? kAnswered : kNothingToShow);
         };
     }
 
-    ORVPosixSurroundings surroundings;
+    ORVPosixHost host;
     std::shared_ptr<ORVAppDelegate> delegate;
 };
 
-void obey(ORVAppDelegate& delegate, const std::string& line) {
+void perform(ORVAppDelegate& delegate, const std::string& line) {
     constexpr std::string_view kChoose = "choose ";
     constexpr std::string_view kKey = "key ";
     const bool isUnderstood =
@@ -124,8 +128,8 @@ void obey(ORVAppDelegate& delegate, const std::string& line) {
 /// The status line alone, for status bars.
 int watchAsLines() {
     Session session(complain);
-    ORVLineOutput output(session.surroundings.runLoop(), STDOUT_FILENO, session.outputEnded());
-    return session.run([&] { output.show(platform::forTerminal(session.delegate->statusLine())); },
+    ORVLineOutput output(session.host.runLoop(), STDOUT_FILENO, session.outputEnded());
+    return session.run([&] { output.show(text::forTerminal(session.delegate->statusLine())); },
                        nullptr, [&] { output.flush(); });
 }
 
@@ -133,10 +137,10 @@ int watchAsLines() {
 
 int watchAsJSON() {
     Session session(complain);
-    ORVPosixRunLoop& loop = session.surroundings.runLoop();
+    ORVPosixRunLoop& loop = session.host.runLoop();
     ORVLineOutput output(loop, STDOUT_FILENO, session.outputEnded());
     const ORVCommandInput input(loop, STDIN_FILENO,
-                                [&](const std::string& line) { obey(*session.delegate, line); });
+                                [&](const std::string& line) { perform(*session.delegate, line); });
     return session.run([&] { output.show(json::statusItem(session.delegate->statusItem())); },
                        nullptr, [&] { output.flush(); });
 }
@@ -148,7 +152,7 @@ int watch() {
     // What is said while the menu is on the screen is told when the screen is given back.
     std::vector<std::string> complaints;
     Session session([&](const std::string& complaint) { complaints.push_back(complaint); });
-    ORVPosixRunLoop& loop = session.surroundings.runLoop();
+    ORVPosixRunLoop& loop = session.host.runLoop();
     handle(SIGWINCH, wake);
     ORVTerminalMenu terminal(*session.delegate);
     handle(SIGCONT, wake);

@@ -6,7 +6,7 @@
 #include <unordered_map>
 
 #include "focus/ORVFocusWindowState.h"
-#include "platform/byte_buffer.h"
+#include "text/byte_buffer.h"
 
 /// How far one log file has been read, and the windows it has shown.
 ///

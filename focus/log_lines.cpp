@@ -5,14 +5,14 @@
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "focus/markers.h"
-#include "platform/bytes.h"
-#include "platform/paths.h"
-#include "platform/unicode.h"
+#include "text/bytes.h"
+#include "text/identifiers.h"
+#include "text/unicode.h"
 
 namespace {
 
 std::string_view timestampOf(std::string_view line) {
-    return line.substr(0, platform::findWhiteSpace(line));
+    return line.substr(0, text::findWhiteSpace(line));
 }
 
 /// A field's value, and "" where it is absent: for fields of which neither says anything.
@@ -23,30 +23,30 @@ std::string_view valueOrEmpty(std::string_view field, std::string_view line) {
 }  // namespace
 
 bool ORVCodexFocusLogSource::isValidThreadID(std::string_view text) {
-    return platform::isUUID(text);
+    return text::isUUID(text);
 }
 
 std::optional<std::string_view> ORVCodexFocusLogSource::valueForField(std::string_view field,
                                                                       std::string_view line) {
-    std::size_t name = platform::findBytes(line, field);
+    std::size_t name = text::findBytes(line, field);
     while (name != std::string_view::npos) {
         const std::size_t equals = name + field.size();
         if (equals < line.size() && line[equals] == '=') {
             const std::size_t value = equals + 1;
-            return line.substr(value, platform::findWhiteSpace(line, value) - value);
+            return line.substr(value, text::findWhiteSpace(line, value) - value);
         }
-        name = platform::findBytes(line, field, name + 1);
+        name = text::findBytes(line, field, name + 1);
     }
     return std::nullopt;
 }
 
 void ORVCodexFocusLogSource::consumeLineData(std::string_view line,
                                              ORVFocusLogFileState& fileState) {
-    if (!platform::isValidUTF8(line)) {
+    if (!text::isValidUTF8(line)) {
         return;
     }
     ORVFocusWindowState* window = nullptr;
-    if (platform::containsBytes(line, focus::kOwnerSyncMarker)) {
+    if (text::containsBytes(line, focus::kOwnerSyncMarker)) {
         window = findWindow(fileState, valueOrEmpty("originWebContentsId", line),
                             valueOrEmpty("windowId", line));
         if (!window) {
@@ -120,7 +120,7 @@ ORVFocusWindowState* ORVCodexFocusLogSource::updateWindow(ORVFocusLogFileState& 
 }
 
 std::shared_ptr<ORVFocusLogEvent> ORVCodexFocusLogSource::eventFromLineData(std::string_view line) {
-    if (!platform::containsBytes(line, focus::kActivityMarker)) {
+    if (!text::containsBytes(line, focus::kActivityMarker)) {
         return nullptr;
     }
     const std::string_view timestamp = timestampOf(line);

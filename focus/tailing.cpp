@@ -6,8 +6,8 @@
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "focus/markers.h"
-#include "platform/marked_lines.h"
-#include "platform/paths.h"
+#include "text/marked_lines.h"
+#include "text/paths.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ std::vector<std::string> ORVCodexFocusLogSource::logFileURLsWithError(ORVErrorSl
     std::vector<ORVWalkedFile> found;
     ORVErrorSlot firstFailure;
     files_.walk(
-        logsRoot_, [](std::string_view name) { return platform::hasExtension(name, "log"); },
+        logsRoot_, [](std::string_view name) { return text::hasExtension(name, "log"); },
         [&](ORVWalkedFile&& file) { found.push_back(std::move(file)); },
         [&](ORVError&& failure) { storeErrorIfEmpty(&firstFailure, std::move(failure)); });
     if (firstFailure) {
@@ -106,6 +106,6 @@ bool ORVCodexFocusLogSource::updateFileState(ORVFocusLogFileState& fileState,
 
 void ORVCodexFocusLogSource::consumeCompleteLinesFromFileState(ORVFocusLogFileState& fileState,
                                                                std::string_view chunk) {
-    platform::consumeChunk(fileState.pendingData, chunk, markers(),
-                           [&](std::string_view line) { consumeLineData(line, fileState); });
+    text::consumeChunk(fileState.pendingData, chunk, markers(),
+                       [&](std::string_view line) { consumeLineData(line, fileState); });
 }

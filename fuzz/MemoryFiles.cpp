@@ -6,7 +6,7 @@
 #include <set>
 #include <utility>
 
-#include "platform/paths.h"
+#include "text/paths.h"
 
 namespace {
 
@@ -52,7 +52,7 @@ MemoryFiles::Item& MemoryFiles::make(const std::string& path) {
 }
 
 void MemoryFiles::touchFolderOf(const std::string& path) {
-    const std::string folder = platform::folderOf(path);
+    const std::string folder = text::folderOf(path);
     if (folder != path) {
         makeFolder(folder);
         items_[folder].modifiedAt = now;
@@ -108,8 +108,8 @@ bool MemoryFiles::walk(const std::string& root, const NameTest& wanted, const Fi
     std::set<std::string> entered = {root};
     for (auto next = std::next(start); next != items_.end(); ++next) {
         const auto& [path, item] = *next;
-        const std::string_view name = platform::lastPathComponent(path);
-        if (!entered.contains(platform::folderOf(path)) || name.starts_with('.')) {
+        const std::string_view name = text::lastPathComponent(path);
+        if (!entered.contains(text::folderOf(path)) || name.starts_with('.')) {
             continue;
         }
         if (item.isFolder && item.canBeOpened) {

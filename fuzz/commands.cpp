@@ -9,7 +9,7 @@
 
 #include "app/ORVAppDelegate.h"
 #include "ctl/commands.h"
-#include "fuzz/ManualSurroundings.h"
+#include "fuzz/ManualHost.h"
 #include "fuzz/expect.h"
 #include "fuzz/lines.h"
 #include "fuzz/model/JSON.h"
@@ -83,9 +83,9 @@ std::vector<std::string> commandsOf(const std::string& input, std::size_t lineCo
 }
 
 void checkCommands(const std::vector<std::string>& commands) {
-    ManualSurroundings surroundings;
-    fillHome(surroundings.memoryFiles);
-    const auto delegate = std::make_shared<ORVAppDelegate>(surroundings);
+    ManualHost host;
+    fillHome(host.memoryFiles);
+    const auto delegate = std::make_shared<ORVAppDelegate>(host);
     delegate->applicationDidFinishLaunching();
     for (const std::string& command : commands) {
         const std::string rest =
@@ -95,7 +95,7 @@ void checkCommands(const std::vector<std::string>& commands) {
         } else if (command.starts_with("key ")) {
             delegate->performKeyEquivalent(rest);
         }
-        surroundings.advance(std::chrono::milliseconds(700));
+        host.advance(std::chrono::milliseconds(700));
         const std::string shown = json::statusItem(delegate->statusItem());
         fuzz::expect(model::JSON::object(shown).has_value(), shown.c_str());
         fuzz::expect(!model::contains(shown, "\n"), "what is shown is one line");

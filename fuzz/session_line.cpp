@@ -1,5 +1,4 @@
-// Every line of the input through the interpreter of session records, beside the model. Both JSON
-// parsers of the program must see the same in it.
+// Every line of the input through the interpreter of session records, beside the model.
 
 #include <algorithm>
 
@@ -11,44 +10,17 @@
 #include "fuzz/model/text.h"
 #include "sessions/ORVCodexSessionSource.h"
 
-namespace {
-
-const ORVJSONShape kShape{"",
-                          false,
-                          {{"type", true},
-                           {"timestamp", true},
-                           {"ordinal"},
-                           {"payload", false, {{"type", true}, {"info", false, {{"window"}}}}}}};
-
-std::string described(const ORVJSONValue& value) {
-    std::string text = std::to_string(static_cast<int>(value.kind)) + value.text +
-                       std::to_string(value.integer.value_or(7));
-    for (const char* key : {"type", "timestamp", "ordinal", "payload", "info", "window"}) {
-        text += value[key].kind == ORVJSONValue::Kind::absent ? "-" : described(value[key]);
-    }
-    return text;
-}
-
-std::string described(const std::optional<ORVJSONValue>& value) {
-    return value ? described(*value) : "refused";
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::size_t kLimitBytes = 8192;
     static MemoryFiles files;
     static const ManualClock clock;
     static ORVCodexSessionSource source(files, clock, "/codex");
-    static ORVJSONReader reader;
     ORVSessionParseState state;
     model::Figures figures;
     const std::string input(reinterpret_cast<const char*>(data), std::min(size, kLimitBytes));
     for (const std::string& line : model::completeLines(input + '\n')) {
         const std::string padded = line + std::string(ORVByteBuffer::kReadableBytesBeyond, '"');
         const auto bytes = std::string_view(padded).substr(0, line.size());
-        fuzz::expectEqual(described(sessions::readObjectThoroughly(line, kShape)),
-                          described(reader.readObject(bytes, kShape)), "both parsers: " + line);
         const std::int64_t before = state.compactionCount;
         source.consumeLine(bytes, state);
         figures.read(line);

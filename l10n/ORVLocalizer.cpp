@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/bytes.h"
 #include "platform/preferred_languages.h"
+#include "text/bytes.h"
 
 namespace {
 
@@ -11,7 +11,7 @@ constexpr std::string_view kModeKey = "BrimletLanguageMode";
 
 /// A plain test of the tag's beginning: a bare "zh", Taiwan and Hong Kong read English.
 bool isSimplifiedChinese(std::string tag) {
-    std::transform(tag.begin(), tag.end(), tag.begin(), platform::lowerCasedASCII);
+    std::transform(tag.begin(), tag.end(), tag.begin(), text::lowerCasedASCII);
     return tag.starts_with("zh-hans") || tag.starts_with("zh-cn") || tag.starts_with("zh-sg");
 }
 

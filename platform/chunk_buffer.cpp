@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-#include "platform/byte_buffer.h"
+#include "text/byte_buffer.h"
 
 namespace platform {
 namespace {

@@ -10,9 +10,9 @@ namespace platform {
 /// No sockets, no other programs or processes, no looking into those of others, no core dump; and
 /// no writing but in these folders, for this thread and those that it starts. What is open stays
 /// so. Called once, before any thread is started.
-void giveUpRights(const std::vector<std::string>& foldersToWriteIn);
+void confineProcess(const std::vector<std::string>& foldersToWriteIn);
 
 /// No writing anywhere, for the calling thread.
-void giveUpWriting();
+void confineThreadToReading();
 
 }  // namespace platform

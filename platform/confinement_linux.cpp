@@ -131,7 +131,7 @@ void refuseWritingOutside(const std::vector<std::string>& folders) {
 
 }  // namespace
 
-void giveUpRights(const std::vector<std::string>& foldersToWriteIn) {
+void confineProcess(const std::vector<std::string>& foldersToWriteIn) {
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
     prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);  // Without it the others are not to be had.
@@ -139,7 +139,7 @@ void giveUpRights(const std::vector<std::string>& foldersToWriteIn) {
     refuseCalls();
 }
 
-void giveUpWriting() {
+void confineThreadToReading() {
     refuseWritingOutside({});
 }
 

@@ -7,11 +7,11 @@
 
 namespace platform {
 
-void giveUpRights(const std::vector<std::string>&) {
+void confineProcess(const std::vector<std::string>&) {
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
 }
 
-void giveUpWriting() {}
+void confineThreadToReading() {}
 
 }  // namespace platform

@@ -1,6 +1,6 @@
 // The file system of Linux and macOS. Every path may name anything at all, and may name something
-// else at the next system call: nothing here waits on a FIFO, and a
-// walk enters no link that it meets.
+// else at the next system call: nothing here waits on a FIFO, and a walk enters no link that it
+// meets. Tests: tests/sessions/discovery_test.cpp and reading_test.cpp, over real folders.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "platform/files.h"
-#include "platform/stat_fields.h"
 
 namespace platform {
 namespace {
@@ -25,6 +24,35 @@ auto uninterrupted(Call call) {
         result = call();
     }
     return result;
+}
+
+/// `struct stat` calls the modification date by another name on macOS.
+template <typename Status>
+ORVFileDate modificationDate(const Status& status) {
+    if constexpr (requires { status.st_mtimespec; }) {
+        return {status.st_mtimespec.tv_sec, static_cast<std::int32_t>(status.st_mtimespec.tv_nsec)};
+    } else {
+        return {status.st_mtim.tv_sec, static_cast<std::int32_t>(status.st_mtim.tv_nsec)};
+    }
+}
+
+/// macOS hides an item by a flag, too, beside a name that begins with a dot. A walk there needs the
+/// attributes of every item.
+template <typename Status>
+constexpr bool hiddenFlagExists() {
+    return requires(Status status) {
+        status.st_flags;
+    };
+}
+
+template <typename Status>
+bool hasHiddenFlag(const Status& status) {
+    constexpr auto kHidden = 0x8000U;  // UF_HIDDEN, of macOS only.
+    if constexpr (hiddenFlagExists<Status>()) {
+        return (status.st_flags & kHidden) != 0;
+    } else {
+        return false;
+    }
 }
 
 class FileDescriptor {
@@ -127,7 +155,7 @@ private:
             return;
         }
         const bool isWanted = wanted_(name);
-        const bool kindIsKnown = entry.d_type != DT_UNKNOWN && !hiddenFlagExists();
+        const bool kindIsKnown = entry.d_type != DT_UNKNOWN && !hiddenFlagExists<struct stat>();
         if (kindIsKnown && entry.d_type == DT_DIR) {
             waitingFolders_.push_back(prefix + entry.d_name);
             return;

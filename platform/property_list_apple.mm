@@ -2,14 +2,10 @@
 
 #import "platform/foundation_string_apple.h"
 #include "platform/property_list.h"
-#include "platform/property_list_form.h"
 
 namespace platform {
 
 std::optional<std::string> propertyListString(std::string_view bytes, const std::string& key) {
-    if (!isHarmlessPropertyList(bytes)) {
-        return std::nullopt;
-    }
     @autoreleasepool {
         NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.size()];
         id list = [NSPropertyListSerialization propertyListWithData:data

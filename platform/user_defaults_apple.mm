@@ -48,9 +48,13 @@ private:
 
 }  // namespace
 
-/// The system keeps what it was given; nothing is ever heard of a failure.
-std::unique_ptr<ORVUserDefaults> standardUserDefaults(std::function<void(const std::string&)>) {
+/// The system tells nobody when it cannot store a setting.
+std::unique_ptr<ORVUserDefaults> standardUserDefaults(ORVStoringFailureHandler) {
     return std::make_unique<DomainDefaults>();
+}
+
+std::string placeOfUserDefaults() {
+    return "the user defaults of com.orvellan.brimlet";
 }
 
 std::vector<std::string> foldersOfUserDefaults() {

@@ -1,24 +1,31 @@
 // Settings on Linux: one JSON object in "brimlet/defaults.json" of the user's configuration folder.
-// Written beside it and renamed, so that it is stored whole or not at all. Keys of others stay,
-// unless the file is no JSON object: then the first choice of a language replaces it.
+// It is written beside its place and renamed over it, so that it is stored whole or not at all.
+//
+// What stands in its place may be somebody's trap or treasure: a link to a device, to another
+// user's file when root runs with that user's home, to a file of another program. Only a regular
+// file of this user that already is such an object is ever replaced; keys of others and the mode
+// stay. Everything else is left alone and named. Tests: tests/platform/linux_test.cpp.
 
 #include <fcntl.h>
+#include <simdjson.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <boost/json/parse.hpp>
-#include <boost/json/serialize.hpp>
-#include <boost/json/value.hpp>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <memory>
+#include <utility>
 
-#include "platform/files.h"
+#include "platform/ORVError.h"
 #include "platform/home_folder.h"
 #include "platform/user_defaults.h"
+#include "text/json_text.h"
 
 namespace platform {
 namespace {
+
+namespace dom = simdjson::dom;
 
 constexpr std::size_t kLimitBytes = 64 * 1024;
 
@@ -37,17 +44,130 @@ std::string folderOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-/// Like mkdir -p.
-bool makeFolders(const std::string& path) {
-    for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-        const std::string folder = path.substr(0, slash);
-        if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
-            return false;
-        }
-        if (slash == std::string::npos) {
-            return true;
+std::string reasonOf(int errnoValue) {
+    return posixError(errnoValue).description;
+}
+
+struct Descriptor {
+    int number = -1;
+    ~Descriptor() {
+        if (number >= 0) {
+            close(number);
         }
     }
+};
+
+/// The settings as they are stored.
+struct StoredSettings {
+    std::string content = "{}";
+    std::string path;  ///< The file itself, behind a link.
+    mode_t mode = 0600;
+    std::string refusal;  ///< Why the file must stay as it is; "" where it may be replaced.
+};
+
+std::string bytesOf(int descriptor) {
+    std::string bytes(kLimitBytes + 1, '\0');
+    std::size_t size = 0;
+    while (size < bytes.size()) {
+        const ssize_t count = read(descriptor, bytes.data() + size, bytes.size() - size);
+        if (count <= 0 && !(count < 0 && errno == EINTR)) {
+            break;
+        }
+        size += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    bytes.resize(size);
+    return bytes;
+}
+
+bool isObject(const std::string& content) {
+    dom::parser parser;
+    return parser.parse(content).is_object();
+}
+
+StoredSettings storedSettings(const std::string& path) {
+    StoredSettings settings;
+    settings.path = path;
+    const auto refused = [&](std::string reason) {
+        settings.refusal = std::move(reason);
+        return settings;
+    };
+    const Descriptor file{open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)};
+    if (file.number < 0) {
+        const int failure = errno;
+        struct stat link;
+        const bool isNothing = failure == ENOENT && lstat(path.c_str(), &link) != 0;
+        return isNothing ? settings
+                         : refused(failure == ENOENT ? "a link that leads nowhere stands there"
+                                                     : reasonOf(failure));
+    }
+    struct stat status;
+    if (fstat(file.number, &status) != 0 || !S_ISREG(status.st_mode)) {
+        return refused("it is not a regular file");
+    }
+    if (status.st_size > static_cast<off_t>(kLimitBytes)) {
+        return refused("the file is larger than 64 KB");
+    }
+    std::string content = bytesOf(file.number);
+    if (!isObject(content)) {
+        return refused("the file is not a JSON object");
+    }
+    settings.content = std::move(content);
+    settings.mode = status.st_mode & 07777;
+    struct stat link;
+    if (status.st_uid != geteuid() || lstat(path.c_str(), &link) != 0 ||
+        link.st_uid != status.st_uid) {
+        return refused("the file belongs to another user");
+    }
+    const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
+                                                             &std::free);
+    settings.path = target ? target.get() : path;
+    return settings;
+}
+
+std::int64_t integerOf(const dom::element& value) {
+    switch (value.type()) {
+        case dom::element_type::INT64:
+            return std::int64_t(value);
+        case dom::element_type::BOOL:
+            return bool(value) ? 1 : 0;
+        case dom::element_type::DOUBLE:
+            return std::fabs(double(value)) < 1e18 ? static_cast<std::int64_t>(double(value)) : 0;
+        case dom::element_type::STRING:
+            return std::strtoll(std::string(std::string_view(value)).c_str(), nullptr, 10);
+        default:
+            return 0;
+    }
+}
+
+/// The object with this number under the key, and its other fields as they were.
+std::string withInteger(const std::string& content, std::string_view key, std::int64_t value) {
+    dom::parser parser;
+    dom::object settings;
+    std::string fields;
+    if (parser.parse(content).get(settings) == simdjson::SUCCESS) {
+        for (const dom::key_value_pair field : settings) {
+            if (field.key != key) {
+                fields +=
+                    text::quotedJSON(field.key) + ':' + simdjson::to_string(field.value) + ',';
+            }
+        }
+    }
+    return '{' + fields + text::quotedJSON(key) + ':' + std::to_string(value) + "}\n";
+}
+
+/// Makes the folder and those above it, but not the user's home; 0, or the errno of the failure.
+int makeFolders(const std::string& path) {
+    if (access(path.c_str(), F_OK) == 0) {
+        return 0;
+    }
+    if (path == homeFolder() || path == "/") {
+        return ENOENT;
+    }
+    const int failure = makeFolders(folderOf(path));
+    if (failure != 0) {
+        return failure;
+    }
+    return mkdir(path.c_str(), 0700) == 0 || errno == EEXIST ? 0 : errno;
 }
 
 bool writeDurably(int descriptor, std::string_view bytes) {
@@ -62,104 +182,81 @@ bool writeDurably(int descriptor, std::string_view bytes) {
     return fsync(descriptor) == 0;
 }
 
-/// Whoever keeps settings elsewhere and links to them keeps the link.
-std::string targetOf(const std::string& link) {
-    const std::unique_ptr<char, decltype(&std::free)> target(realpath(link.c_str(), nullptr),
-                                                             &std::free);
-    return target ? target.get() : link;
-}
-
 /// 0, or the errno of the failure.
-int replaceFile(const std::string& link, const std::string& content) {
-    const std::string path = targetOf(link);
-    std::string temporary = path + ".XXXXXX";
-    const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
-    if (descriptor < 0) {
+int replaceFile(const StoredSettings& settings, const std::string& content) {
+    std::string temporary = settings.path + ".XXXXXX";
+    const Descriptor file{mkostemp(temporary.data(), O_CLOEXEC)};
+    if (file.number < 0) {
         return errno;
     }
-    const bool isWritten = writeDurably(descriptor, content);
-    int failure = isWritten ? 0 : errno;
-    close(descriptor);
-    if (failure == 0 && rename(temporary.c_str(), path.c_str()) != 0) {
-        failure = errno;
+    if (fchmod(file.number, settings.mode) == 0 && writeDurably(file.number, content) &&
+        rename(temporary.c_str(), settings.path.c_str()) == 0) {
+        return 0;
     }
-    if (failure != 0) {
-        unlink(temporary.c_str());
-    }
+    const int failure = errno;
+    unlink(temporary.c_str());
     return failure;
-}
-
-std::int64_t integerOf(const boost::json::value& value) {
-    if (const std::int64_t* integer = value.if_int64()) {
-        return *integer;
-    }
-    if (const bool* boolean = value.if_bool()) {
-        return *boolean ? 1 : 0;
-    }
-    if (const double* real = value.if_double()) {
-        const bool fits = std::fabs(*real) < 1e18;
-        return fits ? static_cast<std::int64_t>(*real) : 0;
-    }
-    if (const boost::json::string* text = value.if_string()) {
-        return std::strtoll(text->c_str(), nullptr, 10);
-    }
-    return 0;
 }
 
 class FileDefaults final : public ORVUserDefaults {
 public:
-    explicit FileDefaults(std::function<void(const std::string&)> cannotStore)
+    explicit FileDefaults(ORVStoringFailureHandler cannotStore)
         : path_(settingsPath()), cannotStore_(std::move(cannotStore)) {}
 
     std::optional<std::int64_t> integerForKey(std::string_view key) override {
-        const boost::json::object settings = read();
-        const boost::json::value* value = settings.if_contains({key.data(), key.size()});
-        return value ? std::optional(integerOf(*value)) : std::nullopt;
+        const StoredSettings settings = storedSettings(path_);
+        dom::parser parser;
+        dom::object object;
+        std::optional<std::int64_t> found;
+        if (parser.parse(settings.content).get(object) == simdjson::SUCCESS) {
+            for (const dom::key_value_pair field : object) {
+                found = field.key == key ? integerOf(field.value) : found;
+            }
+        }
+        return found;
     }
 
     void setInteger(std::int64_t value, std::string_view key) override {
-        boost::json::object settings = read();
-        settings[{key.data(), key.size()}] = value;
-        int failure = makeFolders(folderOf(path_)) ? 0 : errno;
-        if (failure == 0) {
-            failure = replaceFile(path_, boost::json::serialize(settings) + "\n");
+        const StoredSettings settings = storedSettings(path_);
+        std::string reason = settings.refusal;
+        if (reason.empty()) {
+            int failure = makeFolders(folderOf(path_));
+            failure = failure != 0
+                          ? failure
+                          : replaceFile(settings, withInteger(settings.content, key, value));
+            reason = failure != 0 ? reasonOf(failure) : "";
         }
-        if (failure != 0 && !std::exchange(hasComplained_, true)) {
-            cannotStore_("cannot store the language in " + path_ + ": " +
-                         posixError(failure).description);
+        if (!reason.empty() && !std::exchange(hasComplained_, true)) {
+            cannotStore_({path_, reason});
         }
     }
 
 private:
-    boost::json::object read() const {
-        const auto files = makeFiles();
-        const auto text = contentsOfFile(*files, path_, kLimitBytes);
-        if (!text) {
-            return {};
-        }
-        boost::json::error_code failure;
-        const boost::json::value settings = boost::json::parse(*text, failure);
-        return !failure && settings.is_object() ? settings.get_object() : boost::json::object();
-    }
-
     const std::string path_;
-    const std::function<void(const std::string&)> cannotStore_;
+    const ORVStoringFailureHandler cannotStore_;
     bool hasComplained_ = false;
 };
 
 }  // namespace
 
-std::unique_ptr<ORVUserDefaults> standardUserDefaults(
-    std::function<void(const std::string&)> cannotStore) {
+std::unique_ptr<ORVUserDefaults> standardUserDefaults(ORVStoringFailureHandler cannotStore) {
     return std::make_unique<FileDefaults>(std::move(cannotStore));
 }
 
+std::string placeOfUserDefaults() {
+    return settingsPath();
+}
+
 std::vector<std::string> foldersOfUserDefaults() {
-    std::string folder = settingsFolder();
-    while (access(folder.c_str(), F_OK) != 0 && folder != "/") {
+    const StoredSettings settings = storedSettings(settingsPath());
+    if (!settings.refusal.empty()) {
+        return {};
+    }
+    std::string folder = folderOf(settings.path);
+    while (access(folder.c_str(), F_OK) != 0 && folder != "/" && folder != homeFolder()) {
         folder = folderOf(folder);
     }
-    return {folder, folderOf(targetOf(settingsPath()))};
+    return {folder};
 }
 
 }  // namespace platform

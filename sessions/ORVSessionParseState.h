@@ -5,9 +5,9 @@
 #include <string>
 #include <unordered_set>
 
-#include "platform/byte_buffer.h"
 #include "sessions/ORVContextUsage.h"
 #include "sessions/status_codes.h"
+#include "text/byte_buffer.h"
 
 /// How far one session file has been read, and what its records have said so far.
 ///

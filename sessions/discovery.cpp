@@ -6,10 +6,11 @@
 #include <tuple>
 
 #include "platform/home_folder.h"
-#include "platform/paths.h"
-#include "platform/unicode.h"
 #include "sessions/ORVCodexSessionSource.h"
 #include "sessions/errors.h"
+#include "text/identifiers.h"
+#include "text/paths.h"
+#include "text/unicode.h"
 
 namespace {
 
@@ -35,7 +36,7 @@ std::optional<std::string> ORVCodexSessionSource::latestSessionURLWithError(ORVE
     std::optional<ORVWalkedFile> latest;
     const bool started = files_.walk(
         sessionsFolder(),
-        [](std::string_view name) { return platform::hasExtension(name, kExtension); },
+        [](std::string_view name) { return text::hasExtension(name, kExtension); },
         [&](ORVWalkedFile&& file) {
             if (!latest || file.modifiedAt > latest->modifiedAt) {
                 latest = std::move(file);
@@ -80,8 +81,8 @@ std::vector<std::string> ORVCodexSessionSource::searchSessionURLs(const std::str
     const bool started = files_.walk(
         sessionsFolder(),
         [&](std::string_view name) {
-            return platform::hasExtension(name, kExtension) &&
-                   platform::containsIgnoringCase(name, threadID);
+            return text::hasExtension(name, kExtension) &&
+                   text::containsIgnoringCase(name, threadID);
         },
         [&](ORVWalkedFile&& file) { candidates.push_back(std::move(file)); }, passOver);
     if (!started) {
@@ -106,7 +107,7 @@ std::vector<std::string> ORVCodexSessionSource::searchSessionURLs(const std::str
 }
 
 std::optional<ORVFileDate> ORVCodexSessionSource::dateOfFolderHolding(const std::string& url) {
-    const auto attributes = files_.attributesOfItem(platform::folderOf(url), nullptr);
+    const auto attributes = files_.attributesOfItem(text::folderOf(url), nullptr);
     return attributes ? attributes->modifiedAt : std::nullopt;
 }
 
@@ -117,10 +118,10 @@ std::optional<std::string> ORVCodexSessionSource::sessionURLForThreadID(std::str
 }
 
 std::optional<std::string> ORVCodexSessionSource::threadIDFromSessionURL(std::string_view url) {
-    const std::string_view name = platform::lastPathComponent(url);
-    for (std::size_t i = 0; i + platform::kUUIDLength <= name.size(); ++i) {
-        const std::string_view candidate = name.substr(i, platform::kUUIDLength);
-        if (platform::isUUID(candidate)) {
+    const std::string_view name = text::lastPathComponent(url);
+    for (std::size_t i = 0; i + text::kUUIDLength <= name.size(); ++i) {
+        const std::string_view candidate = name.substr(i, text::kUUIDLength);
+        if (text::isUUID(candidate)) {
             return std::string(candidate);
         }
     }

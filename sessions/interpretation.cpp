@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "platform/unicode.h"
 #include "sessions/ORVCodexSessionSource.h"
+#include "text/unicode.h"
 
 namespace {
 
@@ -38,15 +38,33 @@ const ORVJSONShape& recordShape() {
 
 using Kind = ORVJSONValue::Kind;
 
+/// The value of a JSON number that is whole and from 0 to 2^63; none for every other value. A
+/// literal with a fraction or an exponent counts as the nearest double, so 3.0 and 1e3 are whole.
+std::optional<std::uint64_t> wholeNumber(const ORVJSONValue& value) {
+    constexpr std::uint64_t kLargest = std::uint64_t{1} << 63U;
+    if (value.kind != Kind::number) {
+        return std::nullopt;
+    }
+    if (const auto* natural = std::get_if<std::uint64_t>(&value.number)) {
+        return *natural <= kLargest ? std::optional(*natural) : std::nullopt;
+    }
+    const double real = std::get<double>(value.number);
+    if (!(real >= 0 && real <= static_cast<double>(kLargest))) {
+        return std::nullopt;
+    }
+    const auto natural = static_cast<std::uint64_t>(real);
+    // Doubles beyond 2^53 have no fraction, so the way there and back is exact.
+    return static_cast<double>(natural) == real ? std::optional(natural) : std::nullopt;
+}
+
 /// Figures are signed; the one integer beyond them that counts as a number is 2^63.
-std::int64_t signedValue(const ORVJSONValue& number) {
+std::int64_t signedFigure(std::uint64_t number) {
     constexpr auto kLargest = std::numeric_limits<std::int64_t>::max();
-    return static_cast<std::int64_t>(
-        std::min(*number.integer, static_cast<std::uint64_t>(kLargest)));
+    return static_cast<std::int64_t>(std::min(number, static_cast<std::uint64_t>(kLargest)));
 }
 
 bool mentionsCompaction(std::string_view type) {
-    return platform::containsIgnoringCase(type, kCompact);
+    return text::containsIgnoringCase(type, kCompact);
 }
 
 }  // namespace
@@ -103,18 +121,19 @@ void ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
     const ORVJSONValue& windowInInfo = info["model_context_window"];
     const ORVJSONValue& window =
         windowInInfo.kind == Kind::absent ? payload["model_context_window"] : windowInInfo;
-    if (!isNonnegativeIntegerNumber(input) || !isPositiveIntegerNumber(window)) {
+    const auto inputTokens = wholeNumber(input);
+    if (!inputTokens || !isPositiveIntegerNumber(window)) {
         state.contextStatus = ORVContextStatusIncompatible;
         return;
     }
-    if (*input.integer == 0) {
+    if (*inputTokens == 0) {
         // Written after a compaction, before the next answer: no figure of its own.
         if (!state.contextUsage) {
             state.contextStatus = ORVContextStatusWaiting;
         }
         return;
     }
-    state.contextUsage.emplace(signedValue(input), signedValue(window));
+    state.contextUsage.emplace(signedFigure(*inputTokens), signedFigure(*wholeNumber(window)));
     state.contextStatus = ORVContextStatusAvailable;
 }
 
@@ -138,9 +157,9 @@ std::optional<std::string> ORVCodexSessionSource::compactionIdentifierForObject(
 }
 
 bool ORVCodexSessionSource::isNonnegativeIntegerNumber(const ORVJSONValue& value) {
-    return value.integer.has_value();
+    return wholeNumber(value).has_value();
 }
 
 bool ORVCodexSessionSource::isPositiveIntegerNumber(const ORVJSONValue& value) {
-    return value.integer.value_or(0) > 0;
+    return wholeNumber(value).value_or(0) > 0;
 }

@@ -1,168 +1,33 @@
-// The value that both parsers fill, and the choice between them.
+// Lines of JSON through simdjson, whose DOM parser checks the whole text. It refuses some standard
+// JSON: integers beyond 64 bits and numbers beyond every double. Such a line is parsed a second
+// time, with a harmless number in the place of each that cannot be held.
+//
+// Works alike with simdjson 3.0 and 4.x, which name these refusals differently and treat a byte
+// order mark differently. Tests: tests/sessions/json_object_test.cpp, fuzz/session_line.cpp.
 
 #include "sessions/json_object.h"
 
 #include <simdjson.h>
 
 #include <algorithm>
+#include <new>
+#include <string>
 
-#include "platform/byte_buffer.h"
+#include "text/byte_buffer.h"
 
 namespace {
 
 static_assert(ORVByteBuffer::kReadableBytesBeyond >= simdjson::SIMDJSON_PADDING);
 
-/// Longer lines go to the thorough parser: the fast one's buffers grow to more than twenty times
-/// the line where it is full of small values.
-constexpr std::size_t kFastLineBytes = 4 * 1024 * 1024;
+/// The parser's buffers are made for lines of this length at once: memory that is not touched costs
+/// nothing, and growing would hold the old and the new buffers together. Only a longer line gets
+/// larger ones, for its own time.
+constexpr std::size_t kUsualLineBytes = 4 * 1024 * 1024;
 
-constexpr std::uint64_t kLargestInteger = std::uint64_t{1} << 63U;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 namespace dom = simdjson::dom;
 using Kind = ORVJSONValue::Kind;
-
-std::optional<std::uint64_t> wholeNumber(const dom::element& number) {
-    std::uint64_t natural = 0;
-    if (number.get_uint64().get(natural) == simdjson::SUCCESS) {  // From a signed one, too.
-        return natural <= kLargestInteger ? std::optional(natural) : std::nullopt;
-    }
-    double real = 0;
-    if (!number.is_double() || number.get_double().get(real) != simdjson::SUCCESS) {
-        return std::nullopt;  // Negative.
-    }
-    if (!(real >= 0 && real <= static_cast<double>(kLargestInteger))) {
-        return std::nullopt;
-    }
-    natural = static_cast<std::uint64_t>(real);
-    // Doubles beyond 2^53 have no fraction, so the way there and back is exact.
-    return static_cast<double>(natural) == real ? std::optional(natural) : std::nullopt;
-}
-
-void take(ORVJSONValue& value, const dom::element& element, const ORVJSONShape& shape) {
-    switch (element.type()) {
-        case dom::element_type::NULL_VALUE:
-            value.kind = Kind::null;
-            return;
-        case dom::element_type::BOOL:
-            value.kind = Kind::boolean;
-            return;
-        case dom::element_type::INT64:
-        case dom::element_type::UINT64:
-        case dom::element_type::DOUBLE:
-            value.kind = Kind::number;
-            value.integer = wholeNumber(element);
-            return;
-        case dom::element_type::STRING:
-            value.kind = Kind::string;
-            if (shape.keepsText) {
-                value.text = std::string_view(element);
-            }
-            return;
-        case dom::element_type::ARRAY:
-            value.kind = Kind::array;
-            return;
-        case dom::element_type::OBJECT:
-            value.kind = Kind::object;
-            for (const dom::key_value_pair field : dom::object(element)) {
-                if (const ORVJSONShape* wanted = sessions::wantedField(shape, field.key)) {
-                    take(sessions::addMember(value, *wanted), field.value, *wanted);
-                }
-            }
-            return;
-    }
-}
-
-/// Whether the fast parser's refusal may be due to its own limits and not to the text.
-bool mayBeStandardJSON(simdjson::error_code refusal) {
-    switch (refusal) {
-        case simdjson::NUMBER_ERROR:
-        case simdjson::DEPTH_ERROR:
-        case simdjson::CAPACITY:
-        case simdjson::MEMALLOC:
-        case simdjson::TAPE_ERROR:
-        case simdjson::UNINITIALIZED:
-        case simdjson::UNSUPPORTED_ARCHITECTURE:
-            return true;
-        default:
-            return false;
-    }
-}
-
-}  // namespace
-
-class ORVJSONReader::FastParser {
-public:
-    /// The buffers get their final size at once: memory that is not touched costs nothing, and
-    /// growing would hold the old and the new ones together.
-    FastParser() : status_(parser_.allocate(kFastLineBytes, kMaxDepth)) {
-        if (status_ == simdjson::SUCCESS) {
-            status_ = document_.allocate(kFastLineBytes);
-        }
-    }
-
-    /// The root refers into the parser and is valid until the next call.
-    simdjson::error_code parse(std::string_view text, dom::element& root) {
-        if (status_ != simdjson::SUCCESS) {
-            return status_;
-        }
-        return parser_.parse_into_document(document_, text.data(), text.size(), false).get(root);
-    }
-
-private:
-    dom::parser parser_;
-    dom::document document_;
-    simdjson::error_code status_;
-};
-
-ORVJSONReader::ORVJSONReader() = default;
-ORVJSONReader::~ORVJSONReader() = default;
-
-std::optional<ORVJSONValue> ORVJSONReader::readObject(std::string_view text,
-                                                      const ORVJSONShape& shape) {
-    if (text.size() > kFastLineBytes) {
-        return sessions::readObjectThoroughly(text, shape);
-    }
-    if (!fastParser_) {
-        fastParser_ = std::make_unique<FastParser>();
-    }
-    dom::element root;
-    const simdjson::error_code refusal = fastParser_->parse(text, root);
-    if (refusal != simdjson::SUCCESS) {
-        return mayBeStandardJSON(refusal) ? sessions::readObjectThoroughly(text, shape)
-                                          : std::nullopt;
-    }
-    if (!root.is_object()) {
-        return std::nullopt;
-    }
-    ORVJSONValue object;
-    take(object, root, shape);
-    return object;
-}
-
-void ORVJSONReader::releaseMemory() {
-    fastParser_.reset();
-}
-
-const ORVJSONValue& ORVJSONValue::operator[](std::string_view key) const {
-    static const ORVJSONValue kAbsent;
-    const auto found = std::find_if(members.begin(), members.end(),
-                                    [&](const ORVJSONMember& m) { return m.shape->key == key; });
-    return found == members.end() ? kAbsent : found->value;
-}
-
-namespace sessions {
-
-std::optional<std::uint64_t> wholeNumber(std::string_view literal) {
-    // The fast parser reads the literals of both, so that they cannot disagree. A number that it
-    // refuses is one beyond 64 bits or beyond every double.
-    dom::parser parser;
-    dom::element number;
-    const simdjson::padded_string text(literal);
-    if (parser.parse(text).get(number) != simdjson::SUCCESS) {
-        return std::nullopt;
-    }
-    return ::wholeNumber(number);
-}
 
 const ORVJSONShape* wantedField(const ORVJSONShape& shape, std::string_view key) {
     const auto found = std::find_if(shape.fields.begin(), shape.fields.end(),
@@ -170,6 +35,8 @@ const ORVJSONShape* wantedField(const ORVJSONShape& shape, std::string_view key)
     return found == shape.fields.end() ? nullptr : &*found;
 }
 
+/// Adds a field to an object, in place of an earlier one with the same key. The reference is valid
+/// until the next field is added.
 ORVJSONValue& addMember(ORVJSONValue& object, const ORVJSONShape& shape) {
     for (ORVJSONMember& member : object.members) {
         if (member.shape == &shape) {
@@ -180,4 +47,249 @@ ORVJSONValue& addMember(ORVJSONValue& object, const ORVJSONShape& shape) {
     return object.members.emplace_back(ORVJSONMember{&shape, {}}).value;
 }
 
-}  // namespace sessions
+void take(ORVJSONValue& value, const dom::element& element, const ORVJSONShape& shape);
+
+void takeFields(ORVJSONValue& value, const dom::object& object, const ORVJSONShape& shape) {
+    for (const dom::key_value_pair field : object) {
+        if (const ORVJSONShape* wanted = wantedField(shape, field.key)) {
+            take(addMember(value, *wanted), field.value, *wanted);
+        }
+    }
+}
+
+void takeNumber(ORVJSONValue& value, const dom::element& element) {
+    value.kind = Kind::number;
+    std::uint64_t natural = 0;
+    double real = 0;
+    if (element.get_uint64().get(natural) == simdjson::SUCCESS) {  // From a signed one, too.
+        value.number = natural;
+    } else if (element.get_double().get(real) == simdjson::SUCCESS) {
+        value.number = real;
+    }
+}
+
+void take(ORVJSONValue& value, const dom::element& element, const ORVJSONShape& shape) {
+    switch (element.type()) {
+        case dom::element_type::NULL_VALUE:
+            value.kind = Kind::null;
+            break;
+        case dom::element_type::BOOL:
+            value.kind = Kind::boolean;
+            break;
+        case dom::element_type::STRING:
+            value.kind = Kind::string;
+            if (shape.keepsText) {
+                value.text = std::string_view(element);
+            }
+            break;
+        case dom::element_type::ARRAY:
+            value.kind = Kind::array;
+            break;
+        case dom::element_type::OBJECT:
+            value.kind = Kind::object;
+            takeFields(value, dom::object(element), shape);
+            break;
+        default:
+            takeNumber(value, element);
+            break;
+    }
+}
+
+/// Whether the refusal proves that the text is no standard JSON, or nested too deep. Every other
+/// refusal may be due to the parser's own limits.
+bool provesNoJSON(simdjson::error_code refusal) {
+    switch (refusal) {
+        case simdjson::TAPE_ERROR:
+        case simdjson::DEPTH_ERROR:
+        case simdjson::STRING_ERROR:
+        case simdjson::T_ATOM_ERROR:
+        case simdjson::F_ATOM_ERROR:
+        case simdjson::N_ATOM_ERROR:
+        case simdjson::UTF8_ERROR:
+        case simdjson::EMPTY:
+        case simdjson::UNESCAPED_CHARS:
+        case simdjson::UNCLOSED_STRING:
+            return true;
+        default:
+            return false;
+    }
+}
+
+/// How many containers are open at the deepest place of the text.
+std::size_t nestingOf(std::string_view text) {
+    std::size_t deepest = 0;
+    std::size_t depth = 0;
+    bool isInString = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == '"') {
+            isInString = !isInString;
+        } else if (isInString) {
+            i += c == '\\' ? 1 : 0;
+        } else if (c == '{' || c == '[') {
+            deepest = std::max(deepest, ++depth);
+        } else if ((c == '}' || c == ']') && depth > 0) {
+            --depth;
+        }
+    }
+    return deepest;
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+/// Removes the digits that the text begins with; false where it begins with none.
+bool skipDigits(std::string_view& text) {
+    const std::size_t count = std::min(text.find_first_not_of("0123456789"), text.size());
+    text.remove_prefix(count);
+    return count > 0;
+}
+
+/// Whether the whole text is a number as JSON writes it.
+bool isNumberLiteral(std::string_view text) {
+    const auto skip = [&text](std::string_view characters) {
+        const bool isThere =
+            !text.empty() && characters.find(text.front()) != std::string_view::npos;
+        text.remove_prefix(isThere ? 1 : 0);
+        return isThere;
+    };
+    skip("-");
+    if (!skip("0") && !skipDigits(text)) {
+        return false;
+    }
+    if (skip(".") && !skipDigits(text)) {
+        return false;
+    }
+    if (skip("eE")) {
+        skip("+-");
+        if (!skipDigits(text)) {
+            return false;
+        }
+    }
+    return text.empty();
+}
+
+/// Whether the literal may be one that the parser cannot hold: every shorter one without an
+/// exponent fits into 64 bits.
+bool mayBeTooLarge(std::string_view literal) {
+    constexpr std::size_t kDigitsThatFit = 18;
+    return literal.size() > kDigitsThatFit || literal.find_first_of("eE") != std::string_view::npos;
+}
+
+}  // namespace
+
+class ORVJSONReader::Parser {
+public:
+    explicit Parser(std::size_t longestText) : longestText_(longestText) {
+        allowDepth(kMaxDepth);
+        if (document_.allocate(longestText) != simdjson::SUCCESS) {
+            throw std::bad_alloc();
+        }
+    }
+
+    /// The root of the text; it refers into the parser until the next call. None for what is no
+    /// JSON. kReadableBytesBeyond bytes must be readable after the text.
+    std::optional<dom::element> parse(std::string_view text) {
+        const auto root = parseOnce(text);
+        if (root || provesNoJSON(refusal_)) {
+            return root;
+        }
+        std::string harmless(text);
+        harmless.append(ORVByteBuffer::kReadableBytesBeyond, ' ');
+        const bool isChanged = replaceNumbersThatCannotBeHeld(harmless, text.size());
+        return isChanged ? parseOnce(std::string_view(harmless).substr(0, text.size()))
+                         : std::nullopt;
+    }
+
+private:
+    std::optional<dom::element> parseOnce(std::string_view text) {
+        auto root = parseToDepth(text);
+        if (refusal_ == simdjson::DEPTH_ERROR && nestingOf(text) == kMaxDepth) {
+            // The parser counts one level more below a container that is not empty.
+            allowDepth(kMaxDepth + 1);
+            root = parseToDepth(text);
+            allowDepth(kMaxDepth);
+        }
+        return root;
+    }
+
+    void allowDepth(std::size_t depth) {
+        if (parser_.allocate(longestText_, depth) != simdjson::SUCCESS) {
+            throw std::bad_alloc();
+        }
+    }
+
+    std::optional<dom::element> parseToDepth(std::string_view text) {
+        dom::element root;
+        refusal_ =
+            parser_.parse_into_document(document_, text.data(), text.size(), false).get(root);
+        return refusal_ == simdjson::SUCCESS ? std::optional(root) : std::nullopt;
+    }
+
+    /// Puts "0.500…" in the place of every number outside of strings that the parser refuses by
+    /// itself, leaving the text's length. What follows the text's `size` bytes stays.
+    bool replaceNumbersThatCannotBeHeld(std::string& text, std::size_t size) {
+        bool isChanged = false;
+        bool isInString = false;
+        for (std::size_t i = 0; i < size; ++i) {
+            if (isInString && text[i] == '\\') {
+                ++i;
+            } else if (text[i] == '"') {
+                isInString = !isInString;
+            } else if (!isInString && (isDigit(text[i]) || text[i] == '-')) {
+                const std::size_t end =
+                    std::min(text.find_first_not_of("0123456789+-.eE", i), size);
+                const std::string_view literal = std::string_view(text).substr(i, end - i);
+                if (mayBeTooLarge(literal) && isNumberLiteral(literal) && !parseOnce(literal)) {
+                    text.replace(i, 3, "0.5");
+                    std::fill(text.begin() + static_cast<std::ptrdiff_t>(i) + 3,
+                              text.begin() + static_cast<std::ptrdiff_t>(end), '0');
+                    isChanged = true;
+                }
+                i = end - 1;
+            }
+        }
+        return isChanged;
+    }
+
+    const std::size_t longestText_;
+    dom::parser parser_;
+    dom::document document_;
+    simdjson::error_code refusal_ = simdjson::SUCCESS;
+};
+
+ORVJSONReader::ORVJSONReader() = default;
+ORVJSONReader::~ORVJSONReader() = default;
+
+std::optional<ORVJSONValue> ORVJSONReader::readObject(std::string_view text,
+                                                      const ORVJSONShape& shape) {
+    if (text.size() > kMaxBytes || text.starts_with(kByteOrderMark)) {
+        return std::nullopt;
+    }
+    std::unique_ptr<Parser> largerParser;
+    if (text.size() > kUsualLineBytes) {
+        releaseMemory();
+        largerParser = std::make_unique<Parser>(text.size());
+    } else if (!parser_) {
+        parser_ = std::make_unique<Parser>(kUsualLineBytes);
+    }
+    const auto root = (largerParser ? largerParser : parser_)->parse(text);
+    if (!root || !root->is_object()) {
+        return std::nullopt;
+    }
+    ORVJSONValue object;
+    take(object, *root, shape);
+    return object;
+}
+
+void ORVJSONReader::releaseMemory() {
+    parser_.reset();
+}
+
+const ORVJSONValue& ORVJSONValue::operator[](std::string_view key) const {
+    static const ORVJSONValue kAbsent;
+    const auto found = std::find_if(members.begin(), members.end(),
+                                    [&](const ORVJSONMember& m) { return m.shape->key == key; });
+    return found == members.end() ? kAbsent : found->value;
+}

@@ -2,9 +2,9 @@
 // interpreted once. Takes the size from the attributes that the snapshot read; keeps the rule that
 // a state belongs to one file: another inode or a shorter file starts a fresh one.
 
-#include "platform/bytes.h"
-#include "platform/marked_lines.h"
 #include "sessions/ORVCodexSessionSource.h"
+#include "text/bytes.h"
+#include "text/marked_lines.h"
 
 namespace {
 
@@ -59,11 +59,11 @@ void ORVCodexSessionSource::releaseReadingMemory() {
 
 void ORVCodexSessionSource::consumeCompleteLinesFromState(ORVSessionParseState& state,
                                                           std::string_view chunk) {
-    platform::consumeChunk(state.pendingData, chunk, markers(),
-                           [&](std::string_view line) { consumeLine(line, state); });
+    text::consumeChunk(state.pendingData, chunk, markers(),
+                       [&](std::string_view line) { consumeLine(line, state); });
     state.pendingScanOffset = state.pendingData.size();
 }
 
 bool ORVCodexSessionSource::dataContainsUTF8(std::string_view data, std::string_view needle) {
-    return platform::containsBytes(data, needle);
+    return text::containsBytes(data, needle);
 }

@@ -3,9 +3,9 @@
 
 #include <unordered_set>
 
-#include "platform/paths.h"
 #include "sessions/ORVCodexSessionSource.h"
 #include "sessions/errors.h"
+#include "text/paths.h"
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForSessionURL(
     const std::string& url, ORVErrorSlot* error) {
@@ -26,7 +26,7 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::readFile(const std::str
     }
     refreshTitleIndexIfNeeded();
     std::string threadID =
-        threadIDFromSessionURL(url).value_or(std::string(platform::lastPathComponent(url)));
+        threadIDFromSessionURL(url).value_or(std::string(text::lastPathComponent(url)));
     const auto title = titleIndex_.find(threadID);
     return ORVSessionSnapshot(title == titleIndex_.end() ? "Codex" : title->second,
                               std::move(threadID), url, state.compactionCount, state.contextUsage,

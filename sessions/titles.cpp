@@ -1,9 +1,9 @@
 // The title index: "session_index.jsonl" in the Codex home, to which the agent appends a line at
 // every rename. Read whole, and again only when its date changed.
 
-#include "platform/byte_buffer.h"
-#include "platform/unicode.h"
 #include "sessions/ORVCodexSessionSource.h"
+#include "text/byte_buffer.h"
+#include "text/unicode.h"
 
 namespace {
 
@@ -37,13 +37,13 @@ std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTit
         return std::nullopt;  // Without reading so much in vain again and again.
     }
     auto text = platform::contentsOfFile(files_, path, kIndexLimitBytes);
-    if (!text || !platform::isValidUTF8(*text)) {
+    if (!text || !text::isValidUTF8(*text)) {
         return std::nullopt;
     }
     const std::size_t length = text->size();
     text->append(ORVByteBuffer::kReadableBytesBeyond, ' ');  // As the JSON reader wants it.
     std::map<std::string, std::string> titles;
-    platform::forEachLine(std::string_view(*text).substr(0, length), [&](std::string_view line) {
+    text::forEachLine(std::string_view(*text).substr(0, length), [&](std::string_view line) {
         const auto entry = jsonReader_.readObject(line, entryShape());
         if (!entry) {
             return;

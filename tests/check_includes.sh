@@ -1,6 +1,6 @@
 #!/bin/sh
-# Every include points one way: ctl, shells -> app -> sessions, focus, l10n -> platform. What a
-# folder may include of the others is listed; the core sees no shell and no platform source.
+# Every include points one way: ctl -> shells -> app -> sessions, focus, l10n -> platform -> text.
+# What a folder may include of the others is listed; the core sees no shell and no platform source.
 set -eu
 cd "$(dirname "$0")/.."
 failed=0
@@ -20,18 +20,19 @@ check() { # FOLDER ALLOWED...
     fi
 }
 
-check platform
-check l10n platform
-check sessions platform
-check focus platform
-check app sessions focus l10n platform
-check shells app sessions focus l10n platform
-check ctl shells app sessions focus l10n platform
-check fuzz tests/support ctl shells app sessions focus l10n platform
-check fuzz/model fuzz platform
+check text
+check platform text
+check l10n platform text
+check sessions platform text
+check focus platform text
+check app sessions focus l10n platform text
+check shells app sessions focus l10n platform text
+check ctl shells app sessions focus l10n platform text
+check fuzz tests/support ctl shells app sessions focus l10n platform text
+check fuzz/model fuzz platform text
 
 # A Mac's frameworks stand where nothing else of the program can meet them.
-wrong=$(grep -rnE '^#(import|include) <(AppKit|Foundation)/' app ctl focus fuzz l10n platform sessions shells |
+wrong=$(grep -rnE '^#(import|include) <(AppKit|Foundation)/' app ctl focus fuzz l10n platform sessions shells text |
     grep -vE '^(shells/appkit/|platform/[a-z_]*_apple\.)' || true)
 if [ -n "$wrong" ]; then
     echo "$wrong"

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "app/ORVAppDelegate.h"
-#include "shells/appkit/ORVAppKitSurroundings.h"
+#include "shells/appkit/ORVAppKitHost.h"
 #import "shells/appkit/ORVStatusItemController.h"
 
 NS_ASSUME_NONNULL_BEGIN
@@ -13,7 +13,7 @@ NS_ASSUME_NONNULL_BEGIN
 /// Starts the application when AppKit is ready, and keeps it until the process ends.
 @interface ORVApplicationDelegate : NSObject <NSApplicationDelegate> {
     id<NSObject> activity_;
-    std::unique_ptr<ORVAppKitSurroundings> surroundings_;
+    std::unique_ptr<ORVAppKitHost> host_;
     std::shared_ptr<ORVAppDelegate> delegate_;
     ORVStatusItemController* controller_;
 }

@@ -9,17 +9,17 @@
     activity_ = [[[NSProcessInfo processInfo]
         beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
                           reason:@"Following the task in view"] retain];
-    surroundings_ = std::make_unique<ORVAppKitSurroundings>();
-    delegate_ = std::make_shared<ORVAppDelegate>(*surroundings_);
+    host_ = std::make_unique<ORVAppKitHost>();
+    delegate_ = std::make_shared<ORVAppDelegate>(*host_);
     delegate_->applicationDidFinishLaunching();
     controller_ = [[ORVStatusItemController alloc] initWithDelegate:*delegate_];
-    surroundings_->runLoop().setTurnEnd([controller = controller_] { [controller update]; });
+    host_->runLoop().setTurnEnd([controller = controller_] { [controller update]; });
 }
 
 /// AppKit ends the process while the application still runs, so this is for tests.
 - (void)dealloc {
-    if (surroundings_) {
-        surroundings_->runLoop().setTurnEnd(nullptr);
+    if (host_) {
+        host_->runLoop().setTurnEnd(nullptr);
     }
     [[NSProcessInfo processInfo] endActivity:activity_];
     [activity_ release];

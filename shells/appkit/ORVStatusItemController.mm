@@ -1,7 +1,7 @@
 #import "shells/appkit/ORVStatusItemController.h"
 
 #import "platform/foundation_string_apple.h"
-#include "platform/unicode.h"
+#include "text/unicode.h"
 
 NS_ASSUME_NONNULL_BEGIN
 
@@ -9,7 +9,7 @@ namespace {
 
 /// A title may hold any bytes: that of a task without a name is the name of its file.
 NSString* stringOf(const std::string& text) {
-    return platform::foundationString(platform::withInvalidBytesReplaced(text));
+    return platform::foundationString(text::withInvalidBytesReplaced(text));
 }
 
 SEL _Nullable selectorOf(ORVMenuAction action) {

@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "shells/json/json_text.h"
+#include "text/json_text.h"
 
 namespace json {
 namespace {
@@ -16,11 +16,11 @@ std::string menu(const ORVMenu& shown);
 
 std::string menuItem(const ORVMenuItem& item) {
     if (item.isSeparator()) {
-        return object({{"separator", "true"}});
+        return text::objectJSON({{"separator", "true"}});
     }
     std::vector<std::pair<std::string_view, std::string>> fields = {
-        {"item", quoted(item.field)},
-        {"title", quoted(item.title)},
+        {"item", text::quotedJSON(item.field)},
+        {"title", text::quotedJSON(item.title)},
         {"enabled", boolean(item.enabled)},
         {"hidden", boolean(item.hidden)}};
     if (item.tag) {
@@ -28,16 +28,16 @@ std::string menuItem(const ORVMenuItem& item) {
         fields.emplace_back("state", boolean(item.state));
     }
     if (item.image) {
-        fields.emplace_back("image", quoted(item.image->name));
-        fields.emplace_back("imageDescription", quoted(item.image->description));
+        fields.emplace_back("image", text::quotedJSON(item.image->name));
+        fields.emplace_back("imageDescription", text::quotedJSON(item.image->description));
     }
     if (!item.keyEquivalent.empty()) {
-        fields.emplace_back("keyEquivalent", quoted(item.keyEquivalent));
+        fields.emplace_back("keyEquivalent", text::quotedJSON(item.keyEquivalent));
     }
     if (item.submenu) {
         fields.emplace_back("submenu", menu(*item.submenu));
     }
-    return object(fields);
+    return text::objectJSON(fields);
 }
 
 std::string menu(const ORVMenu& shown) {
@@ -54,9 +54,9 @@ std::string menu(const ORVMenu& shown) {
 }  // namespace
 
 std::string statusItem(const ORVStatusItem& statusItem) {
-    return object({{"title", quoted(statusItem.title)},
-                   {"toolTip", quoted(statusItem.toolTip)},
-                   {"menu", menu(*statusItem.menu)}});
+    return text::objectJSON({{"title", text::quotedJSON(statusItem.title)},
+                             {"toolTip", text::quotedJSON(statusItem.toolTip)},
+                             {"menu", menu(*statusItem.menu)}});
 }
 
 }  // namespace json

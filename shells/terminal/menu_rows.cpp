@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/unicode.h"
+#include "text/unicode.h"
 
 namespace terminal {
 namespace {
@@ -72,7 +72,7 @@ std::string_view symbol(const ORVMenuItem& item, const Screen& screen) {
 }
 
 std::string shown(const std::string& text, const Screen& screen) {
-    const std::string safe = platform::forTerminal(text);
+    const std::string safe = text::forTerminal(text);
     return screen.showsUnicode ? safe : asciiText(safe);
 }
 

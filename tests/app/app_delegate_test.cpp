@@ -19,7 +19,7 @@ constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
 constexpr const char* kLog = "Library/Logs/com.openai.codex/main.log";
 
 /// Everything by hand: the queue runs when told to, and what the application does is noted down.
-class ManualSurroundings final : public ORVAppSurroundings {
+class ManualHost final : public ORVAppHost {
 public:
     std::string notes;
     MemoryDefaults defaults;
@@ -44,14 +44,14 @@ public:
 private:
     class Queue final : public ORVSerialQueue {
     public:
-        explicit Queue(ManualSurroundings& owner) : owner_(owner) {}
+        explicit Queue(ManualHost& owner) : owner_(owner) {}
         void dispatch(std::function<void()> closure) override {
             owner_.notes += owner_.loop.timersMade == 0 ? "dispatch-before-timer " : "dispatch ";
             owner_.dispatched.push_back(std::move(closure));
         }
 
     private:
-        ManualSurroundings& owner_;
+        ManualHost& owner_;
     };
 };
 
@@ -118,7 +118,7 @@ protected:
     }
 
     TemporaryHome home;
-    ManualSurroundings around;
+    ManualHost around;
     std::shared_ptr<ORVAppDelegate> app = std::make_shared<ORVAppDelegate>(around);
     const std::string file = ".codex/sessions/2026/" + std::string(kTask) + ".jsonl";
 };

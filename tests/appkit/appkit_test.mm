@@ -392,8 +392,8 @@ TEST_F(AppKitTest, WhatATurnLeavesBehindEndsWithIt) {
 }
 
 TEST_F(AppKitTest, TheQueueIsPrivateSerialAndNamed) {
-    ORVAppKitSurroundings surroundings;
-    const auto queue = surroundings.makeSerialQueue("a.label");
+    ORVAppKitHost host;
+    const auto queue = host.makeSerialQueue("a.label");
     std::string label;
     bool isOnMainThread = true;
     bool hasEnded = false;

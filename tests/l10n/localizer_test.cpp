@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "l10n/ORVLocalizer.h"
-#include "platform/unicode.h"
 #include "tests/support/MemoryDefaults.h"
+#include "text/unicode.h"
 
 namespace {
 
@@ -24,8 +24,8 @@ TEST(StringTablesTest, BothLanguagesHaveTheSameKeysAndPlaceholders) {
         const std::string& other = chinese.find(key)->second;
         EXPECT_EQ(placeholders(text), placeholders(other));
         for (const std::string& each : {text, other}) {
-            EXPECT_TRUE(platform::isValidUTF8(each));
-            EXPECT_EQ(each, platform::forTerminal(each));
+            EXPECT_TRUE(text::isValidUTF8(each));
+            EXPECT_EQ(each, text::forTerminal(each));
             EXPECT_FALSE(each.empty() || each.starts_with(' ') || each.ends_with(' '));
             EXPECT_EQ(std::string::npos, each.find("  "));
             EXPECT_EQ(std::string::npos, each.find("...")) << "an ellipsis is one character";

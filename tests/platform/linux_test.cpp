@@ -8,8 +8,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -17,7 +19,7 @@
 #include "platform/preferred_languages.h"
 #include "platform/time_of_day.h"
 #include "platform/user_defaults.h"
-#include "shells/ORVPosixSurroundings.h"
+#include "shells/ORVPosixHost.h"
 #include "tests/support/MemoryDefaults.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -71,14 +73,41 @@ TEST(TimeOfDayTest, MediumStyleInTheUsersZone) {
 class UserDefaultsTest : public testing::Test {
 protected:
     UserDefaultsTest() { setenv("XDG_CONFIG_HOME", home.path("config").c_str(), 1); }
-    ~UserDefaultsTest() override { unsetenv("XDG_CONFIG_HOME"); }
+    ~UserDefaultsTest() override {
+        unsetenv("XDG_CONFIG_HOME");
+        home_ ? setenv("HOME", home_->c_str(), 1) : unsetenv("HOME");
+    }
 
     std::optional<std::int64_t> stored() {
-        return platform::standardUserDefaults([](const std::string&) {})->integerForKey("mode");
+        return platform::standardUserDefaults([](const ORVStoringFailure&) {})
+            ->integerForKey("mode");
+    }
+
+    /// Twice, as from a menu; what was complained of stands in `complaints`, a line each.
+    void store(std::int64_t value) {
+        complaints.clear();
+        const auto defaults = platform::standardUserDefaults([&](const ORVStoringFailure& failure) {
+            complaints += failure.path + ": " + failure.reason + '\n';
+        });
+        defaults->setInteger(value, "mode");
+        defaults->setInteger(value, "mode");
+    }
+
+    std::string contentOf(const std::string& name) {
+        if (std::filesystem::is_directory(home.path(name))) {
+            return "";
+        }
+        std::ifstream content(home.path(name));
+        return {std::istreambuf_iterator<char>(content), {}};
     }
 
     TemporaryHome home;
     const std::string file = "config/brimlet/defaults.json";
+    std::string complaints;
+
+private:
+    const std::optional<std::string> home_ =
+        getenv("HOME") ? std::optional(std::string(getenv("HOME"))) : std::nullopt;
 };
 
 TEST_F(UserDefaultsTest, ForeignValuesAreReadAsTheyCanBe) {
@@ -102,36 +131,79 @@ TEST_F(UserDefaultsTest, ForeignValuesAreReadAsTheyCanBe) {
 }
 
 TEST_F(UserDefaultsTest, AreStoredWholeBesideOtherKeys) {
-    home.write(file, R"({"theirs":"kept"})");
-    const auto defaults = platform::standardUserDefaults([](const std::string&) { FAIL(); });
-    defaults->setInteger(2, "mode");
-    EXPECT_EQ(2, defaults->integerForKey("mode"));
-    std::ifstream content(home.path(file));
-    std::string line;
-    std::getline(content, line);
-    EXPECT_EQ(R"({"theirs":"kept","mode":2})", line);
+    home.write(file, R"({"mode":0,"their \"own\"":[1.5,{"a":null}],"mode":1})");
+    chmod(home.path(file).c_str(), 0644);
+    store(2);
+    EXPECT_EQ("", complaints);
+    EXPECT_EQ(2, stored());
+    EXPECT_EQ("{\"their \\\"own\\\"\":[1.5,{\"a\":null}],\"mode\":2}\n", contentOf(file));
+    struct stat status {};
+    stat(home.path(file).c_str(), &status);
+    EXPECT_EQ(0644U, status.st_mode & 07777);
     home.remove("config");
-    defaults->setInteger(1, "mode");
+    store(1);
     EXPECT_EQ(1, stored()) << "folders are made as needed";
+    home.makeFolder("empty");
+    setenv("HOME", home.path("no-home").c_str(), 1);
+    unsetenv("XDG_CONFIG_HOME");
+    store(1);
+    EXPECT_FALSE(home.holds("no-home")) << "a home folder is not";
+    EXPECT_NE("", complaints);
+}
+
+TEST_F(UserDefaultsTest, ALinkIsFollowedToSettingsOfTheSameOwnerOnly) {
+    home.write("elsewhere/settings", R"({"a":1})");
+    home.makeFolder("config/brimlet");
+    home.makeLink(file, "../../elsewhere/settings");
+    store(2);
+    EXPECT_EQ("", complaints);
+    EXPECT_EQ("{\"a\":1,\"mode\":2}\n", contentOf("elsewhere/settings"));
+    EXPECT_EQ(std::vector{home.path("elsewhere")}, platform::foldersOfUserDefaults());
+    if (geteuid() == 0 && chown(home.path("elsewhere/settings").c_str(), 12345, 12345) == 0) {
+        store(1);
+        EXPECT_NE(std::string::npos, complaints.find("another user")) << complaints;
+        EXPECT_EQ(2, stored());
+        EXPECT_EQ(0, chown(home.path("elsewhere/settings").c_str(), 0, 0));
+        EXPECT_EQ(0, lchown(home.path(file).c_str(), 12345, 12345));
+        store(1);
+        EXPECT_EQ(2, stored()) << "a user's link in the way of root";
+    }
+}
+
+TEST_F(UserDefaultsTest, WhatIsNoSettingsFileStaysAsItIs) {
+    home.write("notes", "# not settings\n");
+    home.write("large", "{\"a\":\"" + std::string(70'000, 'x') + "\"}");
+    home.write("list", "[1]");
+    home.makeFolder("folder");
+    for (const char* target : {"notes", "large", "list", "folder", "nowhere", "/dev/null"}) {
+        home.remove("config");
+        home.makeFolder("config/brimlet");
+        home.makeLink(file, *target == '/' ? target : home.path(target));
+        const std::string before = contentOf(file);
+        store(2);
+        EXPECT_EQ(1, std::count(complaints.begin(), complaints.end(), '\n')) << complaints;
+        EXPECT_TRUE(complaints.starts_with(home.path(file) + ": ")) << complaints;
+        EXPECT_TRUE(std::filesystem::is_symlink(home.path(file))) << target;
+        EXPECT_EQ(before, contentOf(file)) << target;
+        EXPECT_FALSE(home.holds("nowhere"));
+        EXPECT_TRUE(platform::foldersOfUserDefaults().empty()) << "nothing is left to write in";
+    }
+    home.remove("config");
+    home.write(file, "not JSON");
+    store(2);
+    EXPECT_EQ("not JSON", contentOf(file));
 }
 
 TEST_F(UserDefaultsTest, SayWhereTheyAreStored) {
-    EXPECT_EQ(home.root(), platform::foldersOfUserDefaults().front()) << "the first that exists";
-    home.write("elsewhere/settings", "{}");
-    home.makeFolder("config/brimlet");
-    home.makeLink(file, "../../elsewhere/settings");
-    EXPECT_EQ((std::vector{home.path("config/brimlet"), home.path("elsewhere")}),
-              platform::foldersOfUserDefaults());
+    EXPECT_EQ(std::vector{home.root()}, platform::foldersOfUserDefaults()) << "what exists so far";
+    EXPECT_EQ(home.path(file), platform::placeOfUserDefaults());
 }
 
 TEST_F(UserDefaultsTest, AFolderThatCannotBeWrittenIsToldOnce) {
     home.write("config/brimlet", "a file in the folder's place");
-    int complaints = 0;
-    const auto defaults = platform::standardUserDefaults([&](const std::string&) { ++complaints; });
-    defaults->setInteger(1, "mode");
-    defaults->setInteger(2, "mode");
-    EXPECT_EQ(1, complaints);
-    EXPECT_EQ(std::nullopt, defaults->integerForKey("mode"));
+    store(1);
+    EXPECT_EQ(1, std::count(complaints.begin(), complaints.end(), '\n')) << complaints;
+    EXPECT_EQ(std::nullopt, stored());
 }
 
 #ifdef BRIMLET_IS_CONFINED
@@ -146,7 +218,7 @@ protected:
     int confined(Attempts attempts) {
         const pid_t child = fork();
         if (child == 0) {
-            platform::giveUpRights({home.path("open")});
+            platform::confineProcess({home.path("open")});
             attempts();
             _exit(0);
         }
@@ -198,7 +270,7 @@ TEST_F(ConfinementTest, WritingIsRefusedButInTheFolderGiven) {
                   expect(5, mkdir(home.path("open/folder").c_str(), 0700) == 0);
                   expect(6, rename(home.path("open/other").c_str(), old.c_str()) == 0);
                   std::thread([&] {
-                      platform::giveUpWriting();
+                      platform::confineThreadToReading();
                       expect(7, !canWrite("open/another"));
                       expect(8, isRefused(unlink(old.c_str())));
                       expect(9, open(old.c_str(), O_RDONLY) >= 0);
@@ -209,12 +281,11 @@ TEST_F(ConfinementTest, WritingIsRefusedButInTheFolderGiven) {
 
 TEST_F(ConfinementTest, TheThreadThatReadsForTheMenuWritesNothing) {
     EXPECT_EQ(0, confined([&] {
-                  ORVPosixSurroundings surroundings(platform::makeFiles(),
-                                                    std::make_unique<MemoryDefaults>(),
-                                                    [](const std::string&) {});
-                  const auto queue = surroundings.makeSerialQueue("");
+                  ORVPosixHost host(platform::makeFiles(), std::make_unique<MemoryDefaults>(),
+                                    [](const std::string&) {});
+                  const auto queue = host.makeSerialQueue("");
                   queue->dispatch([&] { expect(1, !canWrite("open/other")); });
-                  while (!surroundings.readerIsIdle()) {
+                  while (!host.readerIsIdle()) {
                   }
                   expect(2, canWrite("open/other"));
               }));

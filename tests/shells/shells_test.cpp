@@ -5,12 +5,12 @@
 #include <mutex>
 
 #include "app/ORVAppDelegate.h"
-#include "platform/unicode.h"
 #include "shells/ORVCommandInput.h"
 #include "shells/ORVLineOutput.h"
-#include "shells/ORVPosixSurroundings.h"
+#include "shells/ORVPosixHost.h"
 #include "shells/terminal/menu_rows.h"
 #include "tests/support/MemoryDefaults.h"
+#include "text/unicode.h"
 
 namespace {
 
@@ -50,10 +50,10 @@ TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
     setenv("LANGUAGE", "en", 1);
     auto owned = std::make_unique<HangingFiles>();
     HangingFiles& files = *owned;
-    ORVPosixSurroundings surroundings(std::move(owned), std::make_unique<MemoryDefaults>(),
-                                      [](const std::string&) {});
-    auto app = std::make_shared<ORVAppDelegate>(surroundings);
-    ORVPosixRunLoop& loop = surroundings.runLoop();
+    ORVPosixHost host(std::move(owned), std::make_unique<MemoryDefaults>(),
+                      [](const std::string&) {});
+    auto app = std::make_shared<ORVAppDelegate>(host);
+    ORVPosixRunLoop& loop = host.runLoop();
     std::string titles;
     loop.setTurnEnd([&] { titles += app->statusItem().title + "|"; });
     loop.post([&] { app->applicationDidFinishLaunching(); });
@@ -62,9 +62,9 @@ TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
     loop.post([&] { app->performKeyEquivalent("q"); });
     EXPECT_EQ(0, loop.run());
     EXPECT_EQ("C– · --%|Checking…|正在检测…|正在检测…|", titles);
-    EXPECT_FALSE(surroundings.readerIsIdle());
+    EXPECT_FALSE(host.readerIsIdle());
     files.goOn();
-    while (!surroundings.readerIsIdle()) {
+    while (!host.readerIsIdle()) {
     }
     loop.dropClosures();
 }
@@ -205,7 +205,7 @@ protected:
         std::string text;
         for (const terminal::Row& row : terminal::menuRows(statusItem, selected, isOpen, screen)) {
             EXPECT_EQ(screen.columns, terminal::textColumns(row.text)) << row.text;
-            EXPECT_EQ(row.text, platform::forTerminal(row.text));
+            EXPECT_EQ(row.text, text::forTerminal(row.text));
             text += row.text + (row.isSelected ? "<\n" : "\n");
         }
         return text;

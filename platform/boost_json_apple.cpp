@@ -1,3 +1,0 @@
-// The whole of Boost.JSON.
-
-#include <boost/json/src.hpp>

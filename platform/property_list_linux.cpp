@@ -1,0 +1,45 @@
+// Property lists through pugixml, which neither recurses nor resolves entities of a document's own.
+// Only the XML form is read: on Linux the file exists only where somebody copied it.
+// Test: tests/platform/property_list_test.cpp.
+
+#include <cstring>
+#include <pugixml.hpp>
+
+#include "platform/property_list.h"
+#include "text/unicode.h"
+
+namespace platform {
+namespace {
+
+bool isNamed(const pugi::xml_node& node, const char* name) {
+    return std::strcmp(node.name(), name) == 0;
+}
+
+/// The whole text of an element, which comments and CDATA sections may divide.
+std::string textOf(const pugi::xml_node& element) {
+    std::string text;
+    for (const pugi::xml_node& piece : element) {
+        text += piece.value();
+    }
+    return text;
+}
+
+}  // namespace
+
+std::optional<std::string> propertyListString(std::string_view bytes, const std::string& key) {
+    pugi::xml_document document;
+    if (!document.load_buffer(bytes.data(), bytes.size())) {
+        return std::nullopt;
+    }
+    std::optional<std::string> found;
+    pugi::xml_node value;
+    for (const pugi::xml_node& name : document.child("plist").child("dict").children("key")) {
+        if (textOf(name) == key) {
+            value = name.next_sibling();
+            found = isNamed(value, "string") ? std::optional(textOf(value)) : std::nullopt;
+        }
+    }
+    return found && text::isValidUTF8(*found) ? found : std::nullopt;
+}
+
+}  // namespace platform

@@ -1,0 +1,29 @@
+#include "shells/ORVPosixHost.h"
+
+#include <cstdlib>
+
+#include "platform/confinement.h"
+
+ORVPosixHost::ORVPosixHost(std::unique_ptr<ORVFiles> files,
+                           std::unique_ptr<ORVUserDefaults> userDefaults,
+                           std::function<void(const std::string&)> complain)
+    : files_(std::move(files)),
+      userDefaults_(std::move(userDefaults)),
+      complain_(std::move(complain)) {}
+
+std::unique_ptr<ORVSerialQueue> ORVPosixHost::makeSerialQueue(const std::string&) {
+    auto queue = std::make_unique<platform::ThreadQueue>();
+    queue_ = queue.get();
+    if (!queue->hasThread()) {
+        complain_("cannot start a thread");
+        runLoop_.stop(EXIT_FAILURE);
+    }
+    queue->dispatch(
+        platform::confineThreadToReading);  // It reads what others wrote, and stores nothing.
+    return queue;
+}
+
+bool ORVPosixHost::readerIsIdle() {
+    constexpr std::chrono::milliseconds kPatience(100);
+    return !queue_ || queue_->waitUntilIdle(kPatience);
+}

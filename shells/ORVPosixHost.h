@@ -1,0 +1,38 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/ORVAppHost.h"
+#include "platform/posix_run_loop.h"
+#include "platform/thread_queue.h"
+
+/// The application's host in a process without a desktop: a loop over descriptors and a
+/// thread.
+class ORVPosixHost final : public ORVAppHost {
+public:
+    /// `complain` hears what the user should know, at most once each. Without a thread for the
+    /// queue the loop ends at once.
+    ORVPosixHost(std::unique_ptr<ORVFiles> files, std::unique_ptr<ORVUserDefaults> userDefaults,
+                 std::function<void(const std::string&)> complain);
+
+    ORVUserDefaults& standardUserDefaults() override { return *userDefaults_; }
+    std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) override;
+    ORVPosixRunLoop& runLoop() override { return runLoop_; }
+    ORVFiles& files() override { return *files_; }
+    const ORVClock& clock() override { return clock_; }
+    void terminate() override { runLoop_.stop(0); }
+
+    /// Waits a moment for a read under way; false while it hangs. The process must then be left
+    /// without destroying anything that it uses.
+    bool readerIsIdle();
+
+private:
+    ORVPosixRunLoop runLoop_;
+    ORVSystemClock clock_;
+    std::unique_ptr<ORVFiles> files_;
+    std::unique_ptr<ORVUserDefaults> userDefaults_;
+    const std::function<void(const std::string&)> complain_;
+    platform::ThreadQueue* queue_ = nullptr;  ///< Owned by the delegate.
+};

@@ -1,0 +1,17 @@
+#include "shells/appkit/ORVAppKitHost.h"
+
+#import <AppKit/AppKit.h>
+
+#include "platform/dispatch_queue.h"
+
+ORVAppKitHost::ORVAppKitHost()
+    : files_(platform::makeFiles()),
+      userDefaults_(platform::standardUserDefaults([](const ORVStoringFailure&) {})) {}
+
+std::unique_ptr<ORVSerialQueue> ORVAppKitHost::makeSerialQueue(const std::string& label) {
+    return std::make_unique<platform::DispatchQueue>(label);
+}
+
+void ORVAppKitHost::terminate() {
+    [[NSApplication sharedApplication] terminate:nil];
+}

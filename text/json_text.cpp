@@ -1,0 +1,82 @@
+// JSON as scripts read it: one value at a time, no spaces, strings in valid UTF-8.
+
+#include "text/json_text.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+#include "text/unicode.h"
+
+namespace text {
+namespace {
+
+std::string escaped(char c) {
+    constexpr std::string_view kNamed = "\"\\\b\f\n\r\t";
+    constexpr std::string_view kNames = "\"\\bfnrt";
+    const std::size_t name = kNamed.find(c);
+    if (name != std::string_view::npos) {
+        return {'\\', kNames[name]};
+    }
+    std::array<char, 8> code{};
+    std::snprintf(code.data(), code.size(), "\\u%04x", static_cast<unsigned>(c));
+    return code.data();
+}
+
+/// The fewest digits that read back as the value, in the form "d.ddde+xx".
+std::string shortestDigits(double value) {
+    constexpr int kDigitsOfEveryDouble = 17;
+    std::array<char, 64> text{};
+    for (int digits = 0; digits < kDigitsOfEveryDouble; ++digits) {
+        std::snprintf(text.data(), text.size(), "%.*e", digits, value);
+        if (std::strtod(text.data(), nullptr) == value) {
+            break;
+        }
+    }
+    return text.data();
+}
+
+}  // namespace
+
+std::string quotedJSON(std::string_view bytes) {
+    std::string text = "\"";
+    for (const char c : withInvalidBytesReplaced(bytes)) {
+        const bool isPlain = static_cast<unsigned char>(c) >= ' ' && c != '"' && c != '\\';
+        text += isPlain ? std::string(1, c) : escaped(c);
+    }
+    return text + '"';
+}
+
+std::string numberJSON(double value) {
+    const std::string scientific = shortestDigits(value);
+    const std::size_t exponentMark = scientific.find('e');
+    std::string digits = scientific.substr(0, exponentMark);
+    std::erase(digits, '.');
+    const int exponent = std::atoi(scientific.c_str() + exponentMark + 1);
+    const int digitsBeforePoint = exponent + 1;
+    const int count = static_cast<int>(digits.size());
+    if (digitsBeforePoint <= 0) {
+        return "0." + std::string(static_cast<std::size_t>(-digitsBeforePoint), '0') + digits;
+    }
+    if (digitsBeforePoint >= count) {
+        return digits + std::string(static_cast<std::size_t>(digitsBeforePoint - count), '0');
+    }
+    return digits.insert(static_cast<std::size_t>(digitsBeforePoint), ".");
+}
+
+std::string quotedJSONOrNull(const std::optional<std::string>& bytes) {
+    return bytes ? quotedJSON(*bytes) : "null";
+}
+
+std::string objectJSON(const std::vector<std::pair<std::string_view, std::string>>& fields) {
+    std::string text = "{";
+    for (const auto& [key, value] : fields) {
+        if (text.size() > 1) {
+            text += ',';
+        }
+        text += quotedJSON(key) + ':' + value;
+    }
+    return text + '}';
+}
+
+}  // namespace text

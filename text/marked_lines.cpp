@@ -1,0 +1,68 @@
+#include "text/marked_lines.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace text {
+namespace {
+
+constexpr std::size_t kStepBytes = 256;
+
+const char* findLineFeed(const char* begin, const char* end) {
+    const void* found = std::memchr(begin, '\n', static_cast<std::size_t>(end - begin));
+    return found ? static_cast<const char*>(found) : end;
+}
+
+/// The byte after the last line feed of [begin, end), or `begin`. Steps back block by block, since
+/// only the search forward is fast everywhere.
+const char* lineStartBefore(const char* begin, const char* end) {
+    while (end != begin) {
+        const char* block = end - std::min(static_cast<std::size_t>(end - begin), kStepBytes);
+        const char* lineStart = block;
+        for (const char* lineFeed = findLineFeed(block, end); lineFeed != end;
+             lineFeed = findLineFeed(lineStart, end)) {
+            lineStart = lineFeed + 1;
+        }
+        if (lineStart != block) {
+            return lineStart;
+        }
+        end = block;
+    }
+    return begin;
+}
+
+}  // namespace
+
+void consumeChunk(ORVByteBuffer& pending, std::string_view chunk, const ORVMarkerSearch& markers,
+                  const std::function<void(std::string_view line)>& consumeLine) {
+    const char* position = chunk.data();
+    const char* const end = position + chunk.size();
+    if (!pending.empty()) {
+        const char* lineFeed = findLineFeed(position, end);
+        pending.append({position, lineFeed});
+        if (lineFeed == end) {
+            return;
+        }
+        const std::string_view line = pending.bytes();
+        if (markers.find(line.data(), line.data() + line.size()) != line.data() + line.size()) {
+            consumeLine(line);
+        }
+        pending.clear();
+        position = lineFeed + 1;
+    }
+    const char* const restStart = lineStartBefore(position, end);
+    while (position != restStart) {
+        // The range ends behind a line feed, so that a marker found in it has its whole line there.
+        const char* marker = markers.find(position, restStart);
+        if (marker == restStart) {
+            break;
+        }
+        const char* lineStart = lineStartBefore(position, marker);
+        const char* lineEnd = findLineFeed(marker, restStart);
+        consumeLine({lineStart, lineEnd});
+        position = lineEnd + 1;
+    }
+    pending.append({restStart, end});
+}
+
+}  // namespace text

@@ -1,0 +1,13 @@
+// Compiled with AVX2 enabled; everything in here is called only where the processor has it.
+
+#include "text/marker_scan.h"
+#include "text/marker_search_wide.h"
+
+namespace text {
+
+const char* findMarkerWide(const ScannedMarker* markers, std::size_t count, const char* begin,
+                           const char* end) {
+    return MarkerScan<32>(markers, count, begin, end).run();
+}
+
+}  // namespace text

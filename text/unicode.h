@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+/// Questions about UTF-8 text. Every function takes any bytes; none throws or fails.
+namespace text {
+
+bool isValidUTF8(std::string_view bytes);
+
+/// Whether `needle` stands anywhere in `text`, letter case disregarded. Bytes that are not UTF-8
+/// are equal only to themselves; the letters of such a text are then compared as ASCII.
+bool containsIgnoringCase(std::string_view text, std::string_view needle);
+
+/// The position of the first white space of a line at or after `start`: a tab or a space separator
+/// (Unicode category Zs); line ends are none. The text's length where there is none.
+std::size_t findWhiteSpace(std::string_view text, std::size_t start = 0);
+
+/// Hands over the lines of a text, ends cut off: LF, CR, CR LF, U+0085, U+2028 and U+2029 each end
+/// a line. What follows the last end is a line too unless it is empty.
+void forEachLine(std::string_view text, const std::function<void(std::string_view)>& visit);
+
+/// The text with U+FFFD in place of every maximal piece of bytes that is not UTF-8, as a decoder
+/// would show it.
+std::string withInvalidBytesReplaced(std::string_view bytes);
+
+/// Like withInvalidBytesReplaced, and with a space in place of every control character (C0, DEL,
+/// C1), so that nothing in it can steer a terminal.
+std::string forTerminal(std::string_view bytes);
+
+}  // namespace text
