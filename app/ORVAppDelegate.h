@@ -79,6 +79,17 @@ public:
 
     const ORVStatusItem& statusItem() const { return statusItem_; }
 
+    // What the last refresh found out of the task shown; none while none is.
+    const std::optional<ORVSessionSnapshot>& lastSnapshot() const { return lastSnapshot_; }
+    const std::optional<std::string>& lastFolder() const { return lastFolder_; }
+    const std::shared_ptr<const ORVHistory>& lastHistory() const { return lastHistory_; }
+
+    /// Why no task is shown, in words; "" while one is, and before the first refresh is done.
+    std::string focusLine() const { return focusItem_->hidden ? "" : focusItem_->title; }
+
+    /// "zh_CN" or "en_US": the language in which everything is shown, for dates.
+    std::string locale() const { return localizer_->locale(); }
+
 private:
     // Refresh cycle (refresh_cycle.cpp)
     void finishRefresh(ORVRefreshResults&& results);
@@ -120,7 +131,10 @@ private:
     std::unique_ptr<ORVLocalizer> localizer_;
 
     // The results of the last refresh, for rendering them again.
+    ORVRefreshRequest request_;
     std::optional<ORVSessionSnapshot> lastSnapshot_;
+    std::optional<std::string> lastFolder_;
+    std::shared_ptr<const ORVHistory> lastHistory_;
     std::optional<ORVCodexFocusState> lastFocusState_;
     ORVErrorSlot lastError_;
 

@@ -46,6 +46,8 @@ struct ORVMenu {
 
 struct ORVStatusItem {
     std::string title;  ///< The text in the menu bar.
+    /// The share of the context window in use that the title tells; none where it tells none.
+    std::optional<double> percentage;
     std::string toolTip;
     std::unique_ptr<ORVMenu> menu;
 };

@@ -16,7 +16,10 @@ void ORVAppDelegate::applicationDidFinishLaunching() {
     statusItem_.toolTip = "Brimlet";
     statusItem_.menu = buildMenu();
     applyLocalization();
-    source_ = std::make_unique<ORVCodexSessionSource>(host_.files(), host_.clock());
+    request_ = host_.refreshRequest();
+    source_ =
+        std::make_unique<ORVCodexSessionSource>(host_.files(), host_.clock(), host_.codexHome());
+    source_->keepHistories(request_.eventsPerFile);
     focusSource_ = std::make_unique<ORVCodexFocusLogSource>(host_.files());
     refresh(nullptr);
     refreshTimer_ =
@@ -34,7 +37,7 @@ void ORVAppDelegate::refresh(const ORVMenuItem* sender) {
     refreshing_ = true;
     refreshQueue_->dispatch([self = shared_from_this()] {
         auto results = std::make_shared<ORVRefreshResults>(
-            app::refreshFromFiles(*self->focusSource_, *self->source_));
+            app::refreshFromFiles(self->request_, *self->focusSource_, *self->source_));
         self->host_.runLoop().post([self, results] { self->finishRefresh(std::move(*results)); });
     });
 }
@@ -46,6 +49,8 @@ void ORVAppDelegate::finishRefresh(ORVRefreshResults&& results) {
     lastFocusState_ = std::move(results.focusState);
     lastError_ = std::move(results.error);
     lastSnapshot_ = std::move(results.snapshot);  // A stale one is never kept.
+    lastFolder_ = std::move(results.folder);
+    lastHistory_ = std::move(results.history);
     if (lastSnapshot_) {
         renderSnapshot(*lastSnapshot_);
     } else {

@@ -1,6 +1,73 @@
+// What a refresh reads, and the one place where it is decided which task is shown. Where the user
+// has named a task the logs are not read, and a focus state is made up that lets the menu say why
+// nothing is shown. Tests: tests/app/app_test.cpp.
+
 #include "app/refresh_step.h"
 
+#include <cerrno>
+#include <new>
+#include <utility>
+
+#include "sessions/errors.h"
+
 namespace app {
+namespace {
+
+std::optional<ORVSessionSnapshot> snapshotOf(const ORVShownTask& task,
+                                             ORVCodexSessionSource& source, ORVErrorSlot* error) {
+    switch (task.choice) {
+        case ORVShownTask::Choice::inView:
+            break;
+        case ORVShownTask::Choice::latest:
+            return source.latestSnapshotWithError(error);
+        case ORVShownTask::Choice::identified:
+            return source.snapshotForThreadID(task.value, error);
+        case ORVShownTask::Choice::inFolder:
+            return source.snapshotForFolder(task.value, error);
+    }
+    return std::nullopt;
+}
+
+ORVCodexFocusState focusStateFor(const std::optional<ORVSessionSnapshot>& snapshot,
+                                 const ORVErrorSlot& error) {
+    const bool isFolderMissing = !snapshot && error && error->domain == sessions::kErrorDomain &&
+                                 error->code == sessions::ORVErrorSessionsDirectoryMissing;
+    return {isFolderMissing ? ORVCodexFocusStatusLogsUnavailable : ORVCodexFocusStatusTaskInView,
+            snapshot ? std::optional(snapshot->threadID()) : std::nullopt, std::nullopt, ""};
+}
+
+ORVRefreshResults refreshOfChosenTask(const ORVShownTask& task, ORVCodexSessionSource& source) {
+    ORVErrorSlot error;
+    auto snapshot = snapshotOf(task, source, &error);
+    ORVCodexFocusState focusState = focusStateFor(snapshot, error);
+    return {std::move(focusState), std::move(snapshot), std::move(error), std::nullopt, nullptr};
+}
+
+}  // namespace
+
+ORVRefreshResults refreshFromFiles(const ORVRefreshRequest& request,
+                                   ORVCodexFocusLogSource& focusSource,
+                                   ORVCodexSessionSource& source) {
+    try {
+        ORVRefreshResults results = request.task.choice == ORVShownTask::Choice::inView
+                                        ? refreshFromFiles(focusSource, source)
+                                        : refreshOfChosenTask(request.task, source);
+        if (results.snapshot && request.wantsFolder) {
+            results.folder = source.workingFolderForSessionURL(results.snapshot->fileURL());
+        }
+        if (results.snapshot && request.eventsPerFile > 0) {
+            results.history = source.historyForThreadID(results.snapshot->threadID());
+        }
+        return results;
+    } catch (const std::bad_alloc&) {
+        // A source frees what a file took; this is for what is left, a walk over very many files.
+        return {{ORVCodexFocusStatusTaskInView, std::nullopt, std::nullopt, ""},
+                std::nullopt,
+                platform::posixError(ENOMEM),
+                std::nullopt,
+                nullptr};
+    }
+}
 
 ORVRefreshResults refreshFromFiles(ORVCodexFocusLogSource& focusSource,
                                    ORVAgentSessionSource& source) {
@@ -10,7 +77,7 @@ ORVRefreshResults refreshFromFiles(ORVCodexFocusLogSource& focusSource,
     if (focusState.status() == ORVCodexFocusStatusTaskInView) {
         snapshot = source.snapshotForThreadID(*focusState.threadID(), &error);
     }
-    return {std::move(focusState), std::move(snapshot), std::move(error)};
+    return {std::move(focusState), std::move(snapshot), std::move(error), std::nullopt, nullptr};
 }
 
 }  // namespace app

@@ -55,6 +55,9 @@ public:
                                                       ORVErrorSlot* error) override;
     std::optional<ORVFileDate> contentModificationDate(const std::string& path) override;
     bool itemExists(const std::string& path) override;
+    std::optional<std::string> realPath(const std::string& path) override {
+        return itemExists(path) ? std::optional(path) : std::nullopt;
+    }
     std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
                                                 ORVErrorSlot* error) override;
 

@@ -30,6 +30,7 @@ struct ORVFileAttributes {
 struct ORVWalkedFile {
     std::string path;  ///< The root's path and the names below it, bytes as the system gave them.
     ORVFileDate modifiedAt;
+    std::uint64_t fileNumber = 0;  ///< The inode; 0 where the file system has none.
 };
 
 /// An open file. Closed when destroyed.
@@ -45,9 +46,9 @@ public:
 
 /// Everything that Brimlet ever asks of the file system. Nothing here writes.
 ///
-/// Paths are bytes without an encoding. Called on the refresh queue,
-/// but for the search for the installed application when its source is made. Tests put faults in
-/// here.
+/// Paths are bytes without an encoding. Called on the refresh queue, but for the search for the
+/// installed application when its source is made; the real one may be used by several threads at
+/// once. Tests put faults in here.
 class ORVFiles {
 public:
     using NameTest = std::function<bool(std::string_view name)>;
@@ -59,8 +60,8 @@ public:
     /// Visits every regular file below `root`, to any depth, whose name `wanted` accepts and whose
     /// attributes can be read. Hidden files are passed over, hidden folders not entered, symbolic
     /// links neither visited nor followed (but the root itself may be one). Each folder that cannot
-    /// be read is told to `failed`, and the walk goes on. False when the root itself cannot be
-    /// opened; `failed` has heard of it then, too.
+    /// be read is reported to `failed`, and the walk goes on. False when the root itself cannot be
+    /// opened; that is reported, too.
     virtual bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
                       const ErrorHandler& failed) = 0;
 
@@ -73,6 +74,10 @@ public:
 
     /// Whether anything stands at the path, symbolic links followed.
     virtual bool itemExists(const std::string& path) = 0;
+
+    /// The absolute path without links, "." and "..", of what stands at the path; none where
+    /// nothing does, or it may not be looked up.
+    virtual std::optional<std::string> realPath(const std::string& path) = 0;
 
     /// Opens for reading. Never waits, whatever kind of item stands there. Null with the system's
     /// error stored when it cannot be opened.

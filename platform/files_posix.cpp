@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -172,7 +174,8 @@ private:
         if (S_ISDIR(status.st_mode)) {
             waitingFolders_.push_back(prefix + entry.d_name);
         } else if (S_ISREG(status.st_mode) && isWanted) {
-            visit_({prefix + entry.d_name, modificationDate(status)});
+            visit_({prefix + entry.d_name, modificationDate(status),
+                    static_cast<std::uint64_t>(status.st_ino)});
         }
     }
 
@@ -212,6 +215,15 @@ public:
     bool itemExists(const std::string& path) override {
         struct stat status;
         return uninterrupted([&] { return stat(path.c_str(), &status); }) == 0;
+    }
+
+    std::optional<std::string> realPath(const std::string& path) override {
+        if (path.find('\0') != std::string::npos) {
+            return std::nullopt;  // The system would look at the part before it.
+        }
+        const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
+                                                               &std::free);
+        return real ? std::optional<std::string>(real.get()) : std::nullopt;
     }
 
     std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "sessions/ORVContextUsage.h"
 
@@ -16,3 +17,6 @@ struct ORVHistoryEvent {
 
     bool isCompaction() const { return !usage; }
 };
+
+/// Oldest event first.
+using ORVHistory = std::vector<ORVHistoryEvent>;

@@ -4,10 +4,19 @@
 #include <optional>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
+#include "platform/clock.h"
 #include "sessions/ORVContextUsage.h"
+#include "sessions/ORVHistoryEvent.h"
 #include "sessions/status_codes.h"
 #include "text/byte_buffer.h"
+
+/// An event and, of a compaction, what tells it from others: "" for an anonymous one.
+struct ORVRecordedEvent {
+    ORVHistoryEvent event;
+    std::string compactionIdentifier;
+};
 
 /// How far one session file has been read, and what its records have said so far.
 ///
@@ -22,9 +31,12 @@ struct ORVSessionParseState {
     /// interpreted yet.
     std::uint64_t offset = 0;
 
-    /// The line whose line feed has not arrived. Unbounded: it grows until the writer ends the
-    /// line.
+    /// The line whose line feed has not arrived; at most ORVJSONReader::kMaxBytes.
     ORVByteBuffer pendingData;
+
+    /// The line under way is longer than any that could be interpreted: its bytes are read and
+    /// dropped until its line feed arrives.
+    bool isPassingOverLine = false;
 
     /// Leading bytes of pendingData known to hold no line feed: always all of them, since
     /// each chunk is searched when it arrives.
@@ -43,6 +55,20 @@ struct ORVSessionParseState {
 
     /// "current:" and the window's identifier, or "legacy:" and the event's time stamp.
     std::unordered_set<std::string> compactionIdentifiers;
+
+    /// Changes whenever a record may have changed the figures; never the same for two states of the
+    /// file.
+    std::uint64_t revision = 0;
+
+    /// What happened, in file order; empty unless the source keeps histories.
+    std::vector<ORVRecordedEvent> history;
+
+    /// When there was not enough memory to read the file at its size of that moment.
+    struct OutOfMemory {
+        std::uint64_t fileSize;
+        ORVClock::TimePoint at;
+    };
+    std::optional<OutOfMemory> outOfMemory;
 
     std::optional<ORVContextUsage> contextUsage;
     ORVContextStatus contextStatus = ORVContextStatusWaiting;

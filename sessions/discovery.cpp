@@ -1,5 +1,6 @@
 // Finds session files by their names, kinds and dates; never opens one. The per-task search is
 // kept for ten seconds, so that most refreshes of the task in view walk no folder.
+// Tests: tests/sessions/discovery_test.cpp.
 
 #include <algorithm>
 #include <chrono>
@@ -22,14 +23,32 @@ void passOver(ORVError&&) {}  // A folder that cannot be read holds no files for
 }  // namespace
 
 ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock)
-    : ORVCodexSessionSource(files, clock, platform::homeFolder() + "/.codex") {}
+    : ORVCodexSessionSource(files, clock, defaultCodexHome()) {}
 
 ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock,
                                              std::string codexHome)
     : files_(files), clock_(clock), codexHome_(std::move(codexHome)) {}
 
+std::string ORVCodexSessionSource::defaultCodexHome() {
+    return platform::homeFolder() + "/.codex";
+}
+
 std::string ORVCodexSessionSource::sessionsFolder() const {
     return codexHome_ + "/sessions";
+}
+
+std::optional<std::vector<ORVWalkedFile>> ORVCodexSessionSource::sessionFilesWithError(
+    ORVErrorSlot* error) {
+    std::vector<ORVWalkedFile> found;
+    const bool started = files_.walk(
+        sessionsFolder(),
+        [](std::string_view name) { return text::hasExtension(name, kExtension); },
+        [&](ORVWalkedFile&& file) { found.push_back(std::move(file)); }, passOver);
+    if (!started) {
+        storeError(error, sessions::sessionsDirectoryMissing());
+        return std::nullopt;
+    }
+    return found;
 }
 
 std::optional<std::string> ORVCodexSessionSource::latestSessionURLWithError(ORVErrorSlot* error) {

@@ -1,6 +1,7 @@
 // What the records of a session file mean. Takes complete lines from reading.cpp, in file order;
 // counts every compaction once and keeps the usage of the latest turn. Most lines that reach it
 // only talk about compactions: they are conversation and change nothing.
+// Tests: tests/sessions/interpretation_test.cpp.
 
 #include <algorithm>
 #include <limits>
@@ -88,33 +89,41 @@ void ORVCodexSessionSource::consumeLine(std::string_view line, ORVSessionParseSt
     // they are asked last, because few lines get this far and most are long.
     if (isAboutCompaction && dataContainsUTF8(line, kCompact)) {
         if (isLegacy || isCurrent) {
-            consumeCompaction(compactionIdentifierForObject(*object, payload, isCurrent), state);
+            const auto identifier = compactionIdentifierForObject(*object, payload, isCurrent);
+            if (consumeCompaction(identifier, state)) {
+                record(*object, std::nullopt, identifier.value_or(""), state);
+            }
         } else {
             state.sawCompactionSignal = true;
             state.compactionStatus = ORVCompactionStatusIncompatible;
         }
     }
     if (isEvent && payloadType.text == kTokenCount && dataContainsUTF8(line, kTokenCount)) {
-        consumeTokenCount(payload, state);
+        if (consumeTokenCount(payload, state)) {
+            record(*object, state.contextUsage, "", state);
+        }
     }
 }
 
-void ORVCodexSessionSource::consumeCompaction(const std::optional<std::string>& identifier,
+/// Whether the compaction was counted: each identifier is once.
+bool ORVCodexSessionSource::consumeCompaction(const std::optional<std::string>& identifier,
                                               ORVSessionParseState& state) {
     state.sawCompactionSignal = true;
     state.compactionStatus = ORVCompactionStatusValid;
     if (!identifier) {
         ++state.anonymousCompactionCount;
     } else if (!state.compactionIdentifiers.insert(*identifier).second) {
-        return;
+        return false;
     }
     ++state.compactionCount;
     // The usage of the turns before no longer describes the conversation.
     state.contextUsage.reset();
     state.contextStatus = ORVContextStatusWaiting;
+    return true;
 }
 
-void ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
+/// Whether the usage was set.
+bool ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
                                               ORVSessionParseState& state) {
     const ORVJSONValue& info = payload["info"];
     const ORVJSONValue& input = info["last_token_usage"]["input_tokens"];
@@ -124,17 +133,18 @@ void ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
     const auto inputTokens = wholeNumber(input);
     if (!inputTokens || !isPositiveIntegerNumber(window)) {
         state.contextStatus = ORVContextStatusIncompatible;
-        return;
+        return false;
     }
     if (*inputTokens == 0) {
         // Written after a compaction, before the next answer: no figure of its own.
         if (!state.contextUsage) {
             state.contextStatus = ORVContextStatusWaiting;
         }
-        return;
+        return false;
     }
     state.contextUsage.emplace(signedFigure(*inputTokens), signedFigure(*wholeNumber(window)));
     state.contextStatus = ORVContextStatusAvailable;
+    return true;
 }
 
 bool ORVCodexSessionSource::isValidCurrentCompactionObject(const ORVJSONValue& object,

@@ -1,6 +1,10 @@
 // Follows a session file as it grows: only appended bytes are read, and every complete line is
 // interpreted once. Takes the size from the attributes that the snapshot read; keeps the rule that
 // a state belongs to one file: another inode or a shorter file starts a fresh one.
+// Tests: tests/sessions/reading_test.cpp.
+
+#include <cerrno>
+#include <new>
 
 #include "sessions/ORVCodexSessionSource.h"
 #include "text/bytes.h"
@@ -24,6 +28,9 @@ ORVSessionParseState& ORVCodexSessionSource::stateForFile(const std::string& url
     if (isAnotherFile || *attributes.size < state.offset) {
         state = ORVSessionParseState{};
     }
+    if (state.revision == 0) {
+        state.revision = ++lastRevision_;
+    }
     state.fileIdentifier = attributes.fileNumber;
     return state;
 }
@@ -33,13 +40,41 @@ bool ORVCodexSessionSource::updateState(ORVSessionParseState& state, const std::
     if (state.offset == fileSize) {
         return true;
     }
+    if (isOutOfMemory(state, fileSize)) {
+        storeError(error, platform::posixError(ENOMEM));
+        return false;
+    }
     const auto file = files_.openForReading(url, error);
     if (!file) {
         return false;
     }
+    state.revision = ++lastRevision_;
+    try {
+        return readOn(state, *file, fileSize, error);
+    } catch (const std::bad_alloc&) {
+        // What the file took is freed; it is read from its beginning when it is tried again.
+        state = ORVSessionParseState{};
+        state.outOfMemory = {fileSize, clock_.now()};
+        releaseReadingMemory();
+        storeError(error, platform::posixError(ENOMEM));
+        return false;
+    }
+}
+
+/// Whether memory ran out for the file a short while ago, and nothing has changed since: reading
+/// gigabytes in vain at every refresh would be felt.
+bool ORVCodexSessionSource::isOutOfMemory(const ORVSessionParseState& state,
+                                          std::uint64_t fileSize) const {
+    constexpr std::chrono::seconds kPause(60);
+    return state.outOfMemory && state.outOfMemory->fileSize == fileSize &&
+           clock_.now() - state.outOfMemory->at < kPause;
+}
+
+bool ORVCodexSessionSource::readOn(ORVSessionParseState& state, ORVOpenFile& file,
+                                   std::uint64_t fileSize, ORVErrorSlot* error) {
     bool isRead = true;
     while (state.offset < fileSize) {
-        const auto chunk = chunkBuffer_.read(*file, state.offset, fileSize - state.offset, error);
+        const auto chunk = chunkBuffer_.read(file, state.offset, fileSize - state.offset, error);
         if (!chunk || chunk->empty()) {
             // Unlike a log file, a session file that ends early counts as read.
             isRead = chunk.has_value();
@@ -59,8 +94,17 @@ void ORVCodexSessionSource::releaseReadingMemory() {
 
 void ORVCodexSessionSource::consumeCompleteLinesFromState(ORVSessionParseState& state,
                                                           std::string_view chunk) {
+    if (state.isPassingOverLine) {
+        const std::size_t lineFeed = chunk.find('\n');
+        state.isPassingOverLine = lineFeed == std::string_view::npos;
+        chunk.remove_prefix(state.isPassingOverLine ? chunk.size() : lineFeed + 1);
+    }
     text::consumeChunk(state.pendingData, chunk, markers(),
                        [&](std::string_view line) { consumeLine(line, state); });
+    if (state.pendingData.size() > ORVJSONReader::kMaxBytes) {
+        state.isPassingOverLine = true;
+        state.pendingData = ORVByteBuffer();
+    }
     state.pendingScanOffset = state.pendingData.size();
 }
 

@@ -1,5 +1,6 @@
 // Assembles snapshots: one file at a time, then a whole task. The context figures are those of the
 // task's newest file; compactions are summed over all its files, each identifier once.
+// Tests: tests/sessions/snapshots_test.cpp.
 
 #include <unordered_set>
 
@@ -47,27 +48,56 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForThreadID(
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::readTask(
     const std::vector<std::string>& urls, std::string_view threadID, ORVErrorSlot* error) {
-    std::unordered_set<std::string> compactions;
-    std::int64_t anonymousCompactions = 0;
-    std::optional<ORVCompactionStatus> signalledStatus;
     std::optional<ORVSessionSnapshot> newest;
     for (const std::string& url : urls) {
         newest = readFile(url, error);
         if (!newest) {
             return std::nullopt;
         }
-        const ORVSessionParseState& state = states_[url];
+    }
+    const Totals& totals = totalsOfTask(urls, threadID);
+    return ORVSessionSnapshot(
+        newest->title(), std::string(threadID), newest->fileURL(), totals.compactionCount,
+        newest->contextUsage(), newest->contextStatus(),
+        totals.signalledStatus.value_or(newest->compactionStatus()), newest->lastUpdated());
+}
+
+const ORVCodexSessionSource::Totals& ORVCodexSessionSource::totalsOfTask(
+    const std::vector<std::string>& urls, std::string_view threadID) {
+    std::vector<std::uint64_t> revisions;
+    revisions.reserve(urls.size());
+    for (const std::string& url : urls) {
+        revisions.push_back(states_[url].revision);
+    }
+    auto found = totals_.find(threadID);
+    if (found == totals_.end()) {
+        found = totals_.emplace(std::string(threadID), Totals{}).first;
+    }
+    // A revision belongs to one state only, so equal ones mean the same files, too.
+    if (found->second.revisions != revisions) {
+        found->second = sumOfFiles(urls);
+        found->second.revisions = std::move(revisions);
+    }
+    return found->second;
+}
+
+ORVCodexSessionSource::Totals ORVCodexSessionSource::sumOfFiles(
+    const std::vector<std::string>& urls) const {
+    Totals totals;
+    std::unordered_set<std::string_view> compactions;
+    for (const std::string& url : urls) {
+        const ORVSessionParseState& state = states_.at(url);
         compactions.insert(state.compactionIdentifiers.begin(), state.compactionIdentifiers.end());
-        anonymousCompactions += state.anonymousCompactionCount;
+        totals.compactionCount += state.anonymousCompactionCount;
         if (state.sawCompactionSignal) {
-            signalledStatus = state.compactionStatus;
+            totals.signalledStatus = state.compactionStatus;
         }
     }
-    return ORVSessionSnapshot(newest->title(), std::string(threadID), newest->fileURL(),
-                              static_cast<std::int64_t>(compactions.size()) + anonymousCompactions,
-                              newest->contextUsage(), newest->contextStatus(),
-                              signalledStatus.value_or(newest->compactionStatus()),
-                              newest->lastUpdated());
+    totals.compactionCount += static_cast<std::int64_t>(compactions.size());
+    if (eventsPerFile_ > 0) {
+        totals.history = std::make_shared<const ORVHistory>(historyOfFiles(urls));
+    }
+    return totals;
 }
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::latestSnapshotWithError(
@@ -76,6 +106,10 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::latestSnapshotWithError
     if (!url) {
         return std::nullopt;
     }
-    const auto threadID = threadIDFromSessionURL(*url);
-    return threadID ? snapshotForThreadID(*threadID, error) : snapshotForSessionURL(*url, error);
+    if (const auto threadID = threadIDFromSessionURL(*url)) {
+        return snapshotForThreadID(*threadID, error);
+    }
+    auto snapshot = readTask({*url}, text::lastPathComponent(*url), error);
+    releaseReadingMemory();
+    return snapshot;
 }

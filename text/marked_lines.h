@@ -13,10 +13,11 @@ namespace text {
 /// passed over without being cut.
 ///
 /// `pending` is the beginning of a line whose line feed has not arrived; it never holds one, and
-/// each byte is searched for one once. It is given back holding what follows the last line feed.
+/// each byte is searched for one once. Afterwards it holds what follows the last line feed.
 ///
-/// A line may be read up to ORVByteBuffer::kReadableBytesBeyond bytes past its end. The chunk must
-/// therefore be followed by as many readable bytes. The line is valid during the call only.
+/// The memory for 64 bytes past a line's end may be read by whoever consumes it, so the chunk must
+/// be followed by ORVByteBuffer::kReadableBytesBeyond readable bytes. The line is valid during the
+/// call only.
 void consumeChunk(ORVByteBuffer& pending, std::string_view chunk, const ORVMarkerSearch& markers,
                   const std::function<void(std::string_view line)>& consumeLine);
 

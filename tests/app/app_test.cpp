@@ -66,6 +66,7 @@ public:
     }
     std::optional<ORVFileDate> contentModificationDate(const std::string&) override { return {}; }
     bool itemExists(const std::string&) override { return false; }
+    std::optional<std::string> realPath(const std::string&) override { return {}; }
     std::unique_ptr<ORVOpenFile> openForReading(const std::string& path, ORVErrorSlot*) override {
         return path == "/logs/main.log" ? std::make_unique<Content>(content) : nullptr;
     }

@@ -27,6 +27,7 @@ public:
     }
     std::optional<ORVFileDate> contentModificationDate(const std::string&) override { return {}; }
     bool itemExists(const std::string&) override { return false; }
+    std::optional<std::string> realPath(const std::string&) override { return {}; }
     std::unique_ptr<ORVOpenFile> openForReading(const std::string&, ORVErrorSlot*) override {
         return nullptr;
     }

@@ -72,6 +72,11 @@ public:
         return !happens(Fault::error) && files_->itemExists(path);
     }
 
+    std::optional<std::string> realPath(const std::string& path) override {
+        ++calls;
+        return happens(Fault::error) ? std::nullopt : files_->realPath(path);
+    }
+
     std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
                                                 ORVErrorSlot* error) override {
         ++calls;
