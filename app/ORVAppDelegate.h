@@ -87,8 +87,8 @@ public:
     /// Why no task is shown, in words; "" while one is, and before the first refresh is done.
     std::string focusLine() const { return focusItem_->hidden ? "" : focusItem_->title; }
 
-    /// "zh_CN" or "en_US": the language in which everything is shown, for dates.
-    std::string locale() const { return localizer_->locale(); }
+    /// Of the language in which everything is shown.
+    const ORVTimeFormat& timeFormat() const { return localizer_->timeFormat(); }
 
 private:
     // Refresh cycle (refresh_cycle.cpp)
@@ -123,8 +123,6 @@ private:
     ORVMenuItem* quitItem_ = nullptr;
     ORVMenuItem* languageItem_ = nullptr;
     ORVMenuItem* systemLanguageItem_ = nullptr;
-    ORVMenuItem* englishLanguageItem_ = nullptr;
-    ORVMenuItem* chineseLanguageItem_ = nullptr;
 
     std::unique_ptr<ORVCodexSessionSource> source_;
     std::unique_ptr<ORVCodexFocusLogSource> focusSource_;

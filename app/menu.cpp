@@ -20,10 +20,9 @@ std::unique_ptr<ORVMenu> ORVAppDelegate::buildMenu() {
     ORVMenu& languages = *languageItem_->submenu;
     systemLanguageItem_ =
         languageMenuItemWithMode(languages, "systemLanguageItem", ORVLanguageModeSystem);
-    englishLanguageItem_ =
-        languageMenuItemWithMode(languages, "englishLanguageItem", ORVLanguageModeEnglish);
-    chineseLanguageItem_ = languageMenuItemWithMode(languages, "chineseLanguageItem",
-                                                    ORVLanguageModeSimplifiedChinese);
+    for (const ORVLanguage& language : l10n::languages()) {
+        languageMenuItemWithMode(languages, std::string(language.menuItem), language.mode);
+    }
     refreshItem_ = menu->add("refreshItem");
     refreshItem_->action = ORVMenuAction::refresh;
     refreshItem_->keyEquivalent = "r";
@@ -104,12 +103,13 @@ void ORVAppDelegate::applyLocalization() {
     privacyItem_->title = text("privacy");
     setTitleAndImage(*languageItem_, text("language"), "globe");
     systemLanguageItem_->title = text("language_system");
-    englishLanguageItem_->title = text("language_english");
-    chineseLanguageItem_->title = text("language_chinese");
+    for (const ORVLanguage& language : l10n::languages()) {
+        findItem(language.menuItem)->title = text(language.nameKey);
+    }
     setTitleAndImage(*refreshItem_, text("refresh"), "arrow.clockwise");
     quitItem_->title = text("quit");
     // The choice decides, not the language that it amounts to.
-    for (ORVMenuItem* item : {systemLanguageItem_, englishLanguageItem_, chineseLanguageItem_}) {
+    for (const auto& item : languageItem_->submenu->items) {
         item->state = item->tag == localizer_->languageMode();
     }
     renderLastResults();

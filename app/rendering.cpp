@@ -1,42 +1,17 @@
 // What the results of a refresh look like: the menu bar's title and the menu's information lines.
 // Each rendering sets every text that it owns, so that none of an earlier one survives.
+// Tests: tests/app/app_delegate_test.cpp.
 
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <initializer_list>
 
 #include "app/ORVAppDelegate.h"
 #include "app/status_title.h"
+#include "l10n/placeholders.h"
 #include "platform/time_of_day.h"
 
 namespace {
-
-/// Fills a format's placeholders (%@, %ld, %.0f) with these texts in turn; "%%" is a percent sign.
-std::string filled(std::string_view format, std::initializer_list<std::string> values) {
-    constexpr std::string_view kPlaceholders[] = {"%@", "%ld", "%.0f"};
-    std::string result;
-    const std::string* value = values.begin();
-    while (!format.empty()) {
-        std::size_t used = 1;
-        if (format.starts_with("%%")) {
-            used = 2;
-            result += '%';
-        } else {
-            std::string_view piece = format.substr(0, 1);
-            for (const std::string_view placeholder : kPlaceholders) {
-                if (format.starts_with(placeholder) && value != values.end()) {
-                    used = placeholder.size();
-                    piece = *value++;
-                    break;
-                }
-            }
-            result += piece;
-        }
-        format.remove_prefix(used);
-    }
-    return result;
-}
 
 std::string printed(const char* format, double value) {
     std::array<char, 400> text{};  // As long as the largest double.
@@ -52,28 +27,28 @@ constexpr const char* kFocusKeys[] = {"focus_task_unavailable", "focus_new_task"
 }  // namespace
 
 void ORVAppDelegate::renderSnapshot(const ORVSessionSnapshot& snapshot) {
-    titleItem_->title = filled(text("task_format"), {snapshot.title()});
+    titleItem_->title = l10n::filled(text("task_format"), {snapshot.title()});
     focusItem_->hidden = true;
     compactionItem_->title =
         snapshot.compactionStatus() == ORVCompactionStatusValid
-            ? filled(text("compaction_format"), {std::to_string(snapshot.compactionCount())})
+            ? l10n::filled(text("compaction_format"), {std::to_string(snapshot.compactionCount())})
             : text("compaction_incompatible");
     statusItem_.title = app::statusItemTitle(snapshot);
     statusItem_.percentage.reset();
     if (const ORVContextUsage* usage = app::shownUsage(snapshot)) {
         statusItem_.percentage = usage->percentage();
         contextItem_->title =
-            filled(text("context_format"), {formattedTokenCount(usage->inputTokens()),
-                                            formattedTokenCount(usage->contextWindow()),
-                                            printed("%.0f", usage->percentage())});
+            l10n::filled(text("context_format"), {formattedTokenCount(usage->inputTokens()),
+                                                  formattedTokenCount(usage->contextWindow()),
+                                                  printed("%.0f", usage->percentage())});
     } else {
         contextItem_->title =
             text(snapshot.contextStatus() == ORVContextStatusIncompatible ? "context_incompatible"
                                                                           : "context_waiting");
     }
     updatedItem_->title =
-        filled(text("updated_format"),
-               {platform::mediumTimeOfDay(snapshot.lastUpdated(), localizer_->locale())});
+        l10n::filled(text("updated_format"),
+                     {platform::mediumTimeOfDay(snapshot.lastUpdated(), localizer_->timeFormat())});
 }
 
 void ORVAppDelegate::renderFocusState(const ORVCodexFocusState& focusState) {

@@ -1,5 +1,6 @@
 #include "ctl/answers.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <ctime>
@@ -15,14 +16,13 @@ namespace {
 
 /// "2026-01-02T03:04:05.123456789Z"
 std::string utcText(ORVFileDate date) {
-    const std::time_t seconds = date.seconds;
+    // The date of an inode may be any number. The first or last second of a year with four digits
+    // stands for one before or after them.
+    constexpr std::int64_t kFirstSecond = -62167219200;  // 0000-01-01T00:00:00Z
+    constexpr std::int64_t kLastSecond = 253402300799;   // 9999-12-31T23:59:59Z
+    const std::time_t seconds = std::clamp(date.seconds, kFirstSecond, kLastSecond);
     std::tm time{};
-    // Fails for a year beyond an int; the date of an inode may be any number. The last second that
-    // can be told stands for it.
-    if (!gmtime_r(&seconds, &time)) {
-        const std::time_t lastSecond = 253402300799;  // 9999-12-31T23:59:59Z
-        gmtime_r(&lastSecond, &time);
-    }
+    gmtime_r(&seconds, &time);
     std::array<char, 64> text{};
     std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.%09dZ",
                   time.tm_year + 1900, time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min,

@@ -74,6 +74,8 @@ private:
     ORVFocusLogFileState& stateForFile(const std::string& url, const ORVFileAttributes& attributes);
     bool updateFileState(ORVFocusLogFileState& fileState, const std::string& url,
                          std::uint64_t fileSize, ORVErrorSlot* error);
+    bool readOn(ORVFocusLogFileState& fileState, ORVOpenFile& file, std::uint64_t fileSize,
+                ORVErrorSlot* error);
     void consumeCompleteLinesFromFileState(ORVFocusLogFileState& fileState, std::string_view chunk);
 
     // Log lines (log_lines.cpp)

@@ -22,6 +22,10 @@ struct ORVFocusLogFileState {
     /// Inode the bytes came from; none where the file system has no number.
     std::optional<std::uint64_t> fileIdentifier;
 
+    /// For so many refreshes more the file is passed over: there was not enough memory for it, and
+    /// reading gigabytes in vain at every refresh would be felt.
+    int refreshesToPassOver = 0;
+
     /// By web-contents identifier. The same one in another file is another window.
     std::unordered_map<std::string, ORVFocusWindowState> windows;
 };

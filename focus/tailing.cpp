@@ -1,7 +1,10 @@
 // Finds the desktop application's log files and follows them as they grow. Files are read oldest
 // first and lines in file order: on equal time stamps the event read last is the current one.
+// Tests: tests/focus/focus_test.cpp.
 
 #include <algorithm>
+#include <cerrno>
+#include <new>
 #include <unordered_set>
 
 #include "focus/ORVCodexFocusLogSource.h"
@@ -12,10 +15,8 @@
 namespace {
 
 const ORVMarkerSearch& markers() {
-    static const ORVMarkerSearch kMarkers({{focus::kActivityMarker, 17, 18},
-                                           {focus::kOwnerSyncMarker, 67, 73},
-                                           {focus::kRenderStateMarker, 13, 14}});
-    return kMarkers;
+    static const ORVMarkerSearch kSearch(focus::kMarkers);
+    return kSearch;
 }
 
 }  // namespace
@@ -84,14 +85,33 @@ bool ORVCodexFocusLogSource::updateFileState(ORVFocusLogFileState& fileState,
     if (fileState.offset == fileSize) {
         return true;
     }
+    if (fileState.refreshesToPassOver > 0) {
+        --fileState.refreshesToPassOver;
+        storeError(error, platform::posixError(ENOMEM));
+        return false;
+    }
     const auto file = files_.openForReading(url, error);
     if (!file) {
         return false;
     }
+    try {
+        return readOn(fileState, *file, fileSize, error);
+    } catch (const std::bad_alloc&) {
+        constexpr int kAMinute = 30;
+        fileState = ORVFocusLogFileState{};  // Frees what the file took.
+        fileState.refreshesToPassOver = kAMinute;
+        chunkBuffer_.releaseMemory();
+        storeError(error, platform::posixError(ENOMEM));
+        return false;
+    }
+}
+
+bool ORVCodexFocusLogSource::readOn(ORVFocusLogFileState& fileState, ORVOpenFile& file,
+                                    std::uint64_t fileSize, ORVErrorSlot* error) {
     bool isRead = true;
     while (fileState.offset < fileSize) {
         const auto chunk =
-            chunkBuffer_.read(*file, fileState.offset, fileSize - fileState.offset, error);
+            chunkBuffer_.read(file, fileState.offset, fileSize - fileState.offset, error);
         if (!chunk || chunk->empty()) {
             // Unlike a session file, a log that ends early counts as not read.
             isRead = false;

@@ -3,16 +3,16 @@
 #include <algorithm>
 
 #include "platform/preferred_languages.h"
-#include "text/bytes.h"
 
 namespace {
 
 constexpr std::string_view kModeKey = "BrimletLanguageMode";
 
-/// A plain test of the tag's beginning: a bare "zh", Taiwan and Hong Kong read English.
-bool isSimplifiedChinese(std::string tag) {
-    std::transform(tag.begin(), tag.end(), tag.begin(), text::lowerCasedASCII);
-    return tag.starts_with("zh-hans") || tag.starts_with("zh-cn") || tag.starts_with("zh-sg");
+const ORVLanguage* languageWithMode(std::int64_t mode) {
+    const auto languages = l10n::languages();
+    const auto found = std::find_if(languages.begin(), languages.end(),
+                                    [&](const ORVLanguage& each) { return each.mode == mode; });
+    return found == languages.end() ? nullptr : &*found;
 }
 
 }  // namespace
@@ -30,7 +30,7 @@ ORVLocalizer::ORVLocalizer(ORVUserDefaults& userDefaults,
 }
 
 bool ORVLocalizer::isValidLanguageMode(std::int64_t mode) {
-    return mode >= ORVLanguageModeSystem && mode <= ORVLanguageModeSimplifiedChinese;
+    return mode == ORVLanguageModeSystem || languageWithMode(mode);
 }
 
 void ORVLocalizer::setLanguageMode(std::int64_t mode) {
@@ -40,23 +40,19 @@ void ORVLocalizer::setLanguageMode(std::int64_t mode) {
     }
 }
 
-ORVLanguageMode ORVLocalizer::effectiveLanguageMode() const {
-    if (languageMode_ != ORVLanguageModeSystem) {
-        return languageMode_;
-    }
-    const bool isChinese =
-        !preferredLanguages_.empty() && isSimplifiedChinese(preferredLanguages_.front());
-    return isChinese ? ORVLanguageModeSimplifiedChinese : ORVLanguageModeEnglish;
+const ORVLanguage& ORVLocalizer::language() const {
+    const ORVLanguage* chosen = languageWithMode(languageMode_);
+    return chosen ? *chosen
+                  : l10n::languageForTag(preferredLanguages_.empty() ? std::string_view()
+                                                                     : preferredLanguages_.front());
 }
 
-std::string ORVLocalizer::locale() const {
-    return effectiveLanguageMode() == ORVLanguageModeSimplifiedChinese ? "zh_CN" : "en_US";
+ORVLanguageMode ORVLocalizer::effectiveLanguageMode() const {
+    return language().mode;
 }
 
 std::string ORVLocalizer::stringForKey(std::string_view key) const {
-    const ORVStringTable& strings = effectiveLanguageMode() == ORVLanguageModeSimplifiedChinese
-                                        ? simplifiedChineseStrings()
-                                        : englishStrings();
+    const ORVStringTable& strings = language().strings();
     const auto found = strings.find(key);
     return found == strings.end() ? std::string(key) : found->second;
 }

@@ -1,29 +1,19 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "l10n/languages.h"
 #include "platform/user_defaults.h"
-
-/// Texts by key. Both languages have the same 59 keys; some belong to a folder-access flow that is
-/// not looked up so far.
-using ORVStringTable = std::map<std::string, std::string, std::less<>>;
-
-/// The numbers are stored, and are the tags of the language menu.
-enum ORVLanguageMode : std::int64_t {
-    ORVLanguageModeSystem = 0,
-    ORVLanguageModeEnglish = 1,
-    ORVLanguageModeSimplifiedChinese = 2,
-};
 
 /// The language of every visible text: chosen by the user, else by the system. UI thread only.
 class ORVLocalizer {
 public:
     /// With the system's preferred languages of this moment. The defaults must outlive the
-    /// localizer; a stored mode that is none is read as the system's and left as it stands.
+    /// localizer; a stored number that is not a language mode counts as the system's mode, and is
+    /// left as it stands.
     explicit ORVLocalizer(ORVUserDefaults& userDefaults);
 
     /// `preferredLanguages`: language tags, most preferred first; only the first is asked.
@@ -34,14 +24,15 @@ public:
     /// The user's choice.
     ORVLanguageMode languageMode() const { return languageMode_; }
 
-    /// Takes effect at once and is stored. What is no mode is ignored.
+    /// Takes effect at once and is stored. A number that is not a language mode is ignored.
     void setLanguageMode(std::int64_t mode);
 
     /// The language that the choice amounts to: never ORVLanguageModeSystem.
     ORVLanguageMode effectiveLanguageMode() const;
 
     /// "zh_CN" or "en_US", for dates.
-    std::string locale() const;
+    std::string locale() const { return timeFormat().locale; }
+    const ORVTimeFormat& timeFormat() const { return language().timeFormat; }
 
     /// The text in the effective language; the key itself where there is none.
     std::string stringForKey(std::string_view key) const;
@@ -50,6 +41,8 @@ public:
     static const ORVStringTable& simplifiedChineseStrings();
 
 private:
+    const ORVLanguage& language() const;
+
     ORVLanguageMode languageMode_ = ORVLanguageModeSystem;
     ORVUserDefaults& userDefaults_;
     const std::vector<std::string> preferredLanguages_;

@@ -3,12 +3,12 @@
 
 namespace platform {
 
-std::string mediumTimeOfDay(ORVFileDate date, const std::string& locale) {
+std::string mediumTimeOfDay(ORVFileDate date, const ORVTimeFormat& format) {
     @autoreleasepool {
         // A fresh one for each time: it knows the time zone of the moment.
         NSDateFormatter* formatter = [[[NSDateFormatter alloc] init] autorelease];
         formatter.locale =
-            [[[NSLocale alloc] initWithLocaleIdentifier:foundationString(locale)] autorelease];
+            [[[NSLocale alloc] initWithLocaleIdentifier:foundationString(format.locale)] autorelease];
         formatter.dateStyle = NSDateFormatterNoStyle;
         formatter.timeStyle = NSDateFormatterMediumStyle;
         // Whole seconds: a double would round the last nanoseconds of one up to the next.

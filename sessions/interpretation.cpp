@@ -7,12 +7,13 @@
 #include <limits>
 
 #include "sessions/ORVCodexSessionSource.h"
+#include "sessions/markers.h"
 #include "text/unicode.h"
 
 namespace {
 
-constexpr std::string_view kCompact = "compact";
-constexpr std::string_view kTokenCount = "token_count";
+using sessions::kCompact;
+using sessions::kTokenCount;
 
 const ORVJSONShape& recordShape() {
     static const ORVJSONShape kShape{

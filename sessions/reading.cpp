@@ -7,15 +7,15 @@
 #include <new>
 
 #include "sessions/ORVCodexSessionSource.h"
+#include "sessions/markers.h"
 #include "text/bytes.h"
 #include "text/marked_lines.h"
 
 namespace {
 
-/// A line that holds neither cannot change any figure (see interpretation.cpp).
 const ORVMarkerSearch& markers() {
-    static const ORVMarkerSearch kMarkers({{"compact", 2, 5}, {"token_count", 2, 5}});
-    return kMarkers;
+    static const ORVMarkerSearch kSearch(sessions::kMarkers);
+    return kSearch;
 }
 
 }  // namespace

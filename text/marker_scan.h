@@ -31,13 +31,16 @@ public:
 
     /// With the number of markers known to the compiler the compared bytes stay in registers.
     const char* run() const {
+        static_assert(ORVMarkerSearch::kMostMarkers == 4);
         switch (count_) {
+            case 1:
+                return scan<1, true>();
             case 2:
                 return rareByteIsShared() ? scan<2, true>() : scan<2, false>();
             case 3:
                 return rareByteIsShared() ? scan<3, true>() : scan<3, false>();
             default:
-                return scanBytes(begin_);
+                return rareByteIsShared() ? scan<4, true>() : scan<4, false>();
         }
     }
 

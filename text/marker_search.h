@@ -1,8 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string_view>
-#include <vector>
 
 /// A byte string to look for.
 struct ORVMarker {
@@ -32,13 +32,24 @@ struct ScannedMarker {
 /// processor has) and the whole marker only where both agree.
 class ORVMarkerSearch {
 public:
-    explicit ORVMarkerSearch(std::vector<ORVMarker> markers);
+    static constexpr std::size_t kMostMarkers = 4;
+
+    /// The markers' texts must outlive the search. Each number of markers has a loop of its own, in
+    /// which the compared bytes stay in registers; more markers than that do not compile.
+    template <std::size_t Count>
+    explicit ORVMarkerSearch(const ORVMarker (&markers)[Count]) : count_(Count) {
+        static_assert(Count <= kMostMarkers);
+        for (std::size_t m = 0; m < Count; ++m) {
+            markers_[m] = {markers[m].text.data(), markers[m].text.size(), markers[m].rareByte,
+                           markers[m].otherRareByte};
+        }
+    }
 
     /// The marker in [begin, end) whose rare byte comes first; `end` when there is none. Reads
     /// nothing outside the range.
     const char* find(const char* begin, const char* end) const;
 
 private:
-    std::vector<ORVMarker> markers_;
-    std::vector<text::ScannedMarker> scanned_;  ///< Refers to the texts of markers_.
+    std::array<text::ScannedMarker, kMostMarkers> markers_{};
+    std::size_t count_;
 };

@@ -102,6 +102,14 @@ std::string foldedCase(std::string_view text) {
     return folded;
 }
 
+/// Whether the character changes how text around it is laid out: a control character, a separator
+/// of lines or paragraphs, or one that embeds, overrides or isolates a direction.
+bool steersText(utf8proc_int32_t character) {
+    return utf8proc_category(character) == UTF8PROC_CATEGORY_CC ||
+           (character >= 0x2028 && character <= 0x202E) ||
+           (character >= 0x2066 && character <= 0x2069);
+}
+
 std::string replaced(std::string_view bytes, bool alsoControls) {
     std::string result;
     result.reserve(bytes.size());
@@ -109,7 +117,7 @@ std::string replaced(std::string_view bytes, bool alsoControls) {
         const Decoded next = decode(bytes);
         if (next.character == kNotACharacter) {
             result += "\uFFFD";
-        } else if (alsoControls && utf8proc_category(next.character) == UTF8PROC_CATEGORY_CC) {
+        } else if (alsoControls && steersText(next.character)) {
             result += ' ';
         } else {
             result += bytes.substr(0, next.bytes);

@@ -26,8 +26,9 @@ void forEachLine(std::string_view text, const std::function<void(std::string_vie
 /// would show it.
 std::string withInvalidBytesReplaced(std::string_view bytes);
 
-/// Like withInvalidBytesReplaced, and with a space in place of every control character (C0, DEL,
-/// C1), so that nothing in it can steer a terminal.
+/// Like withInvalidBytesReplaced, and with a space in place of every character that could steer a
+/// terminal or the text around it: control characters (C0, DEL, C1), separators of lines and
+/// paragraphs, and those that embed, override or isolate a direction.
 std::string forTerminal(std::string_view bytes);
 
 }  // namespace text

@@ -31,10 +31,10 @@ TEST(FoundationTest, PropertyLists) {
 TEST(FoundationTest, Times) {
     setenv("TZ", "UTC", 1);
     [NSTimeZone resetSystemTimeZone];
-    EXPECT_EQ("15:04:05", platform::mediumTimeOfDay({54'245, 999'999'999}, "zh_CN"));
-    EXPECT_EQ(0U, platform::mediumTimeOfDay({54'245, 0}, "en_US").find("3:04:05"));
+    EXPECT_EQ("15:04:05", platform::mediumTimeOfDay({54'245, 999'999'999}, {"zh_CN", ""}));
+    EXPECT_EQ(0U, platform::mediumTimeOfDay({54'245, 0}, {"en_US", ""}).find("3:04:05"));
     const ORVFileDate farAway{std::numeric_limits<std::int64_t>::max(), 0};
-    (void)platform::mediumTimeOfDay(farAway, "en_US");  // Any text will do.
+    (void)platform::mediumTimeOfDay(farAway, {"en_US", ""});  // Any text will do.
 }
 
 TEST(FoundationTest, SettingsAreThoseOfTheMenuBarProgram) {

@@ -15,6 +15,7 @@
 #include <fstream>
 #include <thread>
 
+#include "l10n/languages.h"
 #include "platform/confinement.h"
 #include "platform/preferred_languages.h"
 #include "platform/time_of_day.h"
@@ -40,7 +41,7 @@ TEST(PreferredLanguagesTest, OfTheEnvironment) {
         {nullptr, "C.UTF-8", nullptr, nullptr, {}},
         {nullptr, "POSIX", nullptr, nullptr, {}},
         {"zh_CN:en:", "C", nullptr, nullptr, {"zh-CN", "en"}},
-        {"", "", "", "en_US", {"en-US"}},
+        {"", "", "", "en", {"en-US"}},
         {nullptr, nullptr, nullptr, nullptr, {}},
     };
     for (const Case& c : kCases) {
@@ -57,17 +58,18 @@ TEST(PreferredLanguagesTest, OfTheEnvironment) {
 
 TEST(TimeOfDayTest, MediumStyleInTheUsersZone) {
     setenv("TZ", "UTC", 1);
-    const auto at = [](std::int64_t seconds, const char* locale) {
-        return platform::mediumTimeOfDay({seconds, 999'999'999}, locale);
+    const auto at = [](std::int64_t seconds, const char* language) {
+        return platform::mediumTimeOfDay({seconds, 999'999'999},
+                                         l10n::languageForTag(language).timeFormat);
     };
-    EXPECT_EQ("12:00:00\u202FAM", at(0, "en_US"));
-    EXPECT_EQ("12:34:56\u202FPM", at(45'296, "en_US"));
-    EXPECT_EQ("3:04:05\u202FPM", at(54'245, "en_US"));
-    EXPECT_EQ("00:00:00", at(0, "zh_CN"));
-    EXPECT_EQ("15:04:05", at(54'245, "zh_CN"));
+    EXPECT_EQ("12:00:00\u202FAM", at(0, "en"));
+    EXPECT_EQ("12:34:56\u202FPM", at(45'296, "en"));
+    EXPECT_EQ("3:04:05\u202FPM", at(54'245, "en"));
+    EXPECT_EQ("00:00:00", at(0, "zh-CN"));
+    EXPECT_EQ("15:04:05", at(54'245, "zh-CN"));
     setenv("TZ", "JST-9", 1);
-    EXPECT_EQ("09:00:00", at(0, "zh_CN")) << "a zone that changes is noticed";
-    EXPECT_FALSE(at(std::numeric_limits<std::int64_t>::max(), "en_US").empty());
+    EXPECT_EQ("09:00:00", at(0, "zh-CN")) << "a zone that changes is noticed";
+    EXPECT_FALSE(at(std::numeric_limits<std::int64_t>::max(), "en").empty());
 }
 
 class UserDefaultsTest : public testing::Test {

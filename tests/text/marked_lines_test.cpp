@@ -5,17 +5,22 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace {
 
-const std::vector<ORVMarker> kTwo = {{"compact", 2, 5}, {"token_count", 2, 5}};
-const std::vector<ORVMarker> kSharedByte = {{"xw_a", 1, 2}, {"owner sync ", 1, 7}, {"wA=", 0, 1}};
+constexpr ORVMarker kOne[] = {{"compact", 2, 5}};
+constexpr ORVMarker kTwo[] = {{"compact", 2, 5}, {"token_count", 2, 5}};
+constexpr ORVMarker kSharedByte[] = {{"xw_a", 1, 2}, {"owner sync ", 1, 7}, {"wA=", 0, 1}};
+constexpr ORVMarker kFour[] = {
+    {"compact", 2, 5}, {"token_count", 2, 5}, {"wA=", 0, 1}, {"_k", 0, 1}};
+
+using Markers = std::span<const ORVMarker>;
 
 /// Bytes in which pieces of the markers are common.
-std::string randomBytes(std::mt19937& random, const std::vector<ORVMarker>& markers,
-                        std::size_t length) {
+std::string randomBytes(std::mt19937& random, Markers markers, std::size_t length) {
     std::string bytes;
     while (bytes.size() < length) {
         const std::string_view marker = markers[random() % markers.size()].text;
@@ -39,9 +44,13 @@ std::string randomBytes(std::mt19937& random, const std::vector<ORVMarker>& mark
 TEST(MarkerSearchTest, FindsWhatAPlainSearchFinds) {
     std::mt19937 random(1);
     for (int round = 0; round < 3'000; ++round) {
-        const auto& markers = round % 2 == 0 ? kTwo : kSharedByte;
+        const std::pair<Markers, ORVMarkerSearch> kSearches[] = {
+            {kOne, ORVMarkerSearch(kOne)},
+            {kTwo, ORVMarkerSearch(kTwo)},
+            {kSharedByte, ORVMarkerSearch(kSharedByte)},
+            {kFour, ORVMarkerSearch(kFour)}};
+        const auto& [markers, search] = kSearches[round % 4];
         const std::string bytes = randomBytes(random, markers, random() % 700);
-        const ORVMarkerSearch search(markers);
         std::size_t plain = std::string::npos;
         std::size_t plainRareByte = std::string::npos;
         for (const ORVMarker& marker : markers) {
