@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/ORVAppHost.h"
 #include "app/ORVMenu.h"
@@ -26,6 +27,10 @@ public:
 
     /// Builds the whole application and begins the first refresh. Called once.
     void applicationDidFinishLaunching();
+
+    /// Shows English, whatever language is chosen, on a surface that can show no other characters
+    /// than ASCII. Called before the launch.
+    void showOnlyEnglish() { showsOnlyEnglish_ = true; }
 
     /// The one entry point of the cycle. At most one refresh runs; a request that comes meanwhile
     /// begins none. The sender is the refresh item when the user asked, else null.
@@ -60,6 +65,9 @@ public:
     /// without a task, the focus line. The title alone while feedback is on display.
     std::string statusLine() const;
 
+    /// The menu's lines about the task that are visible, from top to bottom.
+    std::vector<std::string> informationLines() const;
+
     /// What a screen reader says of the status item, whose title is made for the eye: the program's
     /// name, then for a task the lines about context and compactions, else the title and the focus
     /// line, or the feedback on display.
@@ -87,7 +95,8 @@ public:
     /// Why no task is shown, in words; "" while one is, and before the first refresh is done.
     std::string focusLine() const { return focusItem_->hidden ? "" : focusItem_->title; }
 
-    /// Of the language in which everything is shown.
+    /// "zh_CN" or "en_US": the language of what is shown. From the launch on.
+    std::string locale() const { return localizer_->locale(); }
     const ORVTimeFormat& timeFormat() const { return localizer_->timeFormat(); }
 
 private:
@@ -139,6 +148,7 @@ private:
     std::unique_ptr<ORVSerialQueue> refreshQueue_;
     std::unique_ptr<ORVRepeatingTimer> refreshTimer_;
 
+    bool showsOnlyEnglish_ = false;
     bool refreshing_ = false;            ///< From dispatch until the results are applied.
     bool manualRefreshPending_ = false;  ///< The user waits for the results of a refresh.
     bool manualRefreshFeedbackActive_ = false;

@@ -99,6 +99,17 @@ std::string ORVAppDelegate::statusLine() const {
     return isTitleAlone ? statusItem_.title : statusItem_.title + "  " + line;
 }
 
+std::vector<std::string> ORVAppDelegate::informationLines() const {
+    std::vector<std::string> lines;
+    for (const ORVMenuItem* item :
+         {titleItem_, focusItem_, contextItem_, compactionItem_, updatedItem_}) {
+        if (!item->hidden) {
+            lines.push_back(item->title);
+        }
+    }
+    return lines;
+}
+
 std::string ORVAppDelegate::spokenStatus() const {
     const std::string program = statusItem_.toolTip + ", ";
     if (manualRefreshFeedbackActive_) {

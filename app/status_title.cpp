@@ -10,6 +10,12 @@ const ORVContextUsage* shownUsage(const ORVSessionSnapshot& snapshot) {
     return isAvailable && snapshot.contextUsage() ? &*snapshot.contextUsage() : nullptr;
 }
 
+std::string wholePercent(double percentage) {
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.0f", percentage);
+    return text.data();
+}
+
 std::string statusItemTitle(const ORVSessionSnapshot& snapshot) {
     std::string title = "C";
     title += snapshot.compactionStatus() == ORVCompactionStatusValid
@@ -19,9 +25,7 @@ std::string statusItemTitle(const ORVSessionSnapshot& snapshot) {
     if (!usage) {
         return title + " · --%";
     }
-    std::array<char, 64> share{};
-    std::snprintf(share.data(), share.size(), " · %.0f%%", usage->percentage());
-    return title + share.data();
+    return title + " · " + wholePercent(usage->percentage()) + '%';
 }
 
 }  // namespace app

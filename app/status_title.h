@@ -11,6 +11,9 @@ namespace app {
 /// share that is not known "--%".
 std::string statusItemTitle(const ORVSessionSnapshot& snapshot);
 
+/// A percentage without its fraction, as the title shows it.
+std::string wholePercent(double percentage);
+
 /// The usage of a snapshot that may be shown; null while there is none to trust.
 const ORVContextUsage* shownUsage(const ORVSessionSnapshot& snapshot);
 

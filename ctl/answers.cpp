@@ -1,3 +1,5 @@
+// Tests: tests/ctl/brimletctl_test.cpp.
+
 #include "ctl/answers.h"
 
 #include <algorithm>
@@ -8,13 +10,39 @@
 #include <vector>
 
 #include "app/status_title.h"
+#include "ctl/coloring.h"
+#include "l10n/languages.h"
+#include "platform/preferred_languages.h"
 #include "text/json_text.h"
 #include "text/unicode.h"
 
 namespace ctl {
 namespace {
 
-/// "2026-01-02T03:04:05.123456789Z"
+std::string usageJSON(const std::optional<ORVContextUsage>& usage) {
+    if (!usage) {
+        return "null";
+    }
+    return text::objectJSON({{"inputTokens", std::to_string(usage->inputTokens())},
+                             {"contextWindow", std::to_string(usage->contextWindow())},
+                             {"percentage", text::numberJSON(usage->percentage())}});
+}
+
+using Fields = std::vector<std::pair<std::string_view, std::string>>;
+
+Fields fieldsOf(const ORVSessionSnapshot& snapshot) {
+    return {{"title", text::quotedJSON(snapshot.title())},
+            {"threadID", text::quotedJSON(snapshot.threadID())},
+            {"file", text::quotedJSON(snapshot.fileURL())},
+            {"compactionCount", std::to_string(snapshot.compactionCount())},
+            {"contextUsage", usageJSON(snapshot.contextUsage())},
+            {"contextStatus", std::to_string(snapshot.contextStatus())},
+            {"compactionStatus", std::to_string(snapshot.compactionStatus())},
+            {"lastUpdated", text::quotedJSON(utcText(snapshot.lastUpdated()))}};
+}
+
+}  // namespace
+
 std::string utcText(ORVFileDate date) {
     // The date of an inode may be any number. The first or last second of a year with four digits
     // stands for one before or after them.
@@ -30,29 +58,14 @@ std::string utcText(ORVFileDate date) {
     return text.data();
 }
 
-std::string usageJSON(const std::optional<ORVContextUsage>& usage) {
-    if (!usage) {
-        return "null";
-    }
-    return text::objectJSON({{"inputTokens", std::to_string(usage->inputTokens())},
-                             {"contextWindow", std::to_string(usage->contextWindow())},
-                             {"percentage", text::numberJSON(usage->percentage())}});
+std::string snapshotJSON(const std::optional<ORVSessionSnapshot>& snapshot) {
+    return snapshot ? text::objectJSON(fieldsOf(*snapshot)) : "null";
 }
 
-}  // namespace
-
-std::string snapshotJSON(const std::optional<ORVSessionSnapshot>& snapshot) {
-    if (!snapshot) {
-        return "null";
-    }
-    return text::objectJSON({{"title", text::quotedJSON(snapshot->title())},
-                             {"threadID", text::quotedJSON(snapshot->threadID())},
-                             {"file", text::quotedJSON(snapshot->fileURL())},
-                             {"compactionCount", std::to_string(snapshot->compactionCount())},
-                             {"contextUsage", usageJSON(snapshot->contextUsage())},
-                             {"contextStatus", std::to_string(snapshot->contextStatus())},
-                             {"compactionStatus", std::to_string(snapshot->compactionStatus())},
-                             {"lastUpdated", text::quotedJSON(utcText(snapshot->lastUpdated()))}});
+std::string taskJSON(const ORVSessionSnapshot& snapshot, const std::optional<std::string>& folder) {
+    auto fields = fieldsOf(snapshot);
+    fields.emplace_back("folder", text::quotedJSONOrNull(folder));
+    return text::objectJSON(fields);
 }
 
 std::string focusJSON(const ORVCodexFocusState& focusState) {
@@ -92,8 +105,33 @@ std::string titlesAnswer(const Titles& titles) {
     return text::objectJSON({{"titles", titlesJSON(titles)}});
 }
 
-std::string snapshotText(const ORVSessionSnapshot& snapshot) {
-    return app::statusItemTitle(snapshot) + "  " + text::forTerminal(snapshot.title());
+std::string statusText(const ORVSessionSnapshot& snapshot, bool isColored) {
+    const std::string title = app::statusItemTitle(snapshot);
+    const ORVContextUsage* usage = app::shownUsage(snapshot);
+    if (!isColored || !usage) {
+        return title;
+    }
+    const std::size_t percentage = title.rfind(' ') + 1;
+    return title.substr(0, percentage) +
+           coloredByPercentage(title.substr(percentage), usage->percentage());
+}
+
+std::string snapshotText(const ORVSessionSnapshot& snapshot, bool isColored) {
+    return statusText(snapshot, isColored) + "  " + text::forTerminal(snapshot.title());
+}
+
+std::string filledTemplate(const ORVTemplate& ownTemplate, const ORVSessionSnapshot& snapshot,
+                           Sources& sources) {
+    const auto languages = platform::preferredLanguages();
+    ORVTemplateValues values;
+    values.status = app::statusItemTitle(snapshot);
+    values.snapshot = &snapshot;
+    values.now = sources.clock.now();
+    values.timeFormat = l10n::languageForTag(languages.empty() ? "" : languages.front()).timeFormat;
+    if (ownTemplate.wants("folder")) {
+        values.folder = sources.session.workingFolderForSessionURL(snapshot.fileURL());
+    }
+    return ownTemplate.filled(values);
 }
 
 std::string focusText(const ORVCodexFocusState& focusState) {

@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "app/ORVTemplate.h"
+#include "ctl/commands.h"
 #include "focus/ORVCodexFocusState.h"
 #include "platform/ORVError.h"
 #include "sessions/ORVSessionSnapshot.h"
@@ -25,8 +27,23 @@ std::string snapshotAnswer(const std::optional<ORVSessionSnapshot>& snapshot,
 std::string focusAnswer(const ORVCodexFocusState& focusState, const ORVErrorSlot& error);
 std::string titlesAnswer(const Titles& titles);
 
-/// "C3 · 47%  Fix the tests"
-std::string snapshotText(const ORVSessionSnapshot& snapshot);
+/// The snapshot object with one more key, "folder".
+std::string taskJSON(const ORVSessionSnapshot& snapshot, const std::optional<std::string>& folder);
+
+/// "C3 · 47%  Fix the tests"; with colours the percentage has one.
+std::string snapshotText(const ORVSessionSnapshot& snapshot, bool isColored);
+
+/// The status-item title, with the percentage in its colour where colours are wanted.
+std::string statusText(const ORVSessionSnapshot& snapshot, bool isColored);
+
+/// "2026-01-02T03:04:05.123456789Z". The first or last second of a year with four digits stands for
+/// a date outside of them.
+std::string utcText(ORVFileDate date);
+
+/// The user's template, filled from the snapshot; its folder is looked up only where the template
+/// names it.
+std::string filledTemplate(const ORVTemplate& ownTemplate, const ORVSessionSnapshot& snapshot,
+                           Sources& sources);
 
 /// "Task in view: <thread identifier>", or why none is.
 std::string focusText(const ORVCodexFocusState& focusState);

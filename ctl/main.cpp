@@ -3,12 +3,16 @@
 #include <signal.h>
 #include <stdlib.h>
 
+#include <new>
 #include <string>
 #include <vector>
 
 #include "app/version.h"
 #include "ctl/arguments.h"
+#include "ctl/codex_home.h"
+#include "ctl/command_table.h"
 #include "ctl/commands.h"
+#include "ctl/doctor.h"
 #include "ctl/output.h"
 #include "ctl/watch.h"
 #include "platform/confinement.h"
@@ -18,50 +22,75 @@
 
 namespace {
 
+using ctl::Call;
+
 /// Only the menu has something to store.
-void confineProcess(ctl::Call call) {
+void confine(Call call) {
     // Asking for the home folder may take a socket, so it is asked for before.
     const std::string home = platform::homeFolder();
     if (!home.empty()) {
         setenv("HOME", home.c_str(), 1);
     }
-    const bool stores = call == ctl::Call::watch;
+    const bool stores = call == Call::watch;
     platform::confineProcess(stores ? platform::foldersOfUserDefaults()
                                     : std::vector<std::string>());
+}
+
+int answer(const ctl::Arguments& arguments) {
+    switch (arguments.call) {
+        case Call::help:
+            return ctl::showText(ctl::helpText(arguments.helpTopic));
+        case Call::version:
+            return ctl::showText("brimletctl " BRIMLET_VERSION "\n");
+        default:
+            break;
+    }
+    const ctl::CodexHome home = ctl::codexHome(arguments.codexHome);
+    if (arguments.call == Call::watch) {
+        return ctl::watch(arguments, home.path);
+    }
+    ctl::Sources sources(home.path);
+    switch (arguments.call) {
+        case Call::latest:
+            return ctl::showLatest(sources, arguments);
+        case Call::task:
+            return ctl::showTask(sources, arguments);
+        case Call::here:
+            return ctl::showHere(sources, arguments);
+        case Call::tasks:
+            return ctl::showTasks(sources, arguments, home.path);
+        case Call::history:
+            return ctl::showHistory(sources, arguments);
+        case Call::focus:
+            return ctl::showFocus(sources, arguments);
+        case Call::titles:
+            return ctl::showTitles(sources, arguments);
+        case Call::doctor:
+            return ctl::examine(sources, home, {});
+        default:
+            return ctl::answerQueries(sources, stdin);
+    }
 }
 
 }  // namespace
 
 int main(int count, char** values) {
     ctl::holdStandardDescriptors();
-    signal(SIGPIPE, SIG_IGN);  // A reader that leaves shows in the result of a write.
+    // A reader that leaves, and a file that may not grow, show in the result of a write.
+    signal(SIGPIPE, SIG_IGN);
+    signal(SIGXFSZ, SIG_IGN);
     platform::returnFreedMemory();
-    const ctl::Arguments arguments = ctl::parseArguments(count, values);
-    confineProcess(arguments.call);
-    switch (arguments.call) {
-        case ctl::Call::notUnderstood:
-            ctl::explain(arguments.complaint, ctl::kUsage);
-            return ctl::kUsageError;
-        case ctl::Call::help:
-            return ctl::showText(ctl::kUsage);
-        case ctl::Call::version:
-            return ctl::showText("brimletctl " BRIMLET_VERSION "\n");
-        case ctl::Call::watch:
-            return arguments.format == ctl::Format::json ? ctl::watchAsJSON() : ctl::watch();
-        default:
-            break;
-    }
-    ctl::Sources sources;
-    switch (arguments.call) {
-        case ctl::Call::latest:
-            return ctl::showLatest(sources, arguments.format);
-        case ctl::Call::task:
-            return ctl::showTask(sources, arguments.threadID, arguments.format);
-        case ctl::Call::focus:
-            return ctl::showFocus(sources, arguments.format);
-        case ctl::Call::titles:
-            return ctl::showTitles(sources, arguments.format);
-        default:
-            return ctl::answerQueries(sources, stdin);
+    try {
+        const auto parsed = ctl::parseArguments(count, values);
+        const auto* arguments = std::get_if<ctl::Arguments>(&parsed);
+        confine(arguments ? arguments->call : Call::help);
+        if (arguments) {
+            return answer(*arguments);
+        }
+        ctl::explainMistake(std::get<ctl::Mistake>(parsed));
+        return ctl::kUsageError;
+    } catch (const std::bad_alloc&) {
+        ctl::complain("there is not enough memory");
+        return ctl::kNothingToShow;
     }
 }

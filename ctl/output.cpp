@@ -59,11 +59,10 @@ void complain(std::string_view text) {
     writeAll(STDERR_FILENO, "brimletctl: " + text::forTerminal(text) + '\n');
 }
 
-void explain(std::string_view complaint, std::string_view text) {
-    if (!complaint.empty()) {
-        complain(complaint);
-    }
-    writeAll(STDERR_FILENO, text);
+void explainMistake(const Mistake& mistake) {
+    complain(mistake.text);
+    writeAll(STDERR_FILENO, "Try: brimletctl help" +
+                                (mistake.command.empty() ? "" : " " + mistake.command) + '\n');
 }
 
 }  // namespace ctl

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "ctl/arguments.h"
+
 /// Standard output of brimletctl: unbuffered, so that whoever reads it has every answer at once.
 namespace ctl {
 
@@ -22,7 +24,7 @@ WriteResult writeOutput(std::string_view bytes);
 /// Dropped when nobody reads there: the figures matter more.
 void complain(std::string_view text);
 
-/// On standard error: the complaint, where there is one, and a text of several lines.
-void explain(std::string_view complaint, std::string_view text);
+/// What was not understood, and where to find help: two lines on standard error.
+void explainMistake(const Mistake& mistake);
 
 }  // namespace ctl

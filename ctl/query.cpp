@@ -1,8 +1,10 @@
 // Queries from standard input, each answered with a JSON line before the next is read. The sources
 // live as long as the program: reading positions, caches and the current focus event carry over.
+// Tests: tests/ctl/brimletctl_test.cpp, fuzz/commands.cpp.
 
 #include <cerrno>
-#include <cstdlib>
+#include <new>
+#include <optional>
 
 #include "app/refresh_step.h"
 #include "ctl/answers.h"
@@ -13,8 +15,18 @@
 namespace ctl {
 namespace {
 
+/// No query is nearly as long.
+constexpr std::size_t kLongestQuery = 1024 * 1024;
+
+std::string unknownQuery() {
+    return text::objectJSON({{"error", errorJSON(ORVError{"brimletctl", 2, "unknown query"})}});
+}
+
 std::string answer(Sources& sources, const std::string& query) {
     constexpr std::string_view kTask = "task ";
+    if (query.size() > kLongestQuery) {
+        return unknownQuery();
+    }
     ORVErrorSlot error;
     if (query == "focus") {
         const ORVCodexFocusState focusState = sources.focus.currentFocusStateWithError(&error);
@@ -38,36 +50,49 @@ std::string answer(Sources& sources, const std::string& query) {
                                  {"snapshot", snapshotJSON(results.snapshot)},
                                  {"error", errorJSON(results.error)}});
     }
-    return text::objectJSON({{"error", errorJSON(ORVError{"brimletctl", 2, "unknown query"})}});
+    return unknownQuery();
+}
+
+/// A source frees what a file took when memory runs out; this is for what is left: an answer of
+/// very many titles.
+std::string answerWithinMemory(Sources& sources, const std::string& query) {
+    try {
+        return answer(sources, query);
+    } catch (const std::bad_alloc&) {
+        return text::objectJSON({{"error", errorJSON(platform::posixError(ENOMEM))}});
+    }
+}
+
+/// The next line without its line feed; none at the end of the input. What a longer line has beyond
+/// the longest query is dropped, but for one byte, which makes it an unknown one.
+std::optional<std::string> nextLine(std::FILE* input) {
+    std::string line;
+    int c = getc_unlocked(input);
+    if (c == EOF) {
+        return std::nullopt;
+    }
+    for (; c != EOF && c != '\n'; c = getc_unlocked(input)) {
+        if (line.size() <= kLongestQuery) {
+            line += static_cast<char>(c);
+        }
+    }
+    return line;
 }
 
 }  // namespace
 
 int answerQueries(Sources& sources, std::FILE* input) {
-    int status = kAnswered;
-    char* line = nullptr;
-    std::size_t capacity = 0;
-    while (status == kAnswered) {
-        const ssize_t length = getline(&line, &capacity, input);
-        if (length <= 0) {
-            if (std::ferror(input) != 0) {
-                complain("cannot read the queries: " + platform::posixError(errno).description);
-                status = kNothingToShow;
-            }
-            break;
+    while (const auto query = nextLine(input)) {
+        const WriteResult result = writeOutput(answerWithinMemory(sources, *query) + '\n');
+        if (result != WriteResult::written) {
+            return result == WriteResult::readerLeft ? kAnswered : kNothingToShow;
         }
-        std::string query(line, static_cast<std::size_t>(length));
-        if (query.ends_with('\n')) {
-            query.pop_back();
-        }
-        const WriteResult result = writeOutput(answer(sources, query) + '\n');
-        if (result == WriteResult::readerLeft) {
-            break;
-        }
-        status = result == WriteResult::written ? kAnswered : kNothingToShow;
     }
-    std::free(line);
-    return status;
+    if (std::ferror(input) != 0) {
+        complain("cannot read the queries: " + platform::posixError(errno).description);
+        return kNothingToShow;
+    }
+    return kAnswered;
 }
 
 }  // namespace ctl

@@ -1,5 +1,5 @@
-// Runs the application with one of its surfaces until the user, a signal or a reader that left ends
-// it.
+// Chooses the surface of the running application: the menu on a terminal, else lines of one of four
+// kinds. Tests: tests/ctl/brimletctl_test.cpp, on the program.
 
 #include "ctl/watch.h"
 
@@ -11,110 +11,24 @@
 #include <string>
 #include <vector>
 
-#include "app/ORVAppDelegate.h"
+#include "ctl/coloring.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "shells/ORVCommandInput.h"
-#include "shells/ORVLineOutput.h"
-#include "shells/ORVPosixHost.h"
+#include "shells/ORVLineSurface.h"
+#include "shells/ORVPosixApplication.h"
 #include "shells/json/status_item_json.h"
+#include "shells/json/waybar_json.h"
 #include "shells/terminal/ORVTerminalMenu.h"
 #include "text/unicode.h"
 
 namespace ctl {
 namespace {
 
-// For the signal handler, which can reach nothing else.
-ORVPosixRunLoop* signalledLoop = nullptr;
-volatile sig_atomic_t endWasAskedFor = 0;
+/// So many events of a file make a plot that is finer than any terminal.
+constexpr std::size_t kEventsOfAPlot = 4096;
 
-void askForEnd(int) {
-    endWasAskedFor = 1;
-    signalledLoop->wakeFromSignal();
-}
-
-void wake(int) {
-    signalledLoop->wakeFromSignal();
-}
-
-/// A signal that the parent has ignored (nohup, a job in the background) stays ignored.
-void handle(int signalNumber, void (*handler)(int)) {
-    struct sigaction inherited {};
-    sigaction(signalNumber, nullptr, &inherited);
-    if (inherited.sa_handler == SIG_IGN) {
-        return;
-    }
-    struct sigaction action {};
-    action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;
-    sigaction(signalNumber, &action, nullptr);
-}
-
-/// The application and what every surface needs of it.
-class Session {
-public:
-    explicit Session(const std::function<void(const std::string&)>& hearComplaint)
-        : host(platform::makeFiles(),
-               platform::standardUserDefaults([hearComplaint](const ORVStoringFailure& failure) {
-                   hearComplaint("cannot store the language in " + failure.path + ": " +
-                                 failure.reason);
-               }),
-               hearComplaint),
-          delegate(std::make_shared<ORVAppDelegate>(host)) {
-        signalledLoop = &host.runLoop();
-        for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
-            handle(signalNumber, askForEnd);
-        }
-    }
-
-    /// Runs until the end. `turnEnd` shows what changed; `cleanUp` leaves the surface as it was.
-    int run(const std::function<void()>& turnEnd, const std::function<void()>& wakened,
-            const std::function<void()>& cleanUp) {
-        ORVPosixRunLoop& loop = host.runLoop();
-        if (!loop.isUsable()) {
-            cleanUp();
-            complain("no file descriptors are left");
-            return kNothingToShow;
-        }
-        loop.setTurnEnd(turnEnd);
-        loop.setWakened([&loop, wakened] {
-            if (endWasAskedFor) {
-                loop.stop(kAnswered);
-            } else if (wakened) {
-                wakened();
-            }
-        });
-        loop.post([this] { delegate->applicationDidFinishLaunching(); });
-        const int status = loop.run();
-        cleanUp();
-        if (!host.readerIsIdle()) {
-            _exit(status);  // The thread that hangs still uses the application.
-        }
-        for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
-            handle(signalNumber, SIG_IGN);  // The end is under way.
-        }
-        for (const int signalNumber : {SIGWINCH, SIGCONT}) {
-            handle(signalNumber, SIG_DFL);
-        }
-        loop.dropClosures();
-        return status;
-    }
-
-    /// What to do when the output has ended: with an errno, or 0 for a reader that left.
-    std::function<void(int)> outputEnded() {
-        return [this](int failure) {
-            if (failure != 0) {
-                complain("cannot write the output: " + platform::posixError(failure).description);
-            }
-            host.runLoop().stop(failure == 0 ? kAnswered : kNothingToShow);
-        };
-    }
-
-    ORVPosixHost host;
-    std::shared_ptr<ORVAppDelegate> delegate;
-};
-
-void perform(ORVAppDelegate& delegate, const std::string& line) {
+void performCommand(ORVAppDelegate& delegate, const std::string& line) {
     constexpr std::string_view kChoose = "choose ";
     constexpr std::string_view kKey = "key ";
     const bool isUnderstood =
@@ -125,47 +39,116 @@ void perform(ORVAppDelegate& delegate, const std::string& line) {
     }
 }
 
-/// The status line alone, for status bars.
-int watchAsLines() {
-    Session session(complain);
-    ORVLineOutput output(session.host.runLoop(), STDOUT_FILENO, session.outputEnded());
-    return session.run([&] { output.show(text::forTerminal(session.delegate->statusLine())); },
-                       nullptr, [&] { output.flush(); });
+std::string filledTemplate(const ORVTemplate& ownTemplate, const ORVAppDelegate& delegate) {
+    const auto& snapshot = delegate.lastSnapshot();
+    ORVTemplateValues values;
+    values.status = delegate.statusItem().title;
+    values.snapshot = snapshot ? &*snapshot : nullptr;
+    values.titleWithoutTask = delegate.focusLine().empty() ? "--" : delegate.focusLine();
+    values.folder = delegate.lastFolder();
+    values.now = ORVSystemClock().now();
+    values.timeFormat = delegate.timeFormat();
+    return ownTemplate.filled(values);
+}
+
+/// The line of this moment.
+std::string lineFor(const Arguments& arguments, const ORVAppDelegate& delegate) {
+    switch (arguments.format) {
+        case Format::json:
+            return json::statusItem(delegate.statusItem());
+        case Format::waybar:
+            return json::waybar(delegate);
+        case Format::ownTemplate:
+            return filledTemplate(*arguments.ownTemplate, delegate);
+        default:
+            return text::forTerminal(delegate.statusLine());
+    }
+}
+
+void complainOfOutput(int failure) {
+    complain("cannot write the output: " + platform::posixError(failure).description);
+}
+
+/// Whether a person can type here and sees the lines: on a terminal without a menu.
+bool hasPersonAtLines() {
+    return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) && tcgetpgrp(STDIN_FILENO) == getpgrp();
+}
+
+int watchAsLines(const Arguments& arguments, ORVPosixHost::Settings settings) {
+    ORVPosixApplication application(std::move(settings), complain);
+    ORVLineSurface surface(
+        application, STDOUT_FILENO, [&] { return lineFor(arguments, application.delegate()); },
+        complainOfOutput);
+    std::optional<ORVCommandInput> input;
+    if (arguments.format == Format::json) {
+        input.emplace(application.runLoop(), STDIN_FILENO, [&](const std::string& line) {
+            performCommand(application.delegate(), line);
+        });
+    } else if (hasPersonAtLines()) {
+        complain("q and Enter end it");
+        input.emplace(application.runLoop(), STDIN_FILENO, [&](const std::string& line) {
+            if (line == "q") {
+                application.runLoop().stop(kAnswered);
+            }
+        });
+    }
+    return application.run(surface);
+}
+
+class MenuSurface final : public ORVSurface {
+public:
+    MenuSurface(ORVAppDelegate& delegate, ORVTerminalMenu& menu)
+        : delegate_(delegate), menu_(menu) {}
+    void show() override {
+        menu_.setHistory(delegate_.lastHistory() ? *delegate_.lastHistory() : ORVHistory());
+        menu_.show();
+    }
+    void redraw() override { menu_.redrawAll(); }
+    void close() override { menu_.close(); }
+
+private:
+    ORVAppDelegate& delegate_;
+    ORVTerminalMenu& menu_;
+};
+
+int watchAsMenu(const Arguments& arguments, ORVPosixHost::Settings settings) {
+    settings.request.eventsPerFile = kEventsOfAPlot;
+    // What is said while the menu is on the screen is told when the screen is given back.
+    std::vector<std::string> complaints;
+    ORVPosixApplication application(std::move(settings), [&](const std::string& complaint) {
+        complaints.push_back(complaint);
+    });
+    ORVPosixApplication::redrawOn(SIGWINCH);
+    ORVTerminalMenu menu(application.delegate(), isColored(arguments.coloring, STDOUT_FILENO));
+    ORVPosixApplication::redrawOn(SIGCONT);
+    MenuSurface surface(application.delegate(), menu);
+    application.runLoop().watch(STDIN_FILENO, ORVPosixRunLoop::Interest::readable, [&] {
+        if (!menu.readKeys()) {
+            application.runLoop().stop(kAnswered);
+        }
+    });
+    const int status = application.run(surface);
+    std::for_each(complaints.begin(), complaints.end(), complain);
+    return status;
 }
 
 }  // namespace
 
-int watchAsJSON() {
-    Session session(complain);
-    ORVPosixRunLoop& loop = session.host.runLoop();
-    ORVLineOutput output(loop, STDOUT_FILENO, session.outputEnded());
-    const ORVCommandInput input(loop, STDIN_FILENO,
-                                [&](const std::string& line) { perform(*session.delegate, line); });
-    return session.run([&] { output.show(json::statusItem(session.delegate->statusItem())); },
-                       nullptr, [&] { output.flush(); });
-}
-
-int watch() {
-    if (!isatty(STDOUT_FILENO) || !isatty(STDIN_FILENO) || !ORVTerminalMenu::isPossible()) {
-        return watchAsLines();
-    }
-    // What is said while the menu is on the screen is told when the screen is given back.
-    std::vector<std::string> complaints;
-    Session session([&](const std::string& complaint) { complaints.push_back(complaint); });
-    ORVPosixRunLoop& loop = session.host.runLoop();
-    handle(SIGWINCH, wake);
-    ORVTerminalMenu terminal(*session.delegate);
-    handle(SIGCONT, wake);
-    loop.watch(STDIN_FILENO, ORVPosixRunLoop::Interest::readable, [&] {
-        if (!terminal.readKeys()) {
-            loop.stop(kAnswered);
+int watch(const Arguments& arguments, const std::string& codexHome) {
+    ORVPosixHost::Settings settings{codexHome, {}};
+    settings.request.task = arguments.shownTask;
+    settings.request.wantsFolder = arguments.ownTemplate && arguments.ownTemplate->wants("folder");
+    if (arguments.shownTask.choice == ORVShownTask::Choice::inFolder) {
+        const auto folder = realFolder(*platform::makeFiles(), arguments.folder);
+        if (!folder) {
+            return kNothingToShow;
         }
-    });
-    return session.run([&] { terminal.show(); }, [&] { terminal.redrawAll(); },
-                       [&] {
-                           terminal.close();
-                           std::for_each(complaints.begin(), complaints.end(), complain);
-                       });
+        settings.request.task.value = *folder;
+    }
+    const bool isMenu = arguments.format == Format::text && isatty(STDOUT_FILENO) &&
+                        isatty(STDIN_FILENO) && ORVTerminalMenu::isPossible();
+    return isMenu ? watchAsMenu(arguments, std::move(settings))
+                  : watchAsLines(arguments, std::move(settings));
 }
 
 }  // namespace ctl

@@ -27,6 +27,10 @@ public:
     ORVCodexFocusLogSource(ORVFiles& files, std::string logsRoot);
     ORVCodexFocusLogSource(ORVFiles& files, std::string logsRoot, std::string codexInfoPlistURL);
 
+    /// Where the logs and the installed application's property list are looked for.
+    const std::string& logsRoot() const { return logsRoot_; }
+    const std::string& infoPlistPath() const { return codexInfoPlistURL_; }
+
     // Decision (decision.cpp)
 
     /// Which task the user has in view.

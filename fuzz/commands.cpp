@@ -50,7 +50,7 @@ std::string outputOf(const std::function<void()>& function) {
 void checkQueries(std::string input, std::size_t lineCount) {
     auto files = std::make_unique<MemoryFiles>();
     fillHome(*files);
-    ctl::Sources sources(std::move(files));
+    ctl::Sources sources("/h/.codex", std::move(files));
     std::FILE* stream = fmemopen(input.data(), input.size(), "r");
     const std::string output = outputOf([&] { ctl::answerQueries(sources, stream); });
     std::fclose(stream);

@@ -41,7 +41,8 @@ void ORVLocalizer::setLanguageMode(std::int64_t mode) {
 }
 
 const ORVLanguage& ORVLocalizer::language() const {
-    const ORVLanguage* chosen = languageWithMode(languageMode_);
+    const ORVLanguage* chosen =
+        languageWithMode(showsOnlyEnglish_ ? ORVLanguageModeEnglish : languageMode_);
     return chosen ? *chosen
                   : l10n::languageForTag(preferredLanguages_.empty() ? std::string_view()
                                                                      : preferredLanguages_.front());

@@ -111,6 +111,9 @@ public:
 
     std::map<std::string, std::string> threadTitles() override;
 
+    /// The file that holds them.
+    std::string titleIndexPath() const;
+
     // Reading (reading.cpp)
 
     /// Reads what the file holds between the state's offset and `fileSize`, a size read from the

@@ -63,6 +63,10 @@ struct ORVSessionParseState {
     /// What happened, in file order; empty unless the source keeps histories.
     std::vector<ORVRecordedEvent> history;
 
+    // Once there were too many events, each point stands for the highest of several usages.
+    std::size_t eventsPerPoint = 1;
+    std::size_t eventsInLastPoint = 0;
+
     /// When there was not enough memory to read the file at its size of that moment.
     struct OutOfMemory {
         std::uint64_t fileSize;

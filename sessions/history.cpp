@@ -1,5 +1,5 @@
 // What happened in a task, recorded by the interpreter while it reads (interpretation.cpp), so that
-// a history cannot disagree with the figures. Tests: tests/sessions/history_test.cpp.
+// a history cannot disagree with the figures. Tests: tests/sessions/tasks_test.cpp.
 
 #include <unordered_set>
 #include <utility>
@@ -12,20 +12,36 @@ double heightOf(const ORVRecordedEvent& recorded) {
     return recorded.event.usage ? recorded.event.usage->percentage() : 0;
 }
 
-/// Keeps one event of every two neighbours: a compaction, else the higher usage.
-void halve(std::vector<ORVRecordedEvent>& history) {
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i + 1 < history.size(); i += 2) {
-        ORVRecordedEvent& first = history[i];
-        ORVRecordedEvent& second = history[i + 1];
-        const bool isFirst = !second.event.isCompaction() &&
-                             (first.event.isCompaction() || heightOf(first) > heightOf(second));
-        history[kept++] = std::move(isFirst ? first : second);
+bool isUsage(const ORVRecordedEvent& recorded) {
+    return !recorded.event.isCompaction();
+}
+
+/// Puts the higher of two usages in the place of the first.
+void merge(ORVRecordedEvent& first, ORVRecordedEvent&& second) {
+    if (heightOf(second) >= heightOf(first)) {
+        first = std::move(second);
     }
-    if (history.size() % 2 == 1) {
-        history[kept++] = std::move(history.back());
+}
+
+/// Merges usages that are neighbours, two by two. Compactions stay, unless they are most of what is
+/// left: then every other one goes.
+void thinOut(std::vector<ORVRecordedEvent>& history) {
+    const std::size_t before = history.size();
+    std::vector<ORVRecordedEvent> kept;
+    for (std::size_t i = 0; i < history.size(); ++i) {
+        kept.push_back(std::move(history[i]));
+        if (i + 1 < history.size() && isUsage(kept.back()) && isUsage(history[i + 1])) {
+            merge(kept.back(), std::move(history[++i]));
+        }
     }
-    history.resize(kept);
+    if (kept.size() > before / 4 * 3) {
+        bool isKept = false;
+        std::erase_if(kept, [&](const ORVRecordedEvent& recorded) {
+            isKept = isUsage(recorded) ? isKept : !isKept;
+            return !isUsage(recorded) && !isKept;
+        });
+    }
+    history = std::move(kept);
 }
 
 }  // namespace
@@ -36,10 +52,18 @@ void ORVCodexSessionSource::record(const ORVJSONValue& object, std::optional<ORV
     if (eventsPerFile_ == 0) {
         return;
     }
-    if (state.history.size() >= eventsPerFile_) {
-        halve(state.history);
+    ORVRecordedEvent recorded{{object["timestamp"].text, usage}, std::move(compactionIdentifier)};
+    if (isUsage(recorded) && state.eventsInLastPoint < state.eventsPerPoint &&
+        !state.history.empty() && isUsage(state.history.back())) {
+        ++state.eventsInLastPoint;
+        return merge(state.history.back(), std::move(recorded));
     }
-    state.history.push_back({{object["timestamp"].text, usage}, std::move(compactionIdentifier)});
+    state.history.push_back(std::move(recorded));
+    state.eventsInLastPoint = 1;
+    if (state.history.size() > eventsPerFile_) {
+        thinOut(state.history);
+        state.eventsPerPoint *= 2;
+    }
 }
 
 ORVHistory ORVCodexSessionSource::historyOfFiles(const std::vector<std::string>& urls) const {

@@ -19,7 +19,7 @@ const ORVJSONShape& entryShape() {
 }  // namespace
 
 void ORVCodexSessionSource::refreshTitleIndexIfNeeded() {
-    const std::string path = codexHome_ + "/session_index.jsonl";
+    const std::string path = titleIndexPath();
     const auto modifiedAt = files_.contentModificationDate(path);
     if (!modifiedAt || modifiedAt == titleIndexModifiedAt_) {
         return;
@@ -57,6 +57,10 @@ std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTit
     });
     jsonReader_.releaseMemory();
     return titles;
+}
+
+std::string ORVCodexSessionSource::titleIndexPath() const {
+    return codexHome_ + "/session_index.jsonl";
 }
 
 std::map<std::string, std::string> ORVCodexSessionSource::threadTitles() {

@@ -1,5 +1,5 @@
 // Which folder a task works in: the first line of a session file says it, once for all. Tasks are
-// found by folder from there. Tests: tests/sessions/working_folders_test.cpp.
+// found by folder from there. Tests: tests/sessions/tasks_test.cpp.
 
 #include <algorithm>
 #include <unordered_map>

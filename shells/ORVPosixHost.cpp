@@ -4,10 +4,11 @@
 
 #include "platform/confinement.h"
 
-ORVPosixHost::ORVPosixHost(std::unique_ptr<ORVFiles> files,
+ORVPosixHost::ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
                            std::unique_ptr<ORVUserDefaults> userDefaults,
                            std::function<void(const std::string&)> complain)
-    : files_(std::move(files)),
+    : settings_(std::move(settings)),
+      files_(std::move(files)),
       userDefaults_(std::move(userDefaults)),
       complain_(std::move(complain)) {}
 

@@ -8,13 +8,19 @@
 #include "platform/posix_run_loop.h"
 #include "platform/thread_queue.h"
 
-/// The application's host in a process without a desktop: a loop over descriptors and a
-/// thread.
+/// The application's host in a process without a desktop: a loop over descriptors and a thread.
 class ORVPosixHost final : public ORVAppHost {
 public:
-    /// `complain` hears what the user should know, at most once each. Without a thread for the
+    /// What the user has asked for on the command line.
+    struct Settings {
+        std::string codexHome;
+        ORVRefreshRequest request;
+    };
+
+    /// `complain` gets what the user should know, each thing once at most. Without a thread for the
     /// queue the loop ends at once.
-    ORVPosixHost(std::unique_ptr<ORVFiles> files, std::unique_ptr<ORVUserDefaults> userDefaults,
+    ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
+                 std::unique_ptr<ORVUserDefaults> userDefaults,
                  std::function<void(const std::string&)> complain);
 
     ORVUserDefaults& standardUserDefaults() override { return *userDefaults_; }
@@ -22,6 +28,8 @@ public:
     ORVPosixRunLoop& runLoop() override { return runLoop_; }
     ORVFiles& files() override { return *files_; }
     const ORVClock& clock() override { return clock_; }
+    std::string codexHome() override { return settings_.codexHome; }
+    ORVRefreshRequest refreshRequest() override { return settings_.request; }
     void terminate() override { runLoop_.stop(0); }
 
     /// Waits a moment for a read under way; false while it hangs. The process must then be left
@@ -29,6 +37,7 @@ public:
     bool readerIsIdle();
 
 private:
+    const Settings settings_;
     ORVPosixRunLoop runLoop_;
     ORVSystemClock clock_;
     std::unique_ptr<ORVFiles> files_;

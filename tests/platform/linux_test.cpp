@@ -40,8 +40,8 @@ TEST(PreferredLanguagesTest, OfTheEnvironment) {
         {nullptr, "C", "de_DE", "zh_CN.UTF-8", {}},
         {nullptr, "C.UTF-8", nullptr, nullptr, {}},
         {nullptr, "POSIX", nullptr, nullptr, {}},
-        {"zh_CN:en:", "C", nullptr, nullptr, {"zh-CN", "en"}},
-        {"", "", "", "en", {"en-US"}},
+        {"zh_CN:en:", "C", nullptr, nullptr, {"zh-CN", "en_US"}},
+        {"", "", "", "en_US", {"en-US"}},
         {nullptr, nullptr, nullptr, nullptr, {}},
     };
     for (const Case& c : kCases) {
@@ -283,8 +283,8 @@ TEST_F(ConfinementTest, WritingIsRefusedButInTheFolderGiven) {
 
 TEST_F(ConfinementTest, TheThreadThatReadsForTheMenuWritesNothing) {
     EXPECT_EQ(0, confined([&] {
-                  ORVPosixHost host(platform::makeFiles(), std::make_unique<MemoryDefaults>(),
-                                    [](const std::string&) {});
+                  ORVPosixHost host({home.path(".codex"), {}}, platform::makeFiles(),
+                                    std::make_unique<MemoryDefaults>(), [](const std::string&) {});
                   const auto queue = host.makeSerialQueue("");
                   queue->dispatch([&] { expect(1, !canWrite("open/other")); });
                   while (!host.readerIsIdle()) {

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/files.h"
+
+namespace app {
+
+/// How long ago the date was; nothing for a date in the future.
+std::chrono::seconds age(ORVFileDate date, ORVClock::TimePoint now);
+
+/// The same in its largest unit, rounded down: "12s", "3m", "2h", "5d".
+std::string ageText(ORVFileDate date, ORVClock::TimePoint now);
+
+}  // namespace app

@@ -1,0 +1,199 @@
+// Looks at every place that the program reads, and tells what is missing from what may not be read.
+// Tests: tests/ctl/doctor_test.cpp.
+
+#include "ctl/doctor.h"
+
+#include <cerrno>
+#include <new>
+
+#include "app/age.h"
+#include "app/status_title.h"
+#include "ctl/answers.h"
+#include "l10n/ORVLocalizer.h"
+#include "platform/user_defaults.h"
+#include "text/paths.h"
+#include "text/unicode.h"
+
+namespace ctl {
+namespace {
+
+/// What a walk found below a folder.
+struct Found {
+    std::size_t count = 0;
+    std::optional<ORVWalkedFile> newest;
+    ORVErrorSlot failure;  ///< Of the folder itself, or the first of one below it.
+    bool isFolder = false;
+};
+
+class Examination {
+public:
+    Examination(Sources& sources, const CodexHome& home, const ConfinementState& confinement)
+        : sources_(sources), home_(home), confinement_(confinement) {}
+
+    int run() {
+        lookAtCodexHome();
+        lookAtSessions();
+        lookAtTitles();
+        lookAtUnreadSessions();
+        lookAtLogs();
+        lookAtFocus();
+        lookAtLanguage();
+        lookAtConfinement();
+        conclude();
+        return finish(report_, canShow_ ? kAnswered : kNothingToShow);
+    }
+
+private:
+    void tell(const std::string& what, const std::string& found) {
+        constexpr std::size_t kColumns = 15;
+        std::string label = what;
+        label.resize(std::max(label.size(), kColumns), ' ');
+        report_ += label + text::forTerminal(found) + '\n';
+    }
+
+    Found walk(const std::string& folder, const ORVFiles::NameTest& wanted) {
+        Found found;
+        found.isFolder = sources_.files->walk(
+            folder, wanted,
+            [&](ORVWalkedFile&& file) {
+                ++found.count;
+                if (!found.newest || file.modifiedAt > found.newest->modifiedAt) {
+                    found.newest = std::move(file);
+                }
+            },
+            [&](ORVError&& failure) { storeErrorIfEmpty(&found.failure, std::move(failure)); });
+        return found;
+    }
+
+    /// "missing", or why it cannot be read; "" for what can.
+    static std::string trouble(const ORVErrorSlot& failure) {
+        if (!failure) {
+            return "";
+        }
+        return failure->code == ENOENT ? "missing" : "cannot be read: " + failure->description;
+    }
+
+    std::string described(const Found& found, const std::string& noun) {
+        if (!found.isFolder) {
+            return trouble(found.failure);
+        }
+        std::string text = std::to_string(found.count) + " " + noun + (found.count == 1 ? "" : "s");
+        if (found.newest) {
+            text += ", the newest " + app::ageText(found.newest->modifiedAt, sources_.clock.now()) +
+                    " old";
+        }
+        return text + (found.failure ? "; a folder below it " + trouble(found.failure) : "");
+    }
+
+    void lookAtCodexHome() {
+        const Found found = walk(home_.path, [](std::string_view) { return false; });
+        const std::string state = found.isFolder ? "" : ": " + trouble(found.failure);
+        tell("Codex home", home_.path + " (" + home_.origin + ")" + state);
+    }
+
+    void lookAtSessions() {
+        sessions_ = walk(sources_.session.sessionsFolder(),
+                         [](std::string_view name) { return text::hasExtension(name, "jsonl"); });
+        tell("Sessions",
+             sources_.session.sessionsFolder() + ": " + described(sessions_, "session file"));
+    }
+
+    void lookAtTitles() {
+        const std::string path = sources_.session.titleIndexPath();
+        const auto titles = sources_.session.threadTitles();
+        ORVErrorSlot failure;
+        if (titles.empty()) {
+            (void)sources_.files->openForReading(path, &failure);
+        }
+        tell(
+            "Titles",
+            path + ": " + (failure ? trouble(failure) : std::to_string(titles.size()) + " titles"));
+    }
+
+    void lookAtUnreadSessions() {
+        const Found compressed = walk(sources_.session.sessionsFolder(), [](std::string_view name) {
+            return text::hasExtension(name, "zst") || text::hasExtension(name, "gz") ||
+                   text::hasExtension(name, "zip");
+        });
+        const Found archived =
+            walk(home_.path + "/archived_sessions", [](std::string_view) { return true; });
+        tell("Not read", std::to_string(compressed.count) + " compressed session files, " +
+                             std::to_string(archived.count) + " archived ones");
+    }
+
+    void lookAtLogs() {
+        const std::string folder = sources_.focus.logsRoot();
+        const Found found =
+            walk(folder, [](std::string_view name) { return text::hasExtension(name, "log"); });
+        tell("Desktop logs", folder + ": " + described(found, "log"));
+    }
+
+    void lookAtFocus() {
+        const ORVCodexFocusState focusState = sources_.focus.currentFocusStateWithError(nullptr);
+        tell("In view", focusText(focusState));
+        tell("Application",
+             sources_.focus.infoPlistPath() + ": " +
+                 (focusState.codexVersion() ? "version " + *focusState.codexVersion()
+                                            : std::string("no version is told there")));
+        if (focusState.status() == ORVCodexFocusStatusTaskInView) {
+            inView_ = sources_.session.snapshotForThreadID(*focusState.threadID(), nullptr);
+        }
+    }
+
+    void lookAtLanguage() {
+        const auto defaults = platform::standardUserDefaults([](const ORVStoringFailure&) {});
+        const ORVLocalizer localizer(*defaults);
+        const bool isChosen = localizer.languageMode() != ORVLanguageModeSystem;
+        tell("Language", std::string(localizer.locale()) +
+                             (isChosen ? ", as chosen; " : ", the system's; ") + "stored in " +
+                             platform::placeOfUserDefaults());
+    }
+
+    void lookAtConfinement() {
+        tell("Confinement",
+             std::string(confinement_.filtersCalls ? "the kernel allows no network and no programs"
+                                                   : "the kernel does not filter system calls") +
+                 (confinement_.limitsWriting ? ", and no writing of files"
+                                             : "; it does not limit writing"));
+    }
+
+    void conclude() {
+        const auto latest = sources_.session.latestSnapshotWithError(nullptr);
+        canShow_ = inView_ || latest;
+        const auto shown = [](const ORVSessionSnapshot& snapshot) {
+            return app::statusItemTitle(snapshot) + "  " + text::forTerminal(snapshot.title());
+        };
+        report_ += '\n';
+        if (inView_) {
+            report_ += "brimletctl watch shows: " + shown(*inView_) + '\n';
+        } else if (latest) {
+            report_ +=
+                "brimletctl watch shows no task, since none is in view in the desktop "
+                "application; brimletctl watch --latest shows: " +
+                shown(*latest) + '\n';
+        } else {
+            report_ += "brimletctl watch shows no task: " +
+                       (sessions_.isFolder && sessions_.count > 0
+                            ? std::string("the newest session file cannot be read.")
+                            : "there is no session file; run the agent once, or name its home with "
+                              "--codex-home.") +
+                       '\n';
+        }
+    }
+
+    Sources& sources_;
+    const CodexHome& home_;
+    const ConfinementState& confinement_;
+    std::string report_;
+    Found sessions_;
+    std::optional<ORVSessionSnapshot> inView_;
+    bool canShow_ = false;
+};
+
+}  // namespace
+
+int examine(Sources& sources, const CodexHome& home, const ConfinementState& confinement) {
+    return Examination(sources, home, confinement).run();
+}
+
+}  // namespace ctl

@@ -1,0 +1,93 @@
+// Signals, the loop's beginning and its end. Tests: tests/ctl/brimletctl_test.cpp, on the program.
+
+#include "shells/ORVPosixApplication.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+namespace {
+
+// For the signal handlers, which can reach nothing else.
+ORVPosixRunLoop* signalledLoop = nullptr;
+volatile sig_atomic_t endWasAskedFor = 0;
+
+void askForEnd(int) {
+    endWasAskedFor = 1;
+    signalledLoop->wakeFromSignal();
+}
+
+void wake(int) {
+    signalledLoop->wakeFromSignal();
+}
+
+/// A signal that the parent has ignored (nohup; a script's job in the background) stays ignored.
+void handle(int signalNumber, void (*handler)(int)) {
+    struct sigaction inherited {};
+    sigaction(signalNumber, nullptr, &inherited);
+    if (inherited.sa_handler == SIG_IGN) {
+        return;
+    }
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    sigaction(signalNumber, &action, nullptr);
+}
+
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+std::unique_ptr<ORVUserDefaults> defaultsThatComplain(
+    const std::function<void(const std::string&)>& complain) {
+    return platform::standardUserDefaults([complain](const ORVStoringFailure& failure) {
+        complain("cannot store the language in " + failure.path + ": " + failure.reason);
+    });
+}
+
+}  // namespace
+
+ORVPosixApplication::ORVPosixApplication(ORVPosixHost::Settings settings,
+                                         const std::function<void(const std::string&)>& complain)
+    : complain_(complain),
+      host_(std::move(settings), platform::makeFiles(), defaultsThatComplain(complain), complain),
+      delegate_(std::make_shared<ORVAppDelegate>(host_)) {
+    signalledLoop = &host_.runLoop();
+    for (const int signalNumber : kEndingSignals) {
+        handle(signalNumber, askForEnd);
+    }
+}
+
+void ORVPosixApplication::redrawOn(int signalNumber) {
+    handle(signalNumber, wake);
+}
+
+int ORVPosixApplication::run(ORVSurface& surface) {
+    ORVPosixRunLoop& loop = host_.runLoop();
+    if (!loop.isUsable()) {
+        surface.close();
+        complain_("no file descriptors are left");
+        return EXIT_FAILURE;
+    }
+    loop.setTurnEnd([&surface] { surface.show(); });
+    loop.setWakened([&loop, &surface] {
+        if (endWasAskedFor) {
+            loop.stop(EXIT_SUCCESS);
+        } else {
+            surface.redraw();
+        }
+    });
+    loop.post([this] { delegate_->applicationDidFinishLaunching(); });
+    const int status = loop.run();
+    surface.close();
+    if (!host_.readerIsIdle()) {
+        _exit(status);  // The thread that hangs still uses the application.
+    }
+    for (const int signalNumber : kEndingSignals) {
+        handle(signalNumber, SIG_IGN);  // The end is under way.
+    }
+    for (const int signalNumber : {SIGWINCH, SIGCONT}) {
+        handle(signalNumber, SIG_DFL);
+    }
+    loop.dropClosures();
+    return status;
+}

@@ -1,0 +1,117 @@
+#include "ctl/arguments.h"
+
+#include <getopt.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "ctl/command_table.h"
+
+namespace {
+
+/// Words are divided by spaces; "''" is an empty one.
+std::variant<ctl::Arguments, ctl::Mistake> parse(const std::string& line) {
+    std::vector<std::string> words = {"brimletctl"};
+    std::istringstream stream(line);
+    for (std::string word; stream >> word;) {
+        words.push_back(word == "''" ? "" : word);
+    }
+    std::vector<char*> pointers;
+    for (std::string& word : words) {
+        pointers.push_back(word.data());
+    }
+    pointers.push_back(nullptr);
+    optind = 0;  // getopt begins anew.
+    return ctl::parseArguments(static_cast<int>(words.size()), pointers.data());
+}
+
+std::string mistakeIn(const std::string& line) {
+    const auto parsed = parse(line);
+    const auto* mistake = std::get_if<ctl::Mistake>(&parsed);
+    return mistake ? mistake->text + " [" + mistake->command + "]" : "understood";
+}
+
+ctl::Arguments understood(const std::string& line) {
+    EXPECT_EQ("understood", mistakeIn(line)) << line;
+    const auto parsed = parse(line);
+    const auto* arguments = std::get_if<ctl::Arguments>(&parsed);
+    return arguments ? *arguments : ctl::Arguments();
+}
+
+TEST(ArgumentsTest, CommandsWithTheirOptions) {
+    EXPECT_EQ(ctl::Call::watch, understood("watch").call);
+    EXPECT_EQ(ctl::Format::json, understood("--json latest").format);
+    EXPECT_EQ(ctl::Format::json, understood("latest --json").format);
+    EXPECT_EQ("--json", understood("task -- --json").threadID);
+    EXPECT_EQ("", understood("task ''").threadID);
+    EXPECT_FALSE(understood("history").hasThreadID);
+    EXPECT_EQ(ctl::Format::svg, understood("history x --svg").format);
+    EXPECT_EQ("x", understood("watch --task x --waybar").shownTask.value);
+    EXPECT_EQ(ORVShownTask::Choice::inFolder,
+              understood("watch --here --folder /x").shownTask.choice);
+    EXPECT_EQ("/x", understood("here --folder=/x").folder);
+    EXPECT_EQ(0U, understood("tasks --limit 0").limit);
+    EXPECT_EQ(std::chrono::hours(48), understood("tasks --since 2d").since);
+    EXPECT_EQ("d", understood("--codex-home d --color never titles").codexHome);
+    EXPECT_EQ(ctl::Coloring::never, understood("titles --color never --codex-home d").coloring);
+    EXPECT_EQ(ctl::Call::help, understood("--help").call);
+    EXPECT_EQ("tasks", understood("tasks -h").helpTopic);
+    EXPECT_EQ("tasks", understood("help tasks").helpTopic);
+    EXPECT_EQ(ctl::Call::version, understood("-V").call);
+}
+
+TEST(ArgumentsTest, AMistakeIsNamedWithWhatIsNear) {
+    const std::pair<const char*, const char*> kCases[] = {
+        {"", "a command is missing []"},
+        {"--json", "a command is missing []"},
+        {"latst", "unknown command latst; did you mean latest? []"},
+        {"xyzzy", "unknown command xyzzy []"},
+        {"latest --jsno", "unknown option --jsno; did you mean --json? [latest]"},
+        {"latest --zzzzzz", "unknown option --zzzzzz [latest]"},
+        {"latest -x", "unknown option -x [latest]"},
+        {"latest --json=1", "--json takes no value [latest]"},
+        {"latest --format", "--format needs a value [latest]"},
+        {"latest x", "latest takes no argument: x [latest]"},
+        {"task", "task needs ID [task]"},
+        {"task a b", "task takes only one argument: b [task]"},
+        {"query --json", "query does not take --json [query]"},
+        {"latest --waybar", "latest does not take --waybar [latest]"},
+        {"here --latest", "here does not take --latest [here]"},
+        {"latest --folder x", "latest does not take --folder [latest]"},
+        {"watch --folder x", "--folder goes with --here [watch]"},
+        {"watch --task ''", "--task needs a thread identifier [watch]"},
+        {"tasks --limit -1", "--limit needs a number, not -1 [tasks]"},
+        {"tasks --limit 99999999999", "--limit needs a number, not 99999999999 [tasks]"},
+        {"tasks --since 5y", "--since needs a time such as 30m, 2h or 7d, not 5y [tasks]"},
+        {"tasks --since h", "--since needs a time such as 30m, 2h or 7d, not h [tasks]"},
+        {"titles --color red", "--color is auto, always or never, not red [titles]"},
+        {"help lates", "unknown command lates; did you mean latest? [help]"}};
+    for (const auto& [line, text] : kCases) {
+        EXPECT_EQ(text, mistakeIn(line)) << line;
+    }
+    for (const char* line :
+         {"watch --latest --here", "watch --latest --task x", "watch --here --task x",
+          "watch --json --waybar", "latest --json --format x", "history --json --svg",
+          "latest --format {", "latest --format {nope}", "titles --codex-home ''"}) {
+        EXPECT_NE("understood", mistakeIn(line)) << line;
+    }
+}
+
+TEST(ArgumentsTest, HelpNamesEveryCommandAndEveryOptionOfIt) {
+    const std::string everything = ctl::helpText("");
+    for (const ctl::Command& command : ctl::commands()) {
+        EXPECT_NE(std::string::npos, everything.find("\n  " + std::string(command.name)));
+        const std::string help = ctl::helpText(command.name);
+        for (const char letter : command.options) {
+            EXPECT_NE(std::string::npos,
+                      help.find("  --" + std::string(ctl::optionWithLetter(letter).name)))
+                << command.name << letter;
+        }
+        std::istringstream lines(help + everything);
+        for (std::string line; std::getline(lines, line);) {
+            EXPECT_GE(100U, line.size()) << line;
+        }
+    }
+}
+
+}  // namespace
