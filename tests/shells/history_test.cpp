@@ -1,0 +1,272 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <sstream>
+
+#include "shells/history/history_plot.h"
+#include "shells/history/history_svg.h"
+#include "shells/terminal/menu_rows.h"
+#include "text/unicode.h"
+
+namespace {
+
+using Events = std::vector<ORVHistoryEvent>;
+
+constexpr int kWindow = 1'000'000;
+
+ORVHistoryEvent point(int tokens, std::string at = "2026-11-24T16:45:21.002Z") {
+    return {std::move(at), ORVContextUsage(tokens, kWindow)};
+}
+
+ORVHistoryEvent compaction() {
+    return {"2026-11-24T18:02:00Z", std::nullopt};
+}
+
+/// A point a percentage, a compaction where it is negative.
+Events events(const std::vector<int>& percentages) {
+    Events result;
+    for (const int percentage : percentages) {
+        result.push_back(percentage < 0 ? compaction() : point(percentage * kWindow / 100));
+    }
+    return result;
+}
+
+std::size_t count(std::string_view text, std::string_view piece) {
+    std::size_t found = 0;
+    for (auto at = text.find(piece); at != text.npos; at = text.find(piece, at + piece.size())) {
+        ++found;
+    }
+    return found;
+}
+
+std::string joined(const std::vector<history::PlotRow>& rows) {
+    std::string text;
+    for (const history::PlotRow& row : rows) {
+        text += row.text + "\n";
+    }
+    return text;
+}
+
+/// Whether elements, attributes and references are as XML wants them. Knows only what a picture
+/// is made of: no comment, no declaration, no ">" in a value.
+bool isWellFormed(const std::string& xml) {
+    std::vector<std::string> open;
+    std::istringstream pieces(xml);
+    std::string piece;
+    std::getline(pieces, piece, '<');
+    bool isGood = piece.empty();
+    while (isGood && std::getline(pieces, piece, '<')) {
+        const std::size_t end = std::min(piece.find('>'), piece.size());
+        const std::string tag = piece.substr(0, end);
+        const std::string name = tag.substr(0, tag.find(' '));
+        const bool ends = name.starts_with('/');
+        isGood = count(piece, ">") == 1 && count(tag, "\"") == 2 * count(tag, "=\"") &&
+                 count(piece, "&") ==
+                     count(piece, "&amp;") + count(piece, "&lt;") + count(piece, "&gt;") &&
+                 (!ends || (!open.empty() && "/" + open.back() == name));
+        if (isGood && ends) {
+            open.pop_back();
+        } else if (!tag.ends_with('/')) {
+            open.push_back(name);
+        }
+    }
+    return isGood && open.empty();
+}
+
+/// A column of rising points shows its last one, a column of falling points its first. So the
+/// columns part the points without a gap and in order when one column's last is followed by the
+/// next one's first.
+TEST(HistoryTest, ColumnsPartThePointsInOrderAndKeepTheHighest) {
+    for (const int points : {1, 2, 3, 59, 60, 61, 119, 10'000}) {
+        for (const std::size_t room : {std::size_t{1}, std::size_t{7}, std::size_t{60}}) {
+            SCOPED_TRACE(std::to_string(points) + " in " + std::to_string(room));
+            Events rising;
+            for (int i = 0; i < points; ++i) {
+                rising.push_back(point(i + 1));
+            }
+            const auto last = history::thinned(rising, room);
+            const auto first = history::thinned(Events(rising.rbegin(), rising.rend()), room);
+            ASSERT_EQ(std::min(static_cast<std::size_t>(points), room), last.size());
+            ASSERT_EQ(last.size(), first.size());
+            long before = 0;
+            for (std::size_t i = 0; i < last.size(); ++i) {
+                EXPECT_EQ(before + 1, points + 1 - std::lround(*first[i].level * kWindow / 100));
+                before = std::lround(*last[i].level * kWindow / 100);
+            }
+            EXPECT_EQ(points, before);
+        }
+    }
+}
+
+TEST(HistoryTest, EveryCompactionIsMarkedWhereThereIsRoom) {
+    const std::vector<int> kSeries[] = {
+        {10, 90, -1, 10},         {-1}, {-1, -1, -1},   {-1, 5, -1, -1, 7, -1},
+        {50, -1, 50, -1, 50, -1}, {50}, {120, -1, 120},
+    };
+    for (const auto& series : kSeries) {
+        const Events all = events(series);
+        const auto compactions = static_cast<std::size_t>(
+            std::count_if(series.begin(), series.end(), [](int p) { return p < 0; }));
+        for (const int columns : {6, 20, 80, 200}) {
+            EXPECT_EQ(compactions, count(joined(history::plot(all, {columns, 12, true})), "▼"));
+            EXPECT_EQ(compactions, count(joined(history::plot(all, {columns, 12, false})), "v"));
+        }
+        const std::string picture = history::svg(all, "");
+        EXPECT_EQ(compactions, count(picture, "h8l-4 7z"));
+        EXPECT_EQ(compactions > 0, count(picture, "▼ " + std::to_string(compactions)) == 1);
+    }
+    const Events dense = events(std::vector<int>(10'000, -1));
+    EXPECT_EQ(75U, count(joined(history::plot(dense, {})), "▼"));
+    for (const std::size_t at : {0U, 1U, 4998U, 5000U, 9999U}) {
+        std::vector<int> series(10'000, 50);
+        series[at] = -1;
+        EXPECT_EQ(1U, count(joined(history::plot(events(series), {})), "▼")) << at;
+    }
+}
+
+TEST(HistoryTest, APlotOfAnySizeStaysInIt) {
+    Events hostile = events({0, 3, 100, -1, -1, 250, -1, 40});
+    hostile.front().at = "\x1b[31m\xFF";
+    hostile.back().at = "2026-11-24T16:45:\x1b[31m重";
+    const Events kSeries[] = {hostile, events({50}), events({-1})};
+    for (const Events& series : kSeries) {
+        for (int columns = 1; columns < 50; ++columns) {
+            for (int rows = 1; rows < 9; ++rows) {
+                for (const bool unicode : {true, false}) {
+                    const auto plot = history::plot(series, {columns, rows, unicode});
+                    EXPECT_EQ(static_cast<std::size_t>(rows), plot.size());
+                    for (const history::PlotRow& row : plot) {
+                        EXPECT_LE(terminal::textColumns(row.text), columns);
+                        EXPECT_EQ(row.text, text::forTerminal(row.text));
+                        EXPECT_FALSE(row.text.ends_with(' '));
+                        EXPECT_TRUE(unicode || std::all_of(row.text.begin(), row.text.end(),
+                                                           [](char c) { return c > 0; }));
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_TRUE(history::plot({}, {}).empty());
+    EXPECT_TRUE(history::plot(hostile, {0, 5}).empty());
+    EXPECT_TRUE(history::plot(hostile, {5, -1}).empty());
+    EXPECT_FALSE(history::plot(hostile, {1 << 30, 1 << 30}).empty());
+}
+
+TEST(HistoryTest, BarsStandAsHighAsTheirUsage) {
+    const auto blocks = [](int tokens, int rows) {
+        return joined(history::plot({point(tokens, "")}, {1, rows, true}));
+    };
+    EXPECT_EQ("▄\n", blocks(kWindow / 2, 1));
+    EXPECT_EQ("\n█\n", blocks(kWindow / 2, 2));
+    EXPECT_EQ("\n\n▄\n█\n█\n─\n", blocks(kWindow / 2, 6));
+    EXPECT_EQ("\n\n\n\n▁\n─\n", blocks(1, 6));
+    EXPECT_EQ("█\n█\n█\n█\n█\n─\n", blocks(2 * kWindow, 6));
+
+    const auto rows = history::plot(events({95, -1, 5}), {25, 12, false});
+    EXPECT_EQ("100%+::::::::::|", rows[0].text);
+    for (std::size_t i = 0; i < 9; ++i) {
+        EXPECT_EQ('|', rows[i].text[15]) << "above the bar after the compaction, row " << i;
+        EXPECT_NEAR(95.0 - 10.0 * static_cast<double>(i), *rows[i].level, 1e-9);
+    }
+    EXPECT_EQ(" 50%+##########|", rows[5].text);
+    EXPECT_EQ("  0%+----------v---------", rows[10].text);
+    EXPECT_FALSE(rows[10].level || rows[11].level);
+}
+
+TEST(HistoryTest, TimesAreCutFromTheRecords) {
+    struct Case {
+        const char* first;
+        const char* last;
+        int columns;
+        const char* row;  ///< Null where there is no row of times.
+    };
+    const char* const kMorning = "2026-11-24T08:05:21.002Z";
+    const char* const kEvening = "2026-11-24T18:02:00Z";
+    const char* const kNextDay = "2026-11-25T00:00:00+08:00";
+    const Case kCases[] = {
+        {kMorning, kEvening, 45, "     2026-11-24 08:05        2026-11-24 18:02"},
+        {kMorning, kEvening, 20, "     08:05     18:02"},
+        {kMorning, kNextDay, 20, "     11-24     11-25"},
+        {kMorning, kEvening, 10, nullptr},
+        {kMorning, kMorning, 30, "     2026-11-24 08:05"},
+        {kMorning, "", 30, "     2026-11-24 08:05"},
+        {"", kEvening, 30, "              2026-11-24 18:02"},
+        {"", kEvening, 9, "    18:02"},
+        {"2026-11-24 08:05:21", "2026-11-24T18:02", 80, nullptr},
+        {"2026-11-24T0x:05:21Z", "\x1b[31m", 80, nullptr},
+    };
+    for (const Case& c : kCases) {
+        const auto rows = history::plot({point(1, c.first), point(2, c.last)}, {c.columns, 4});
+        EXPECT_EQ(c.row == nullptr, rows[2].level.has_value()) << c.first;
+        EXPECT_TRUE(!c.row || c.row == rows[3].text) << rows[3].text;
+    }
+}
+
+TEST(HistoryTest, ThePictureShowsThePointsInOrder) {
+    const std::vector<int> kPercentages = {10, 95, 4, 250, 0, 50};
+    const std::string picture = history::svg(events(kPercentages), "");
+    const std::string_view kBegin = "class=\"line\" d=\"M";
+    const char* at = picture.c_str() + picture.find(kBegin) + kBegin.size();
+    char* end = nullptr;
+    double x = std::strtod(at, &end);
+    EXPECT_EQ(' ', *end);
+    for (const int percentage : kPercentages) {
+        const double y = std::strtod(end + 1, &end);
+        EXPECT_EQ('H', *end);
+        const double right = std::strtod(end + 1, &end);
+        EXPECT_EQ(percentage == kPercentages.back() ? '"' : 'V', *end);
+        EXPECT_NEAR(std::min(percentage, 100), (204.0 - y) / (204.0 - 52.0) * 100.0, 0.1);
+        EXPECT_NEAR((624.0 - 48.0) / 6, right - x, 0.11);
+        x = right;
+    }
+    // Where nothing was counted between two compactions, nothing is drawn.
+    const std::string gap = history::svg(events({50, 100, -1, -1, 50}), "");
+    EXPECT_EQ(1U, count(gap, "\"M48.0 128.0H192.0V52.0H336.0M480.0 128.0H624.0\""));
+    EXPECT_EQ(1U, count(gap, "\"M48.0 204V128.0H192.0V52.0H336.0V204M480.0 204V128.0H624.0V204\""));
+}
+
+TEST(HistoryTest, ThePictureIsXMLWhateverTheTitle) {
+    struct Case {
+        std::string title;
+        std::string written;
+    };
+    const Case kCases[] = {
+        {"Fix the tests", "Fix the tests"},
+        {"a<b> & \"c\" ]]>", "a&lt;b&gt; &amp; \"c\" ]]&gt;"},
+        {"</title><script>", "&lt;/title&gt;&lt;script&gt;"},
+        {std::string("a\0b\x1b\n\x7f", 6) + "\u0085z", "a b    z"},
+        {"\uFFFE \uFFFF\uFFFF \xED\xA0\x80", "\uFFFD \uFFFD\uFFFD \uFFFD\uFFFD\uFFFD"},
+        {"重构\xFF🚀\xE2\x82", "重构\uFFFD🚀\uFFFD"},
+        {"", ""},
+    };
+    for (const Case& c : kCases) {
+        const std::string picture = history::svg(events({5, -1, 250}), c.title);
+        EXPECT_TRUE(isWellFormed(picture)) << picture;
+        EXPECT_TRUE(text::isValidUTF8(picture));
+        EXPECT_NE(picture.npos, picture.find("<title>" + c.written + "</title>")) << picture;
+        EXPECT_EQ(c.title.empty() ? 1U : 2U, count(picture, ">" + c.written + "</t"));
+    }
+    for (const char* piece : {"W", "重", "é", "<", "\u0301", "\xFF"}) {
+        std::string title;
+        for (int i = 0; i < 5000; ++i) {
+            title += piece;
+        }
+        const std::string picture = history::svg({}, title);
+        EXPECT_TRUE(isWellFormed(picture) && text::isValidUTF8(picture)) << piece;
+        EXPECT_EQ(1U, count(picture, "…</text>")) << piece;
+    }
+}
+
+TEST(HistoryTest, ALongHistoryIsASmallPicture) {
+    Events all;
+    for (int i = 0; i < 200'000; ++i) {
+        all.push_back(i % 100 == 99 ? compaction() : point((i % 1000) * 7919 % kWindow + 1));
+    }
+    const std::string picture = history::svg(all, "");
+    EXPECT_LT(picture.size(), 100'000U);
+    EXPECT_NE(picture.npos, picture.find("198000 points, the highest 100%, 2000 compactions"));
+}
+
+}  // namespace
