@@ -40,7 +40,7 @@ TEST(PreferredLanguagesTest, OfTheEnvironment) {
         {nullptr, "C", "de_DE", "zh_CN.UTF-8", {}},
         {nullptr, "C.UTF-8", nullptr, nullptr, {}},
         {nullptr, "POSIX", nullptr, nullptr, {}},
-        {"zh_CN:en:", "C", nullptr, nullptr, {"zh-CN", "en_US"}},
+        {"zh_CN:en:", "C", nullptr, nullptr, {"zh-CN", "en"}},
         {"", "", "", "en_US", {"en-US"}},
         {nullptr, nullptr, nullptr, nullptr, {}},
     };

@@ -7,7 +7,8 @@
 
 #include "shells/history/history_plot.h"
 #include "shells/history/history_svg.h"
-#include "shells/terminal/menu_rows.h"
+#include "shells/terminal/screen_text.h"
+#include "shells/terminal/terminal_modes.h"
 #include "text/unicode.h"
 
 namespace {
@@ -127,6 +128,7 @@ TEST(HistoryTest, EveryCompactionIsMarkedWhereThereIsRoom) {
 }
 
 TEST(HistoryTest, APlotOfAnySizeStaysInIt) {
+    terminal::setUpCharacters();  // As columns are counted on a terminal.
     Events hostile = events({0, 3, 100, -1, -1, 250, -1, 40});
     hostile.front().at = "\x1b[31m\xFF";
     hostile.back().at = "2026-11-24T16:45:\x1b[31m重";
