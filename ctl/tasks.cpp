@@ -109,15 +109,16 @@ private:
         for (std::size_t i = next_++; i < tasks_.size(); i = next_++) {
             readTask(sources.session, tasks_[i], results_[i]);
             const std::lock_guard<std::mutex> lock(mutex_);
-            ++done_;
-            changed_.notify_one();
+            if (++done_ == tasks_.size()) {
+                changed_.notify_one();
+            }
         }
     }
 
     static void readTask(ORVCodexSessionSource& source, const ORVTask& task, ReadTask& result) {
         try {
             result.snapshot = source.snapshotForTask(task, &result.error);
-            result.folder = source.workingFolderForSessionURL(task.newestFile().path);
+            result.folder = source.workingFolderForTask(task);
             source.forgetFiles();
         } catch (const std::bad_alloc&) {
             result.snapshot.reset();

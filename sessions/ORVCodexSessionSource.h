@@ -77,7 +77,8 @@ public:
     /// where the sessions folder cannot be walked.
     std::optional<std::vector<ORVTask>> tasksWithError(ORVErrorSlot* error);
 
-    /// The figures that snapshotForThreadID gives for the task's identifier.
+    /// The figures that snapshotForThreadID gives for the task's identifier. Keeps the memory for
+    /// reading, for the next of many tasks.
     std::optional<ORVSessionSnapshot> snapshotForTask(const ORVTask& task, ORVErrorSlot* error);
 
     /// Forgets what was read of every session file: for a caller that asks about each of many tasks
@@ -90,6 +91,10 @@ public:
     /// first line, when that is a record of the type "session_meta" and the string an absolute
     /// path. None for every other file. Read once per file, and kept.
     std::optional<std::string> workingFolderForSessionURL(const std::string& url);
+
+    /// The same for the task's newest file. Keeps the memory for reading, for the next of many
+    /// tasks.
+    std::optional<std::string> workingFolderForTask(const ORVTask& task);
 
     /// Of the tasks that work in this folder or in one that holds it, the one with the deepest
     /// folder; among equals the one with the newest file. `folder` is a real path. None, without an
@@ -197,7 +202,9 @@ private:
     // Working folders (working_folders.cpp)
     const WorkingFolder& workingFolder(const std::string& url, std::uint64_t fileNumber,
                                        ORVFileDate modifiedAt);
-    WorkingFolder readWorkingFolder(const std::string& url);
+    WorkingFolder readWorkingFolder(const std::string& url, platform::ChunkBuffer& chunkBuffer,
+                                    ORVJSONReader& jsonReader) const;
+    void readWorkingFoldersAhead(const std::vector<ORVTask>& tasks);
 
     // Histories (history.cpp)
     void record(const ORVJSONValue& object, std::optional<ORVContextUsage> usage,
@@ -209,6 +216,7 @@ private:
     const std::string codexHome_;
     ORVJSONReader jsonReader_;
     platform::ChunkBuffer chunkBuffer_;
+    ORVByteBuffer spareLine_;  ///< Empty; its memory goes from file to file while many are read.
 
     /// By path. An entry is replaced when its file is.
     std::unordered_map<std::string, ORVSessionParseState> states_;

@@ -72,6 +72,9 @@ bool ORVCodexSessionSource::isOutOfMemory(const ORVSessionParseState& state,
 
 bool ORVCodexSessionSource::readOn(ORVSessionParseState& state, ORVOpenFile& file,
                                    std::uint64_t fileSize, ORVErrorSlot* error) {
+    if (state.pendingData.empty()) {
+        std::swap(state.pendingData, spareLine_);
+    }
     bool isRead = true;
     while (state.offset < fileSize) {
         const auto chunk = chunkBuffer_.read(file, state.offset, fileSize - state.offset, error);
@@ -83,6 +86,9 @@ bool ORVCodexSessionSource::readOn(ORVSessionParseState& state, ORVOpenFile& fil
         state.offset += chunk->size();
         consumeCompleteLinesFromState(state, *chunk);
     }
+    if (state.pendingData.empty()) {
+        std::swap(state.pendingData, spareLine_);
+    }
     state.pendingData.shrink();
     return isRead;
 }
@@ -90,6 +96,7 @@ bool ORVCodexSessionSource::readOn(ORVSessionParseState& state, ORVOpenFile& fil
 void ORVCodexSessionSource::releaseReadingMemory() {
     chunkBuffer_.releaseMemory();
     jsonReader_.releaseMemory();
+    spareLine_ = ORVByteBuffer();
 }
 
 void ORVCodexSessionSource::consumeCompleteLinesFromState(ORVSessionParseState& state,

@@ -90,9 +90,7 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForTask(const O
     for (const ORVWalkedFile& file : task.files) {
         urls.push_back(file.path);
     }
-    auto snapshot = readTask(urls, task.threadID, error);
-    releaseReadingMemory();
-    return snapshot;
+    return readTask(urls, task.threadID, error);
 }
 
 void ORVCodexSessionSource::forgetFiles() {

@@ -2,6 +2,9 @@
 // found by folder from there. Tests: tests/sessions/tasks_test.cpp.
 
 #include <algorithm>
+#include <new>
+#include <system_error>
+#include <thread>
 #include <unordered_map>
 
 #include "sessions/ORVCodexSessionSource.h"
@@ -76,13 +79,18 @@ std::optional<std::string> ORVCodexSessionSource::workingFolderForSessionURL(
     return path;
 }
 
+std::optional<std::string> ORVCodexSessionSource::workingFolderForTask(const ORVTask& task) {
+    const ORVWalkedFile& file = task.newestFile();
+    return workingFolder(file.path, file.fileNumber, file.modifiedAt).path;
+}
+
 const ORVCodexSessionSource::WorkingFolder& ORVCodexSessionSource::workingFolder(
     const std::string& url, std::uint64_t fileNumber, ORVFileDate modifiedAt) {
     WorkingFolder& known = workingFolders_[url];
     const bool isSameFile = known.fileNumber == fileNumber;
     // A first line that has not ended is looked at again when the file has changed.
     if (!isSameFile || (!known.isFinal && known.modifiedAt != modifiedAt)) {
-        known = readWorkingFolder(url);
+        known = readWorkingFolder(url, chunkBuffer_, jsonReader_);
         known.fileNumber = fileNumber;
         known.modifiedAt = modifiedAt;
     }
@@ -90,14 +98,14 @@ const ORVCodexSessionSource::WorkingFolder& ORVCodexSessionSource::workingFolder
 }
 
 ORVCodexSessionSource::WorkingFolder ORVCodexSessionSource::readWorkingFolder(
-    const std::string& url) {
+    const std::string& url, platform::ChunkBuffer& chunkBuffer, ORVJSONReader& jsonReader) const {
     WorkingFolder result;
     const auto file = files_.openForReading(url, nullptr);
     ORVByteBuffer line;
     std::size_t lineLength = std::string_view::npos;
     while (file && lineLength == std::string_view::npos && line.size() < kFirstLineLimitBytes) {
         const std::uint64_t limit = line.empty() ? kFirstReadBytes : kFirstLineLimitBytes;
-        const auto chunk = chunkBuffer_.read(*file, line.size(), limit, nullptr);
+        const auto chunk = chunkBuffer.read(*file, line.size(), limit, nullptr);
         if (!chunk || chunk->empty()) {
             return result;
         }
@@ -108,10 +116,53 @@ ORVCodexSessionSource::WorkingFolder ORVCodexSessionSource::readWorkingFolder(
     result.isFinal = file != nullptr;
     if (lineLength != std::string_view::npos) {
         const auto record =
-            jsonReader_.readObject(line.bytes().substr(0, lineLength), firstRecordShape());
+            jsonReader.readObject(line.bytes().substr(0, lineLength), firstRecordShape());
         result.path = record ? workingFolderIn(*record) : std::nullopt;
     }
     return result;
+}
+
+/// Reads the first lines of very many files ahead, on all processors: of twenty thousand it would
+/// be felt. One thread takes every n-th file, and the results are stored when all have ended.
+void ORVCodexSessionSource::readWorkingFoldersAhead(const std::vector<ORVTask>& tasks) {
+    constexpr std::size_t kWorthThreads = 1'000;
+    std::vector<const ORVWalkedFile*> files;
+    for (const ORVTask& task : tasks) {
+        if (!workingFolders_.contains(task.newestFile().path)) {
+            files.push_back(&task.newestFile());
+        }
+    }
+    if (files.size() < kWorthThreads) {
+        return;
+    }
+    const std::size_t count = std::max(1U, std::thread::hardware_concurrency());
+    std::vector<WorkingFolder> results(files.size());
+    const auto readEvery = [&](std::size_t first) {
+        platform::ChunkBuffer chunkBuffer;
+        ORVJSONReader jsonReader;
+        for (std::size_t i = first; i < files.size(); i += count) {
+            try {
+                results[i] = readWorkingFolder(files[i]->path, chunkBuffer, jsonReader);
+            } catch (const std::bad_alloc&) {
+                results[i] = {};  // Not final: it is tried again when the file has changed.
+            }
+        }
+    };
+    std::vector<std::thread> threads;
+    for (std::size_t first = 1; first < count; ++first) {
+        try {
+            threads.emplace_back(readEvery, first);
+        } catch (const std::system_error&) {
+            readEvery(first);
+        }
+    }
+    readEvery(0);
+    std::for_each(threads.begin(), threads.end(), [](std::thread& thread) { thread.join(); });
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        results[i].fileNumber = files[i]->fileNumber;
+        results[i].modifiedAt = files[i]->modifiedAt;
+        workingFolders_[files[i]->path] = std::move(results[i]);
+    }
 }
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForFolder(
@@ -120,12 +171,12 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForFolder(
     if (!tasks) {
         return std::nullopt;
     }
+    readWorkingFoldersAhead(*tasks);
     Comparison comparison(files_, folder);
     const ORVTask* best = nullptr;
     std::optional<std::size_t> bestDepth;
     for (const ORVTask& task : *tasks) {
-        const ORVWalkedFile& file = task.newestFile();
-        const auto& path = workingFolder(file.path, file.fileNumber, file.modifiedAt).path;
+        const auto path = workingFolderForTask(task);
         const auto depth = path ? comparison.depthOf(*path) : std::nullopt;
         // Tasks come newest first, so of equal depths the first one stays.
         if (depth && (!bestDepth || *depth > *bestDepth)) {
@@ -133,6 +184,7 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForFolder(
             bestDepth = depth;
         }
     }
+    auto snapshot = best ? snapshotForTask(*best, error) : std::nullopt;
     releaseReadingMemory();
-    return best ? snapshotForTask(*best, error) : std::nullopt;
+    return snapshot;
 }
