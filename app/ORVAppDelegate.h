@@ -27,6 +27,10 @@ public:
     /// Builds the whole application and begins the first refresh. Called once.
     void applicationDidFinishLaunching();
 
+    /// Shows English, whatever language is chosen, on a surface that can show no other characters
+    /// than ASCII. Called before the launch.
+    void showOnlyEnglish() { showsOnlyEnglish_ = true; }
+
     /// The one entry point of the cycle. At most one refresh runs; a request that comes meanwhile
     /// begins none. The sender is the refresh item when the user asked, else null.
     void refresh(const ORVMenuItem* sender);
@@ -79,6 +83,9 @@ public:
 
     const ORVStatusItem& statusItem() const { return statusItem_; }
 
+    /// "zh_CN" or "en_US": the language of what is shown. From the launch on.
+    std::string locale() const { return localizer_->locale(); }
+
 private:
     // Refresh cycle (refresh_cycle.cpp)
     void finishRefresh(ORVRefreshResults&& results);
@@ -127,6 +134,7 @@ private:
     std::unique_ptr<ORVSerialQueue> refreshQueue_;
     std::unique_ptr<ORVRepeatingTimer> refreshTimer_;
 
+    bool showsOnlyEnglish_ = false;
     bool refreshing_ = false;            ///< From dispatch until the results are applied.
     bool manualRefreshPending_ = false;  ///< The user waits for the results of a refresh.
     bool manualRefreshFeedbackActive_ = false;

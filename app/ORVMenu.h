@@ -47,5 +47,6 @@ struct ORVMenu {
 struct ORVStatusItem {
     std::string title;  ///< The text in the menu bar.
     std::string toolTip;
+    std::optional<double> percentage;  ///< The share in the title, not rounded; none where unknown.
     std::unique_ptr<ORVMenu> menu;
 };

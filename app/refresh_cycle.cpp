@@ -11,6 +11,9 @@ constexpr std::chrono::milliseconds kRefreshInterval(2'000);
 
 void ORVAppDelegate::applicationDidFinishLaunching() {
     localizer_ = std::make_unique<ORVLocalizer>(host_.standardUserDefaults());
+    if (showsOnlyEnglish_) {
+        localizer_->showOnlyEnglish();
+    }
     refreshQueue_ = host_.makeSerialQueue("com.orvellan.brimlet.refresh");
     statusItem_.title = text("status_loading");
     statusItem_.toolTip = "Brimlet";

@@ -59,7 +59,9 @@ void ORVAppDelegate::renderSnapshot(const ORVSessionSnapshot& snapshot) {
             ? filled(text("compaction_format"), {std::to_string(snapshot.compactionCount())})
             : text("compaction_incompatible");
     statusItem_.title = app::statusItemTitle(snapshot);
+    statusItem_.percentage.reset();
     if (const ORVContextUsage* usage = app::shownUsage(snapshot)) {
+        statusItem_.percentage = usage->percentage();
         contextItem_->title =
             filled(text("context_format"), {formattedTokenCount(usage->inputTokens()),
                                             formattedTokenCount(usage->contextWindow()),
@@ -78,6 +80,7 @@ void ORVAppDelegate::renderFocusState(const ORVCodexFocusState& focusState) {
     statusItem_.title =
         text(focusState.status() == ORVCodexFocusStatusIncompatible ? "status_update_needed"
                                                                     : "status_loading");
+    statusItem_.percentage.reset();
     titleItem_->title = text("task_unavailable");
     focusItem_->hidden = false;
     focusItem_->title = text(kFocusKeys[focusState.status()]);

@@ -41,6 +41,9 @@ void ORVLocalizer::setLanguageMode(std::int64_t mode) {
 }
 
 ORVLanguageMode ORVLocalizer::effectiveLanguageMode() const {
+    if (showsOnlyEnglish_) {
+        return ORVLanguageModeEnglish;
+    }
     if (languageMode_ != ORVLanguageModeSystem) {
         return languageMode_;
     }

@@ -37,6 +37,10 @@ public:
     /// Takes effect at once and is stored. What is no mode is ignored.
     void setLanguageMode(std::int64_t mode);
 
+    /// From here on the effective language is English; the choice is kept, and stored, all the
+    /// same.
+    void showOnlyEnglish() { showsOnlyEnglish_ = true; }
+
     /// The language that the choice amounts to: never ORVLanguageModeSystem.
     ORVLanguageMode effectiveLanguageMode() const;
 
@@ -53,4 +57,5 @@ private:
     ORVLanguageMode languageMode_ = ORVLanguageModeSystem;
     ORVUserDefaults& userDefaults_;
     const std::vector<std::string> preferredLanguages_;
+    bool showsOnlyEnglish_ = false;
 };
