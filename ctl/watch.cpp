@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -154,7 +155,7 @@ int watch() {
     Session session([&](const std::string& complaint) { complaints.push_back(complaint); });
     ORVPosixRunLoop& loop = session.host.runLoop();
     handle(SIGWINCH, wake);
-    ORVTerminalMenu terminal(*session.delegate);
+    ORVTerminalMenu terminal(*session.delegate, std::getenv("NO_COLOR") == nullptr);
     handle(SIGCONT, wake);
     loop.watch(STDIN_FILENO, ORVPosixRunLoop::Interest::readable, [&] {
         if (!terminal.readKeys()) {

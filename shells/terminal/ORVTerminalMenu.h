@@ -1,10 +1,12 @@
 #pragma once
 
-#include <memory>
+#include <string>
 #include <vector>
 
 #include "app/ORVAppDelegate.h"
-#include "shells/terminal/menu_rows.h"
+#include "sessions/ORVHistoryEvent.h"
+#include "shells/terminal/menu_lines.h"
+#include "shells/terminal/screen.h"
 
 /// The status item and its open menu on this process's terminal. UI thread only.
 ///
@@ -15,10 +17,15 @@ public:
     /// Whether the terminal can place text: not a "dumb" one, or one that is not known.
     static bool isPossible();
 
-    explicit ORVTerminalMenu(ORVAppDelegate& delegate);
+    /// Made before the application is launched: a terminal that shows ASCII alone makes it speak
+    /// English. `isColoured`: colours are wanted; where the terminal has none there are none.
+    ORVTerminalMenu(ORVAppDelegate& delegate, bool isColoured);
     ~ORVTerminalMenu();
     ORVTerminalMenu(const ORVTerminalMenu&) = delete;
     ORVTerminalMenu& operator=(const ORVTerminalMenu&) = delete;
+
+    /// The history of the task that is shown, drawn at the next show(); empty for none.
+    void setHistory(std::vector<ORVHistoryEvent> history) { view_.history = std::move(history); }
 
     /// Draws what changed since the last time.
     void show();
@@ -32,7 +39,12 @@ public:
     void close();
 
 private:
+    void beginColours();
+    void draw(const terminal::Row& row) const;
+
     void pressed(int key);
+    bool isPasted(int key);
+    bool closesKeys(int key);
     void moveSelection(int step);
     void chooseSelected();
     void setSubmenuOpen(bool isOpen);
@@ -40,9 +52,11 @@ private:
     const ORVMenuItem* languageItem() const;
 
     ORVAppDelegate& delegate_;
-    const ORVMenuItem* selected_ = nullptr;
-    bool submenuIsOpen_ = false;
+    terminal::View view_;
     terminal::Screen screen_;
     std::vector<terminal::Row> drawn_;
+    bool hasColours_ = false;
+    bool isPasting_ = false;
+    std::string pasted_;  ///< The last bytes of the text that is being pasted.
     bool isClosed_ = false;
 };
