@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kEscapeKey = 27;
 
-/// Of each level two pairs of colours: the level's colour for text, and behind black text.
+/// Of each level two pairs of colours: the level's colour for text, and behind text.
 constexpr short kLevels = 3;
 
 short colourPair(const terminal::Style& style) {
@@ -64,12 +64,17 @@ void ORVTerminalMenu::beginColours() {
         COLOR_PAIRS <= 2 * kLevels) {
         return;
     }
-    constexpr short kOfEight[kLevels] = {COLOR_GREEN, COLOR_YELLOW, COLOR_RED};
-    constexpr short kOf256[kLevels] = {28, 136, 160};
-    for (short level = 0; level < kLevels; ++level) {
-        const short colour = COLORS >= 256 ? kOf256[level] : kOfEight[level];
-        init_pair(static_cast<short>(level + 1), colour, -1);
-        init_pair(static_cast<short>(level + 1 + kLevels), COLOR_BLACK, colour);
+    struct Level {
+        short colour;
+        short textOnIt;
+    };
+    constexpr Level kOfEight[kLevels] = {
+        {COLOR_GREEN, COLOR_BLACK}, {COLOR_YELLOW, COLOR_BLACK}, {COLOR_RED, COLOR_WHITE}};
+    constexpr Level kOf256[kLevels] = {{28, 231}, {136, 16}, {160, 231}};
+    for (short i = 0; i < kLevels; ++i) {
+        const Level& level = COLORS >= 256 ? kOf256[i] : kOfEight[i];
+        init_pair(static_cast<short>(i + 1), level.colour, -1);
+        init_pair(static_cast<short>(i + 1 + kLevels), level.textOnIt, level.colour);
     }
     hasColours_ = true;
 }
