@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -95,22 +96,6 @@ int watchAsLines(const Arguments& arguments, ORVPosixHost::Settings settings) {
     return application.run(surface);
 }
 
-class MenuSurface final : public ORVSurface {
-public:
-    MenuSurface(ORVAppDelegate& delegate, ORVTerminalMenu& menu)
-        : delegate_(delegate), menu_(menu) {}
-    void show() override {
-        menu_.setHistory(delegate_.lastHistory() ? *delegate_.lastHistory() : ORVHistory());
-        menu_.show();
-    }
-    void redraw() override { menu_.redrawAll(); }
-    void close() override { menu_.close(); }
-
-private:
-    ORVAppDelegate& delegate_;
-    ORVTerminalMenu& menu_;
-};
-
 int watchAsMenu(const Arguments& arguments, ORVPosixHost::Settings settings) {
     settings.request.eventsPerFile = kEventsOfAPlot;
     // Complaints wait until the menu has left the screen.
@@ -121,13 +106,12 @@ int watchAsMenu(const Arguments& arguments, ORVPosixHost::Settings settings) {
     ORVPosixApplication::redrawOn(SIGWINCH);
     ORVTerminalMenu menu(application.delegate(), isColored(arguments.coloring, STDOUT_FILENO));
     ORVPosixApplication::redrawOn(SIGCONT);
-    MenuSurface surface(application.delegate(), menu);
     application.runLoop().watch(STDIN_FILENO, ORVPosixRunLoop::Interest::readable, [&] {
         if (!menu.readKeys()) {
             application.runLoop().stop(kAnswered);
         }
     });
-    const int status = application.run(surface);
+    const int status = application.run(menu);
     std::for_each(complaints.begin(), complaints.end(), complain);
     return status;
 }

@@ -27,7 +27,8 @@ public:
     /// Takes effect at once and is stored. A number that is not a language mode is ignored.
     void setLanguageMode(std::int64_t mode);
 
-    /// From here on the effective language is English; the choice is kept, and stored, all the same.
+    /// From here on the effective language is English; the choice is kept, and stored, all the
+    /// same.
     void showOnlyEnglish() { showsOnlyEnglish_ = true; }
 
     /// The language that the choice amounts to: never ORVLanguageModeSystem.

@@ -1,87 +1,27 @@
 #define NCURSES_NOMACROS  // Its macros have the names of members: move, clear, erase.
 #include "shells/terminal/ORVTerminalMenu.h"
 
-#include <langinfo.h>
-#include <locale.h>
 #include <ncurses.h>
-#include <signal.h>
 #include <sys/ioctl.h>
-#include <term.h>
-#include <termios.h>
 #include <unistd.h>
-#undef columns  // Of <term.h>.
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <string>
+#include <string_view>
+#include <utility>
+
+#include "shells/terminal/menu_rows.h"
+#include "shells/terminal/terminal_modes.h"
 
 namespace {
 
 constexpr int kEscapeKey = 27;
 
-// What a dying process needs to leave the terminal as found; a handler can ask nobody.
-termios modesAsFound;
-std::string restoringSequence;
+/// Of each level two pairs of colours: the level's colour for text, and behind text.
+constexpr short kLevels = 3;
 
-void restoreTerminal() {
-    [[maybe_unused]] const ssize_t ignored =
-        write(STDOUT_FILENO, restoringSequence.data(), restoringSequence.size());
-    tcsetattr(STDIN_FILENO, TCSANOW, &modesAsFound);
-}
-
-void dieOf(int signalNumber) {
-    restoreTerminal();
-    signal(signalNumber, SIG_DFL);
-    raise(signalNumber);
-}
-
-/// What the terminal wants to be sent for this; "" when it cannot do it. The library answers -1 in
-/// place of a text for a name that stands for no text. A pause, "$<…>" at the end, is cut off.
-std::string_view capability(const char* name) {
-    const char* sequence = tigetstr(const_cast<char*>(name));  // Older headers want it so.
-    if (reinterpret_cast<std::intptr_t>(sequence) == -1 || !sequence) {
-        return {};
-    }
-    const std::string_view text = sequence;
-    return text.substr(0, text.find("$<"));
-}
-
-void restoreOnFault() {
-    for (const char* name : {"sgr0", "cnorm", "rmkx", "rmcup"}) {
-        restoringSequence += capability(name);
-    }
-    for (const int fault : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGQUIT}) {
-        signal(fault, dieOf);
-    }
-}
-
-const char* localeOfCharacters() {
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(variable);
-        if (value && *value) {
-            return value;
-        }
-    }
-    return nullptr;
-}
-
-/// Sets the locale of characters, and nothing else; true when it is UTF-8. Where none is asked for,
-/// or the one asked for is not installed but names UTF-8, the terminal is taken for one.
-bool setUpCharacters() {
-    const auto isUTF8 = [] { return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0; };
-    const bool isInstalled = setlocale(LC_CTYPE, "") != nullptr;
-    const char* wanted = localeOfCharacters();
-    if (isInstalled && isUTF8()) {
-        return true;
-    }
-    const std::string name = wanted ? wanted : "UTF-8";
-    const bool namesUTF8 =
-        name.find("UTF-8") != std::string::npos || name.find("utf8") != std::string::npos;
-    // A Mac knows the second.
-    return namesUTF8 && (setlocale(LC_CTYPE, "C.UTF-8") || setlocale(LC_CTYPE, "UTF-8")) &&
-           isUTF8();
+short colourPair(const terminal::Style& style) {
+    const auto level = static_cast<short>(style.fullness);
+    return static_cast<short>(level > 0 && style.isReversed ? level + kLevels : level);
 }
 
 /// Also while it is disabled, so that the selection stays when feedback ends; choosing it then does
@@ -93,29 +33,18 @@ bool isSelectable(const ORVMenuItem& item) {
 }  // namespace
 
 bool ORVTerminalMenu::isPossible() {
-    int failure = 0;
-    if (setupterm(nullptr, STDOUT_FILENO, &failure) != OK) {
-        return false;
-    }
-    const bool isPlaceable = !capability("cup").empty();
-    del_curterm(cur_term);
-    return isPlaceable;
+    return terminal::isPossible();
 }
 
-ORVTerminalMenu::ORVTerminalMenu(ORVAppDelegate& delegate) : delegate_(delegate) {
-    tcgetattr(STDIN_FILENO, &modesAsFound);
-    screen_.showsUnicode = setUpCharacters();
-    unsetenv("LINES");  // Else they would count for more than the terminal's own size.
-    unsetenv("COLUMNS");
-    initscr();
-    restoreOnFault();
-    cbreak();
-    noecho();
-    nonl();
-    nodelay(stdscr, TRUE);
-    keypad(stdscr, TRUE);
-    set_escdelay(25);
-    curs_set(0);
+ORVTerminalMenu::ORVTerminalMenu(ORVAppDelegate& delegate, bool isColoured) : delegate_(delegate) {
+    screen_.showsUnicode = terminal::setUpCharacters();
+    if (!screen_.showsUnicode) {
+        delegate_.showOnlyEnglish();
+    }
+    terminal::takeOver();
+    if (isColoured) {
+        beginColours();
+    }
     getmaxyx(stdscr, screen_.rows, screen_.columns);
 }
 
@@ -125,36 +54,70 @@ ORVTerminalMenu::~ORVTerminalMenu() {
 
 void ORVTerminalMenu::close() {
     if (!std::exchange(isClosed_, true)) {
-        endwin();
+        terminal::giveBack();
     }
+}
+
+/// Over the terminal's own background, with tones that can be read on black and on white.
+void ORVTerminalMenu::beginColours() {
+    if (!has_colors() || start_color() != OK || use_default_colors() != OK ||
+        COLOR_PAIRS <= 2 * kLevels) {
+        return;
+    }
+    struct Level {
+        short colour;
+        short textOnIt;
+    };
+    constexpr Level kOfEight[kLevels] = {
+        {COLOR_GREEN, COLOR_BLACK}, {COLOR_YELLOW, COLOR_BLACK}, {COLOR_RED, COLOR_WHITE}};
+    constexpr Level kOf256[kLevels] = {{28, 231}, {136, 16}, {160, 231}};
+    for (short i = 0; i < kLevels; ++i) {
+        const Level& level = COLORS >= 256 ? kOf256[i] : kOfEight[i];
+        init_pair(static_cast<short>(i + 1), level.colour, -1);
+        init_pair(static_cast<short>(i + 1 + kLevels), level.textOnIt, level.colour);
+    }
+    hasColours_ = true;
 }
 
 void ORVTerminalMenu::show() {
     if (isClosed_ || !delegate_.statusItem().menu) {
         return;
     }
-    std::vector<terminal::Row> rows =
-        terminal::menuRows(delegate_.statusItem(), selected_, submenuIsOpen_, screen_);
+    view_.locale = delegate_.locale();
+    if (delegate_.lastHistory() != shownHistory_) {
+        shownHistory_ = delegate_.lastHistory();
+        view_.history = shownHistory_ ? *shownHistory_ : ORVHistory();
+    }
+    std::vector<terminal::Row> rows = terminal::menuRows(delegate_.statusItem(), view_, screen_);
     if (rows == drawn_) {
         return;
     }
     for (int y = 0; y < screen_.rows; ++y) {
         const auto row = static_cast<std::size_t>(y);
         move(y, 0);
-        if (row >= rows.size()) {
+        if (row < rows.size()) {
+            draw(rows[row]);
+        } else {
             clrtoeol();
-            continue;
         }
-        const bool isReversed = rows[row].isBar || rows[row].isSelected;
-        attrset(static_cast<int>(isReversed ? A_REVERSE : rows[row].isDimmed ? A_DIM : A_NORMAL));
-        addstr(rows[row].text.c_str());
-        attrset(A_NORMAL);
     }
     refresh();  // Sends the difference to what stands on the terminal.
     drawn_ = std::move(rows);
 }
 
-void ORVTerminalMenu::redrawAll() {
+void ORVTerminalMenu::draw(const terminal::Row& row) const {
+    for (const terminal::Piece& piece : row) {
+        const short pair = hasColours_ ? colourPair(piece.style) : short{0};
+        const bool isReversed = piece.style.isReversed && pair == 0;
+        attr_set((isReversed ? A_REVERSE : A_NORMAL) | (piece.style.isDimmed ? A_DIM : A_NORMAL) |
+                     (piece.style.isBold ? A_BOLD : A_NORMAL),
+                 pair, nullptr);
+        addstr(piece.text.c_str());
+    }
+    attr_set(A_NORMAL, 0, nullptr);
+}
+
+void ORVTerminalMenu::redraw() {
     winsize size{};
     if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0) {
         resizeterm(size.ws_row, size.ws_col);
@@ -168,20 +131,49 @@ bool ORVTerminalMenu::readKeys() {
     bool isAnyKey = false;
     for (int key = getch(); key != ERR; key = getch()) {
         isAnyKey = true;
-        pressed(key);
+        // A change of size, which comes with a signal, stands among the keys, too.
+        if (key != KEY_RESIZE && !isPasted(key) && !closesKeys(key)) {
+            pressed(key);
+        }
     }
     // Ready but without a key: the terminal is gone.
     return isAnyKey || (isatty(STDIN_FILENO) && tcgetpgrp(STDIN_FILENO) >= 0);
 }
 
+/// Pasted text ends with a key of its own or, where that arrives in pieces, with its bytes.
+bool ORVTerminalMenu::isPasted(int key) {
+    constexpr std::string_view kEnd = "\033[201~";
+    const bool wasPasting = isPasting_;
+    if (key == terminal::kPasteBegins) {
+        isPasting_ = true;
+        pasted_.clear();
+    } else if (wasPasting) {
+        pasted_ += static_cast<char>(key);
+        if (pasted_.size() > kEnd.size()) {
+            pasted_.erase(0, 1);
+        }
+        isPasting_ = key != terminal::kPasteEnds && pasted_ != kEnd;
+    }
+    return wasPasting || isPasting_;
+}
+
+/// Any key ends the display of the keys; Escape and the one that began it do no more.
+bool ORVTerminalMenu::closesKeys(int key) {
+    return std::exchange(view_.showsKeys, false) && (key == kEscapeKey || key == '?');
+}
+
 void ORVTerminalMenu::pressed(int key) {
     switch (key) {
         case KEY_UP:
+        case 'k':
+            moveSelection(-1);
+            break;
         case KEY_DOWN:
-            moveSelection(key == KEY_UP ? -1 : 1);
+        case 'j':
+            moveSelection(1);
             break;
         case KEY_RIGHT:
-            if (selected_ && selected_->submenu) {
+            if (view_.selected && view_.selected->submenu) {
                 setSubmenuOpen(true);
             }
             break;
@@ -194,8 +186,11 @@ void ORVTerminalMenu::pressed(int key) {
         case '\n':
             chooseSelected();
             break;
+        case '?':
+            view_.showsKeys = true;
+            break;
         case 'l':
-            setSubmenuOpen(!submenuIsOpen_);
+            setSubmenuOpen(!view_.submenuIsOpen);
             break;
         case '1':
         case '2':
@@ -211,45 +206,45 @@ void ORVTerminalMenu::pressed(int key) {
 
 void ORVTerminalMenu::moveSelection(int step) {
     std::vector<const ORVMenuItem*> items =
-        terminal::visibleItems(*delegate_.statusItem().menu, submenuIsOpen_);
+        terminal::visibleItems(*delegate_.statusItem().menu, view_.submenuIsOpen);
     std::erase_if(items, [](const ORVMenuItem* item) { return !isSelectable(*item); });
     if (items.empty()) {
         return;
     }
     const auto count = static_cast<int>(items.size());
-    const auto found = std::find(items.begin(), items.end(), selected_);
+    const auto found = std::find(items.begin(), items.end(), view_.selected);
     const int position =
         found == items.end() ? (step > 0 ? -1 : count) : static_cast<int>(found - items.begin());
-    selected_ = items[static_cast<std::size_t>((position + step + count) % count)];
+    view_.selected = items[static_cast<std::size_t>((position + step + count) % count)];
 }
 
 void ORVTerminalMenu::chooseSelected() {
-    if (!selected_) {
+    if (!view_.selected) {
         return;
     }
-    if (selected_->submenu) {
-        setSubmenuOpen(!submenuIsOpen_);
+    if (view_.selected->submenu) {
+        setSubmenuOpen(!view_.submenuIsOpen);
         return;
     }
-    const bool isLanguage = selected_->action == ORVMenuAction::changeLanguage;
-    delegate_.chooseItemNamed(selected_->field);
+    const bool isLanguage = view_.selected->action == ORVMenuAction::changeLanguage;
+    delegate_.chooseItemNamed(view_.selected->field);
     if (isLanguage) {
         setSubmenuOpen(false);
     }
 }
 
 void ORVTerminalMenu::setSubmenuOpen(bool isOpen) {
-    if (submenuIsOpen_ == isOpen) {
+    if (view_.submenuIsOpen == isOpen) {
         return;
     }
-    submenuIsOpen_ = isOpen;
+    view_.submenuIsOpen = isOpen;
     const ORVMenuItem* parent = languageItem();
-    selected_ = isOpen ? parent->submenu->items.front().get() : parent;
+    view_.selected = isOpen ? parent->submenu->items.front().get() : parent;
 }
 
 void ORVTerminalMenu::chooseLanguage(int number) {
     const ORVMenu& languages = *languageItem()->submenu;
-    if (submenuIsOpen_ && number < static_cast<int>(languages.items.size())) {
+    if (view_.submenuIsOpen && number < static_cast<int>(languages.items.size())) {
         delegate_.chooseItemNamed(languages.items[static_cast<std::size_t>(number)]->field);
         setSubmenuOpen(false);
     }

@@ -8,9 +8,7 @@
 #include "shells/ORVCommandInput.h"
 #include "shells/ORVLineOutput.h"
 #include "shells/ORVPosixHost.h"
-#include "shells/terminal/menu_rows.h"
 #include "tests/support/MemoryDefaults.h"
-#include "text/unicode.h"
 
 namespace {
 
@@ -51,7 +49,7 @@ TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
     setenv("LANGUAGE", "en", 1);
     auto owned = std::make_unique<HangingFiles>();
     HangingFiles& files = *owned;
-    ORVPosixHost host(std::move(owned), std::make_unique<MemoryDefaults>(),
+    ORVPosixHost host({"/h/.codex", {}}, std::move(owned), std::make_unique<MemoryDefaults>(),
                       [](const std::string&) {});
     auto app = std::make_shared<ORVAppDelegate>(host);
     ORVPosixRunLoop& loop = host.runLoop();
@@ -176,78 +174,6 @@ TEST(CommandInputTest, EachLineIsATurnAndLongOnesCostNothing) {
     EXPECT_EQ("key r||choose x|xxxxxxxx|half|", commands);
     EXPECT_EQ(5, turns);
     EXPECT_LE(longest, 4'096U);
-}
-
-class MenuRowsTest : public testing::Test {
-protected:
-    MenuRowsTest() {
-        statusItem.title = "C3 · 47%";
-        statusItem.menu = std::make_unique<ORVMenu>();
-        ORVMenu& menu = *statusItem.menu;
-        menu.add("titleItem")->title = "当前任务：重构 🚀 \x1b[31m";
-        menu.add("focusItem")->hidden = true;
-        menu.addSeparator();
-        language = menu.add("languageItem");
-        language->title = "语言";
-        language->image = ORVMenuImage{"globe", ""};
-        language->submenu = std::make_unique<ORVMenu>();
-        for (int mode = 0; mode < 3; ++mode) {
-            ORVMenuItem* item = language->submenu->add("mode");
-            item->title = "English";
-            item->tag = mode;
-            item->state = mode == 1;
-        }
-        quit = menu.add("quitItem");
-        quit->title = "Quit";
-        quit->keyEquivalent = "q";
-    }
-
-    std::string drawn(const ORVMenuItem* selected, bool isOpen, const terminal::Screen& screen) {
-        std::string text;
-        for (const terminal::Row& row : terminal::menuRows(statusItem, selected, isOpen, screen)) {
-            EXPECT_EQ(screen.columns, terminal::textColumns(row.text)) << row.text;
-            EXPECT_EQ(row.text, text::forTerminal(row.text));
-            text += row.text + (row.isSelected ? "<\n" : "\n");
-        }
-        return text;
-    }
-
-    ORVStatusItem statusItem;
-    ORVMenuItem* language;
-    ORVMenuItem* quit;
-};
-
-TEST_F(MenuRowsTest, TheMenuHangsBelowTheBarAtTheRight) {
-    EXPECT_EQ(
-        "                             C3 · 47% \n"
-        "         ┌───────────────────────────┐\n"
-        "         │   当前任务：重构 🚀  [31m │\n"
-        "         ├───────────────────────────┤\n"
-        "         │ ◎ 语言                l ▸ │<\n"
-        "         │   Quit                  q │\n"
-        "         └───────────────────────────┘\n",
-        drawn(language, false, {38, 24, true}))
-        << "wide characters take two columns";
-}
-
-TEST_F(MenuRowsTest, FitsEveryScreen) {
-    for (const bool isUnicode : {true, false}) {
-        for (int columns = 1; columns < 60; ++columns) {
-            for (int rows = 1; rows < 12; ++rows) {
-                const terminal::Screen screen{columns, rows, isUnicode};
-                const auto lines = terminal::menuRows(statusItem, quit, true, screen);
-                EXPECT_LE(lines.size(), static_cast<std::size_t>(rows));
-                const std::string text = drawn(quit, true, screen);
-                EXPECT_EQ(rows > 1, text.find('<') != std::string::npos)
-                    << "the selected item is on the screen";
-                if (!isUnicode) {
-                    EXPECT_TRUE(std::all_of(text.begin(), text.end(), [](char c) {
-                        return c == '\n' || (c >= ' ' && c < 127);
-                    }));
-                }
-            }
-        }
-    }
 }
 
 }  // namespace

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace terminal {
+
+/// What the terminal can show.
+struct Screen {
+    int columns = 80;
+    int rows = 24;
+    bool showsUnicode = true;  ///< Else plain ASCII stands in for everything.
+};
+
+/// How full a context window is, for the eye.
+enum class Fullness { unknown, low, middle, high };
+
+/// Percent: low below 60, high from 85.
+inline Fullness fullnessOf(std::optional<double> percentage) {
+    if (!percentage) {
+        return Fullness::unknown;
+    }
+    return *percentage < 60 ? Fullness::low : *percentage < 85 ? Fullness::middle : Fullness::high;
+}
+
+struct Style {
+    bool isReversed = false;
+    bool isDimmed = false;
+    bool isBold = false;
+    Fullness fullness = Fullness::unknown;  ///< Shown as a colour where there are colours.
+    bool operator==(const Style&) const = default;
+};
+
+/// Text of one style.
+struct Piece {
+    std::string text;
+    Style style;
+    bool operator==(const Piece&) const = default;
+};
+
+/// One row of the screen from left to right, exactly as wide as the screen.
+using Row = std::vector<Piece>;
+
+}  // namespace terminal

@@ -1,0 +1,179 @@
+#define NCURSES_NOMACROS
+#include "shells/terminal/terminal_modes.h"
+
+#include <langinfo.h>
+#include <locale.h>
+#include <ncurses.h>
+#include <signal.h>
+#include <term.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "text/bytes.h"
+
+namespace terminal {
+namespace {
+
+constexpr int kFaults[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGQUIT};
+
+// What a process that dies or stops needs to leave the terminal as found, and to take it over
+// again; a handler can ask nobody.
+termios modesAsFound;
+termios modesTaken;
+std::string leavingSequence;
+std::string takingSequence;
+
+void send(std::string_view sequence) {
+    [[maybe_unused]] const ssize_t ignored = write(STDOUT_FILENO, sequence.data(), sequence.size());
+}
+
+void leaveTerminal() {
+    send(leavingSequence);
+    tcsetattr(STDIN_FILENO, TCSANOW, &modesAsFound);
+}
+
+void dieOf(int signalNumber) {
+    leaveTerminal();
+    signal(signalNumber, SIG_DFL);
+    raise(signalNumber);
+}
+
+/// Who draws the screen anew hears of the end of the stop by SIGCONT.
+void stopOn(int signalNumber) {
+    const int savedError = errno;
+    struct sigaction ownAction {};
+    leaveTerminal();
+    sigaction(signalNumber, nullptr, &ownAction);
+    signal(signalNumber, SIG_DFL);
+    raise(signalNumber);  // Comes back when the process goes on.
+    sigaction(signalNumber, &ownAction, nullptr);
+    tcsetattr(STDIN_FILENO, TCSANOW, &modesTaken);
+    send(takingSequence);
+    errno = savedError;
+}
+
+/// Unless stops are ignored. Before curses begins: it then leaves them alone, where its own handler
+/// would lose those that come while it draws.
+void handleStops() {
+    struct sigaction action {};
+    sigaction(SIGTSTP, nullptr, &action);
+    if (action.sa_handler == SIG_DFL) {
+        action.sa_handler = stopOn;
+        action.sa_flags = SA_RESTART | SA_NODEFER;
+        sigaction(SIGTSTP, &action, nullptr);
+    }
+}
+
+/// What the terminal wants to be sent for this; "" when it cannot do it. The library answers -1 in
+/// place of a text for a name that stands for no text. A pause, "$<…>" at the end, is cut off.
+std::string_view capability(const char* name) {
+    const char* sequence = tigetstr(const_cast<char*>(name));  // Older headers want it so.
+    if (reinterpret_cast<std::intptr_t>(sequence) == -1 || !sequence) {
+        return {};
+    }
+    const std::string_view text = sequence;
+    return text.substr(0, text.find("$<"));
+}
+
+/// What makes the terminal mark what is pasted, or not. Terminals that cannot pass over it if they
+/// know any sequence that begins so.
+std::string_view markingPastes(bool isOn) {
+    if (!capability("cup").starts_with("\033[")) {
+        return {};
+    }
+    return isOn ? "\033[?2004h" : "\033[?2004l";
+}
+
+void prepareSequences() {
+    takingSequence = markingPastes(true);
+    leavingSequence = markingPastes(false);
+    for (const char* name : {"smcup", "smkx", "civis"}) {
+        takingSequence += capability(name);
+    }
+    for (const char* name : {"sgr0", "op", "cnorm", "rmkx", "rmcup"}) {
+        leavingSequence += capability(name);
+    }
+}
+
+std::string localeOfCharacters() {
+    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value && *value) {
+            return value;
+        }
+    }
+    return "UTF-8";
+}
+
+}  // namespace
+
+const int kPasteBegins = KEY_MAX + 1;
+const int kPasteEnds = KEY_MAX + 2;
+
+bool isPossible() {
+    int failure = 0;
+    if (setupterm(nullptr, STDOUT_FILENO, &failure) != OK) {
+        return false;
+    }
+    const bool isPlaceable = !capability("cup").empty();
+    del_curterm(cur_term);
+    return isPlaceable;
+}
+
+bool setUpCharacters() {
+    const auto isUTF8 = [] { return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0; };
+    if (setlocale(LC_CTYPE, "") && isUTF8()) {
+        return true;
+    }
+    std::string name = localeOfCharacters();
+    std::transform(name.begin(), name.end(), name.begin(), text::lowerCasedASCII);
+    const bool namesUTF8 =
+        name.find("utf-8") != std::string::npos || name.find("utf8") != std::string::npos;
+    // A Mac knows the second.
+    return namesUTF8 && (setlocale(LC_CTYPE, "C.UTF-8") || setlocale(LC_CTYPE, "UTF-8")) &&
+           isUTF8();
+}
+
+void takeOver() {
+    tcgetattr(STDIN_FILENO, &modesAsFound);
+    modesTaken = modesAsFound;
+    handleStops();
+    unsetenv("LINES");  // Else they would count for more than the terminal's own size.
+    unsetenv("COLUMNS");
+    initscr();
+    prepareSequences();
+    for (const int fault : kFaults) {
+        signal(fault, dieOf);
+    }
+    cbreak();
+    noecho();
+    nonl();
+    intrflush(stdscr, FALSE);  // A signal from the keyboard throws no output away.
+    nodelay(stdscr, TRUE);
+    keypad(stdscr, TRUE);
+    set_escdelay(25);
+    curs_set(0);
+    define_key("\033[200~", kPasteBegins);
+    define_key("\033[201~", kPasteEnds);
+    tcgetattr(STDIN_FILENO, &modesTaken);
+    send(markingPastes(true));  // The rest curses has sent or will send.
+}
+
+void giveBack() {
+    signal(SIGTSTP, SIG_IGN);  // The end is under way.
+    endwin();
+    send(markingPastes(false));
+    for (const int fault : kFaults) {
+        signal(fault, SIG_DFL);
+    }
+}
+
+}  // namespace terminal

@@ -1,0 +1,429 @@
+// The terminal's menu: what stands in which cell, and the program itself on a terminal.
+
+#include <gtest/gtest.h>
+#include <locale.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "shells/terminal/menu_rows.h"
+#include "shells/terminal/screen_text.h"
+#include "tests/support/PseudoTerminal.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/records.h"
+#include "text/unicode.h"
+
+namespace {
+
+using terminal::Fullness;
+
+constexpr int kWidths[] = {20, 40, 80, 200};
+
+/// Titles; of many of them two libraries say different widths.
+constexpr const char* kScripts[] = {"重构刷新周期并修复测试",
+                                    "テストを修正する",
+                                    "테스트를 수정",
+                                    "\u1112\u1161\u11AB\u1100\u1173\u11AF 한글",
+                                    "परीक्षणों को ठीक करें",
+                                    "சோதனைகளை சரிசெய்",
+                                    "แก้ไขการทดสอบ",
+                                    "إصلاح الاختبارات",
+                                    "תיקון הבדיקות",
+                                    "Исправить тесты e\u0301",
+                                    "ማስተካከል",
+                                    "🚀👩\u200D💻👍🏽❤\uFE0F🇫🇷",
+                                    "\U0001FAE8\U0001FAE9 \u0378\uE000\u00AD\u200B\uFEFFx"};
+
+void useUnicode() {
+    ASSERT_TRUE(setlocale(LC_CTYPE, "C.UTF-8") || setlocale(LC_CTYPE, "UTF-8"));
+}
+
+class MenuRowsTest : public testing::Test {
+protected:
+    MenuRowsTest() {
+        useUnicode();
+        statusItem.title = "C3 · 47%";
+        statusItem.percentage = 47;
+        statusItem.menu = std::make_unique<ORVMenu>();
+        ORVMenu& menu = *statusItem.menu;
+        title = add("titleItem", "Task: 重构 🚀 \x1b[31m");
+        add("focusItem", "Focus")->hidden = true;
+        menu.addSeparator();
+        add("contextItem", "Context");
+        add("compactionItem", "Compactions");
+        add("updatedItem", "Updated");
+        menu.addSeparator();
+        add("sourceItem", "Source");
+        add("privacyItem", "Privacy");
+        menu.addSeparator();
+        language = add("languageItem", "语言");
+        language->image = ORVMenuImage{"globe", ""};
+        language->submenu = std::make_unique<ORVMenu>();
+        for (int mode = 0; mode < 3; ++mode) {
+            ORVMenuItem* item = language->submenu->add("mode");
+            item->title = "English";
+            item->action = ORVMenuAction::changeLanguage;
+            item->tag = mode;
+            item->state = mode == 1;
+        }
+        refresh = add("refreshItem", "✓ Complete");
+        refresh->action = ORVMenuAction::refresh;
+        refresh->keyEquivalent = "r";
+        refresh->enabled = false;
+        refresh->image = ORVMenuImage{"checkmark.circle.fill", ""};
+        quit = add("quitItem", "Quit");
+        quit->action = ORVMenuAction::terminate;
+        quit->keyEquivalent = "q";
+    }
+
+    ORVMenuItem* add(const std::string& field, const std::string& text) const {
+        ORVMenuItem* item = statusItem.menu->add(field);
+        item->title = text;
+        return item;
+    }
+
+    /// The rows; each is checked to be harmless and as wide as the screen.
+    std::vector<terminal::Row> rows(const terminal::Screen& screen) const {
+        std::vector<terminal::Row> result = terminal::menuRows(statusItem, view, screen);
+        EXPECT_LE(result.size(), static_cast<std::size_t>(screen.rows));
+        for (const terminal::Row& row : result) {
+            const std::string line = text(row);
+            std::wstring wide(line.size(), L'\0');
+            wide.resize(mbstowcs(wide.data(), line.c_str(), line.size()));
+            EXPECT_EQ(line, text::forTerminal(line));
+            EXPECT_TRUE(screen.showsUnicode || std::all_of(line.begin(), line.end(), [](char c) {
+                            return c >= ' ' && c < 127;
+                        }));
+            EXPECT_EQ(screen.columns, wcswidth(wide.c_str(), wide.size())) << line;
+        }
+        return result;
+    }
+
+    static std::string text(const terminal::Row& row) {
+        std::string line;
+        for (const terminal::Piece& piece : row) {
+            line += piece.text;
+        }
+        return line;
+    }
+
+    /// The rows with the styles between them: "(r:…)" reversed, "(d:…)" dimmed, "(b:…)" bold.
+    std::string marked(const terminal::Screen& screen) const {
+        std::string all;
+        for (const terminal::Row& row : rows(screen)) {
+            for (const terminal::Piece& piece : row) {
+                const terminal::Style& style = piece.style;
+                const std::string marks = std::string(style.isReversed ? "r" : "") +
+                                          (style.isDimmed ? "d" : "") + (style.isBold ? "b" : "") +
+                                          (style.fullness == Fullness::unknown ? "" : "!");
+                all += marks.empty() ? piece.text : "(" + marks + ":" + piece.text + ")";
+            }
+            all += '\n';
+        }
+        return all;
+    }
+
+    ORVStatusItem statusItem;
+    terminal::View view;
+    ORVMenuItem *title, *language, *refresh, *quit;
+};
+
+TEST_F(MenuRowsTest, TheMenuHangsBelowTheGaugeAndStylesStayInsideTheFrame) {
+    view.selected = language;
+    EXPECT_EQ(
+        "(r!:              )(b!:       C3 · 47% )\n"
+        "     ┌───────────────────────┐\n"
+        "     │(b:   Task: 重构 🚀  [31m )│\n"
+        "     ├───────────────────────┤\n"
+        "     │(!:   Context             )│\n"
+        "     │   Compactions         │\n"
+        "     │   Updated             │\n"
+        "     ├───────────────────────┤\n"
+        "     │(d:   Source              )│\n"
+        "     │(d:   Privacy             )│\n"
+        "     ├───────────────────────┤\n"
+        "     │(r: ◎ 语言            )(r:l ▸ )│\n"
+        "     │(d:   ✓ Complete        )(d:r )│\n"
+        "     │   Quit              (d:q )│\n"
+        "     └───────────────────────┘\n"
+        "                              \n"
+        "(d: ↑↓ Move · Enter Choose · ? K…)\n",
+        marked({30, 17, true}));
+}
+
+TEST_F(MenuRowsTest, EveryScriptFits) {
+    for (const char* script : kScripts) {
+        title->title = script + std::string("\x1b[31m \x9b \xff \u202E \u2066 \u2028");
+        for (const int columns : kWidths) {
+            rows({columns, 24, true});
+            rows({columns, 24, false});
+        }
+    }
+}
+
+TEST_F(MenuRowsTest, WhatTerminalsMeasureDifferentlyIsLeftOut) {
+    EXPECT_EQ(
+        "👩💻 👍 ❤ 🏴 \uFFFD",
+        terminal::shown("👩\u200D💻 👍🏽 ❤\uFE0F 🏴\U000E0067\U000E007F \u0378", {}));
+    const std::string joinedLetters = "क्\u200Dष می\u200Cخواهم";
+    EXPECT_EQ(joinedLetters, terminal::shown(joinedLetters, {}));
+}
+
+TEST_F(MenuRowsTest, FitsEveryScreenWithTheSelectedItem) {
+    view.submenuIsOpen = true;
+    view.selected = quit;
+    for (const bool isUnicode : {true, false}) {
+        for (int columns = 1; columns < 60; columns += columns < 10 ? 1 : 7) {
+            for (int height = 1; height < 24; ++height) {
+                const std::string all = marked({columns, height, isUnicode});
+                EXPECT_EQ(height > 1 && columns > 2, all.rfind("(r:") != all.npos) << all;
+            }
+        }
+    }
+}
+
+TEST_F(MenuRowsTest, LowScreensKeepTheFiguresLongest) {
+    const auto kept = [&](int height) {
+        static constexpr std::pair<const char*, char> kLetters[] = {
+            {"┌", '='},       {"└", '='},       {"├", '-'},       {"Move", '?'},   {"Task", 'T'},
+            {"Context", 'x'}, {"Comp", 'c'},    {"Updated", 'u'}, {"Source", 's'}, {"Privacy", 'p'},
+            {"语言", 'l'},    {"English", 'e'}, {"✓", 'r'},       {"Quit", 'q'}};
+        std::string letters;
+        for (const terminal::Row& row : rows({60, height, true})) {
+            const std::string line = text(row);
+            const auto* found = std::find_if(
+                std::begin(kLetters), std::end(kLetters),
+                [&](const auto& pair) { return line.find(pair.first) != std::string::npos; });
+            letters += found == std::end(kLetters) ? ' ' : found->second;
+        }
+        return letters.substr(1);
+    };
+    refresh->title = "✓";
+    static constexpr std::pair<int, const char*> kCases[] = {
+        {16, "=T-xcu-sp-lrq=?"}, {15, "T-xcu-sp-lrq ?"}, {13, "T-xcu-sp-lrq"}, {12, "T-xcu-splrq"},
+        {10, "Txcusplrq"},       {8, "Txculrq"},         {5, "Txcu"},          {3, "Tx"}};
+    for (const auto& [height, expected] : kCases) {
+        EXPECT_EQ(expected, kept(height)) << height;
+    }
+    view.selected = quit;
+    EXPECT_EQ("Txcq", kept(5));
+    view.submenuIsOpen = true;
+    view.selected = language->submenu->items[1].get();
+    language->submenu->items[1]->state = false;
+    EXPECT_EQ("Txcueee", kept(8));
+}
+
+TEST_F(MenuRowsTest, TheBarIsAGauge) {
+    struct Case {
+        std::optional<double> percentage;
+        Fullness fullness;
+        std::size_t filled;
+    };
+    for (const Case& c : {Case{std::nullopt, Fullness::unknown, 0},
+                          {0, Fullness::low, 0},
+                          {59.9, Fullness::low, 120},
+                          {60, Fullness::middle, 120},
+                          {84.9, Fullness::middle, 170},
+                          {85, Fullness::high, 170},
+                          {250, Fullness::high, 200}}) {
+        statusItem.percentage = c.percentage;
+        statusItem.title = "C3";
+        std::size_t filled = 0;
+        const terminal::Row bar = rows({200, 24, true}).front();
+        for (const terminal::Piece& piece : bar) {
+            EXPECT_TRUE(piece.style.fullness == c.fullness);
+            filled += piece.style.isReversed ? piece.text.size() : 0;
+        }
+        EXPECT_EQ(c.filled, filled);
+    }
+}
+
+TEST_F(MenuRowsTest, TheHistoryStandsBelowWhereThereIsRoom) {
+    const std::string withoutRoom = marked({80, 23, true});
+    const std::string without = marked({80, 24, true});
+    view.history = {{"", ORVContextUsage(9, 10)}, {"", std::nullopt}, {"", ORVContextUsage(5, 10)}};
+    const std::string with = marked({80, 24, true});
+    const std::size_t end = without.find("└");
+    EXPECT_EQ(without.substr(0, end), with.substr(0, end)) << "the menu stays as it is";
+    EXPECT_NE(without, with);
+    EXPECT_EQ(withoutRoom, marked({80, 23, true}));
+}
+
+/// The program on a terminal, with one task in view.
+class TerminalTest : public testing::Test {
+protected:
+    static constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
+
+    TerminalTest() {
+        useUnicode();
+        setTitle("Fix the tests");
+        home.append(".codex/sessions/" + std::string(kTask) + ".jsonl",
+                    records::compacted("w1") + records::tokenCount("128000"));
+        home.append("Library/Logs/com.openai.codex/x.log",
+                    "1 thread_stream_view_activity_changed active=true rendererWindowAppearance="
+                    "primary rendererWindowFocused=true conversationId=" +
+                        std::string(kTask) + "\n");
+    }
+
+    void setTitle(const std::string& title) {
+        home.write(".codex/session_index.jsonl", records::title(kTask, title));
+    }
+
+    /// "$b" is the program.
+    PseudoTerminal& start(const std::string& command, const std::string& environment = "") {
+        terminal = std::make_unique<PseudoTerminal>(
+            80, 24,
+            "unset LANG LC_CTYPE NO_COLOR; export HOME='" + home.root() +
+                "' b='" BRIMLETCTL "' XDG_CONFIG_HOME= LANGUAGE=en LC_ALL=C.UTF-8 TERM=mach " +
+                environment + "; " + command);
+        return *terminal;
+    }
+
+    /// Whether the terminal is as before: modes, screen, cursor, pasting.
+    void expectRestored() const {
+        const std::string& output = terminal->output;
+        EXPECT_TRUE(terminal->hasModesAsFound());
+        const auto lastIs = [&](const char* on, const char* off) {
+            return output.rfind(on) != output.npos &&
+                   output.find(off, output.rfind(on)) != output.npos;
+        };
+        EXPECT_TRUE(lastIs("\033[?1049h", "\033[?1049l"));
+        EXPECT_TRUE(lastIs("\033[?2004h", "\033[?2004l"));
+        EXPECT_TRUE(lastIs("\033[?25l", "\033[?25h"));
+    }
+
+    TemporaryHome home;
+    std::unique_ptr<PseudoTerminal> terminal;
+};
+
+TEST_F(TerminalTest, KeysMoveAndChooseAndPastedTextIsNone) {
+    PseudoTerminal& t = start("exec $b watch");
+    ASSERT_TRUE(t.waitFor("C1 · 47%"));
+    EXPECT_TRUE(t.waitFor("Current task: Fix the tests"));
+    const auto selects = [&](std::string_view text) {
+        return t.waitUntil([&] { return t.reversed().find(text) != std::string::npos; });
+    };
+    t.press("j");
+    EXPECT_TRUE(selects("Language"));
+    t.press("\033[B");
+    EXPECT_TRUE(selects("Detect Now"));
+    EXPECT_EQ(std::string::npos, t.reversed().find("│"));
+    t.press("jk\033[A");
+    EXPECT_TRUE(selects("Language"));
+    t.press("\r");
+    EXPECT_TRUE(selects("System Default"));
+    t.press("\033");
+    EXPECT_TRUE(selects("Language"));
+    for (const char* closing : {"\033", "?"}) {
+        t.press("?");
+        EXPECT_TRUE(t.waitFor("Enter →"));
+        t.press(closing);
+        EXPECT_TRUE(t.waitFor("Compactions: 1"));
+    }
+    t.press("\033[200~jq?l2\033[B\r\033[201~k");
+    EXPECT_TRUE(selects("Quit Brimlet")) << "from the first to the last";
+    t.press("\r");
+    EXPECT_EQ(0, t.waitForEnd());
+}
+
+TEST_F(TerminalTest, EveryScriptKeepsTheFrameAtEveryWidth) {
+    for (const char* script : kScripts) {
+        setTitle(script);
+        const std::string title = terminal::shown(script, {});
+        PseudoTerminal& t = start("exec $b watch");
+        for (const int columns : kWidths) {
+            t.resize(columns, 24);
+            ASSERT_TRUE(t.waitUntil([&] {
+                return t.rightEdge().starts_with("┐│┤│││┤││┤│││┘") &&
+                       t.row(2).find(columns < 80 ? "│" : title) != std::string::npos;
+            })) << t.screen();
+        }
+    }
+}
+
+TEST_F(TerminalTest, LeavesTheTerminalAsFound) {
+    for (const int end : {0, SIGTERM, SIGINT, SIGSEGV, SIGABRT}) {
+        PseudoTerminal& t = start("exec $b watch", "TERM=xterm-256color");
+        ASSERT_TRUE(t.waitForBytes("47%"));
+        EXPECT_FALSE(t.hasModesAsFound());
+        if (end == 0) {
+            t.press("q");
+        } else {
+            kill(t.process, end);
+        }
+        const int status = t.waitForEnd();
+        const bool isFault = end == SIGSEGV || end == SIGABRT;
+        EXPECT_EQ(isFault, WIFSIGNALED(status)) << end;
+        EXPECT_EQ(isFault ? end : 0, isFault ? WTERMSIG(status) : WEXITSTATUS(status));
+        expectRestored();
+    }
+}
+
+TEST_F(TerminalTest, LeavesTheTerminalAsFoundWhileItIsStopped) {
+    PseudoTerminal& t =
+        start("set -m; $b watch; echo stopped; read line; fg", "TERM=xterm-256color");
+    ASSERT_TRUE(t.waitForBytes("47%"));
+    t.press("\x1a");
+    ASSERT_TRUE(t.waitForBytes("stopped"));
+    expectRestored();
+    t.output.clear();
+    t.press("\n");
+    ASSERT_TRUE(t.waitForBytes("47%"));
+    EXPECT_TRUE(t.waitForBytes("\033[?2004h"));
+    t.press("q");
+    EXPECT_EQ(0, t.waitForEnd());
+    expectRestored();
+}
+
+TEST_F(TerminalTest, SpeaksEnglishWhereTheCharactersOfTheLanguageCannotBeShown) {
+    for (const char* environment :
+         {"LANGUAGE= LC_ALL= LANG=zh_CN", "LANGUAGE= LC_ALL= LANG=zh_CN.GBK",
+          "LANGUAGE=zh_CN LC_ALL= LANG=C", "LANGUAGE=zh_CN LC_ALL=POSIX"}) {
+        PseudoTerminal& t = start("exec $b watch", environment);
+        EXPECT_TRUE(t.waitFor("Current task: Fix the tests")) << environment;
+        t.press("l");
+        EXPECT_TRUE(t.waitUntil([&] { return t.rightEdge().starts_with("+|+|||+||+||||||+"); }));
+        const std::string screen = t.screen();
+        EXPECT_NE(std::string::npos, screen.find("* System Default")) << screen;
+        EXPECT_NE(std::string::npos, screen.find("Simplified Chinese")) << screen;
+        EXPECT_EQ(1, std::count(screen.begin(), screen.end(), '?')) << screen;
+    }
+    for (const char* environment :
+         {"LANGUAGE= LC_ALL= LANG=zh_CN.utf8", "LANGUAGE=zh_CN LC_ALL="}) {
+        EXPECT_TRUE(start("exec $b watch", environment).waitFor("当前任务")) << environment;
+    }
+}
+
+#ifdef BRIMLET_SETTINGS_IN_HOME
+
+TEST_F(TerminalTest, TheLanguageChosenIsStoredAndChecked) {
+    PseudoTerminal& t = start("exec $b watch");
+    ASSERT_TRUE(t.waitFor("Current task: Fix the tests"));
+    t.press("l3");
+    EXPECT_TRUE(t.waitFor("当前任务：Fix the tests"));
+    EXPECT_TRUE(t.waitFor("↑↓ 移动"));
+    PseudoTerminal& ascii = start("exec $b watch", "LC_ALL=C");
+    ASSERT_TRUE(ascii.waitFor("Current task: Fix the tests"));
+    ascii.press("l");
+    EXPECT_TRUE(ascii.waitFor("* Simplified Chinese"));
+    std::stringstream stored;
+    stored << std::ifstream(home.path(".config/brimlet/defaults.json")).rdbuf();
+    EXPECT_EQ("{\"BrimletLanguageMode\":2}\n", stored.str());
+}
+
+#endif
+
+TEST_F(TerminalTest, ColoursAreShownWhereTheyAreWanted) {
+    const auto coloured = [&](const char* environment) {
+        PseudoTerminal& t = start("exec $b watch", environment);
+        EXPECT_TRUE(t.waitForBytes("47%"));
+        return t.output.find("\033[38;5;28m") != std::string::npos ||
+               t.output.find("\033[32m") != std::string::npos;
+    };
+    EXPECT_TRUE(coloured("TERM=xterm-256color"));
+    EXPECT_TRUE(coloured("TERM=xterm"));
+    EXPECT_FALSE(coloured("TERM=mach"));
+    EXPECT_FALSE(coloured("TERM=xterm-256color NO_COLOR="));
+}
+
+}  // namespace
