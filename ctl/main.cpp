@@ -19,15 +19,15 @@
 namespace {
 
 /// Only the menu has something to store.
-void confineProcess(ctl::Call call) {
-    // Asking for the home folder may take a socket, so it is asked for before.
+ORVConfinement confineProcess(ctl::Call call) {
+    // Asking for the home folder may take a socket, so it is asked for before, and once.
     const std::string home = platform::homeFolder();
     if (!home.empty()) {
         setenv("HOME", home.c_str(), 1);
     }
     const bool stores = call == ctl::Call::watch;
-    platform::confineProcess(stores ? platform::foldersOfUserDefaults()
-                                    : std::vector<std::string>());
+    return platform::confineProcess(stores ? platform::foldersOfUserDefaults()
+                                           : std::vector<std::string>());
 }
 
 }  // namespace
