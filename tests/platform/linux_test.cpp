@@ -1,6 +1,7 @@
 // What Linux gives in place of a Mac's user defaults, preferred languages and locales.
 
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "platform/home_folder.h"
 #include "platform/preferred_languages.h"
 #include "platform/time_of_day.h"
 #include "platform/user_defaults.h"
@@ -59,6 +61,19 @@ TEST(TimeOfDayTest, MediumStyleInTheUsersZone) {
     setenv("TZ", "JST-9", 1);
     EXPECT_EQ("09:00:00", at(0, "zh_CN")) << "a zone that changes is noticed";
     EXPECT_FALSE(at(std::numeric_limits<std::int64_t>::max(), "en_US").empty());
+}
+
+TEST(HomeFolderTest, IsThatOfThePasswordDatabaseWhereTheEnvironmentHasNone) {
+    const passwd* entry = getpwuid(getuid());
+    if (!entry) {
+        GTEST_SKIP() << "this user is not in it";
+    }
+    const std::string expected = entry->pw_dir;
+    const char* variable = getenv("HOME");
+    const std::string home = variable ? variable : "";
+    unsetenv("HOME");
+    EXPECT_EQ(expected == "/" ? "" : expected, platform::homeFolder());
+    setenv("HOME", home.c_str(), 1);  // An empty one counts as none.
 }
 
 class UserDefaultsTest : public testing::Test {
