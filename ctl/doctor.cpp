@@ -27,7 +27,7 @@ struct Found {
 
 class Examination {
 public:
-    Examination(Sources& sources, const CodexHome& home, const ConfinementState& confinement)
+    Examination(Sources& sources, const CodexHome& home, const ORVConfinement& confinement)
         : sources_(sources), home_(home), confinement_(confinement) {}
 
     int run() {
@@ -183,7 +183,7 @@ private:
 
     Sources& sources_;
     const CodexHome& home_;
-    const ConfinementState& confinement_;
+    const ORVConfinement& confinement_;
     std::string report_;
     Found sessions_;
     std::optional<ORVSessionSnapshot> inView_;
@@ -192,7 +192,7 @@ private:
 
 }  // namespace
 
-int examine(Sources& sources, const CodexHome& home, const ConfinementState& confinement) {
+int examine(Sources& sources, const CodexHome& home, const ORVConfinement& confinement) {
     return Examination(sources, home, confinement).run();
 }
 

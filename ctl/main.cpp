@@ -25,18 +25,18 @@ namespace {
 using ctl::Call;
 
 /// Only the menu has something to store.
-void confine(Call call) {
-    // Asking for the home folder may take a socket, so it is asked for before.
+ORVConfinement confineProcess(Call call) {
+    // Asking for the home folder may take a socket, so it is asked for before, and once.
     const std::string home = platform::homeFolder();
     if (!home.empty()) {
         setenv("HOME", home.c_str(), 1);
     }
     const bool stores = call == Call::watch;
-    platform::confineProcess(stores ? platform::foldersOfUserDefaults()
-                                    : std::vector<std::string>());
+    return platform::confineProcess(stores ? platform::foldersOfUserDefaults()
+                                           : std::vector<std::string>());
 }
 
-int answer(const ctl::Arguments& arguments) {
+int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {
     switch (arguments.call) {
         case Call::help:
             return ctl::showText(ctl::helpText(arguments.helpTopic));
@@ -66,7 +66,7 @@ int answer(const ctl::Arguments& arguments) {
         case Call::titles:
             return ctl::showTitles(sources, arguments);
         case Call::doctor:
-            return ctl::examine(sources, home, {});
+            return ctl::examine(sources, home, confinement);
         default:
             return ctl::answerQueries(sources, stdin);
     }
@@ -83,9 +83,9 @@ int main(int count, char** values) {
     try {
         const auto parsed = ctl::parseArguments(count, values);
         const auto* arguments = std::get_if<ctl::Arguments>(&parsed);
-        confine(arguments ? arguments->call : Call::help);
+        const ORVConfinement confinement = confineProcess(arguments ? arguments->call : Call::help);
         if (arguments) {
-            return answer(*arguments);
+            return answer(*arguments, confinement);
         }
         ctl::explainMistake(std::get<ctl::Mistake>(parsed));
         return ctl::kUsageError;

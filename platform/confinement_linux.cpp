@@ -1,46 +1,224 @@
-// A filter of system calls for what no call may do, and Landlock for where files may be written.
+// What the program may ask of the kernel: first the list of system calls, then, by Landlock, the
+// folders in which files may be changed, last how the list becomes a filter. A call that is not on
+// the list fails with an error, as any call can.
+//
+// On the list is what this program, glibc (2.28 to 2.42) and musl call once a program has started.
+// No memory can be made executable any more, so no library can be loaded later. Nothing needs it:
+// the user is looked up before, and where the locale's characters would need a module of glibc
+// (GBK, say), the menu is written in ASCII, which glibc reads without the module.
 
+#include <asm/ioctls.h>
+#include <asm/termbits.h>
 #include <fcntl.h>
 #include <linux/audit.h>
 #include <linux/filter.h>
-#include <linux/landlock.h>
 #include <linux/sched.h>
 #include <linux/seccomp.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <span>
+#include <utility>
 
 #include "platform/confinement.h"
 
 namespace platform {
 namespace {
 
-#if defined(__x86_64__)
+#if defined(__x86_64__) && defined(__LP64__)
 constexpr std::uint32_t kProcessor = AUDIT_ARCH_X86_64;
-#elif defined(__aarch64__)
+#elif defined(__aarch64__) && defined(__LP64__) && !defined(__AARCH64EB__)
 constexpr std::uint32_t kProcessor = AUDIT_ARCH_AARCH64;
 #else
 constexpr std::uint32_t kProcessor = 0;  // Its calls are not known here.
 #endif
 
-constexpr std::uint32_t kRefusedCalls[] = {
-    // The network, and every other socket.
-    SYS_socket, SYS_socketpair, SYS_connect, SYS_bind, SYS_listen, SYS_accept, SYS_accept4,
-    SYS_sendto, SYS_sendmsg, SYS_sendmmsg,
-    // Programs and processes.
-    SYS_execve, SYS_execveat,
-#ifdef SYS_fork
-    SYS_fork, SYS_vfork,
+// Calls from 424 on have the same number on every processor, and the headers may be older. Where
+// such a call is not on the list, it answers as a kernel that does not know it, and a C library
+// uses the call's predecessor: clone, whose flags a filter sees, in place of clone3.
+constexpr std::uint32_t kFirstYoungCall = 424;
+constexpr std::uint32_t kCloseRange = 436;
+constexpr std::uint32_t kFaccessat2 = 439;
+constexpr std::uint32_t kLandlockCreateRuleset = 444;
+constexpr std::uint32_t kLandlockAddRule = 445;
+constexpr std::uint32_t kLandlockRestrictSelf = 446;
+constexpr std::uint32_t kFutexWaitv = 449;
+constexpr std::uint32_t kFutexWake = 454;
+constexpr std::uint32_t kFutexWait = 455;
+constexpr std::uint32_t kFutexRequeue = 456;
+
+/// Calls that every thread may make, with any arguments.
+constexpr std::uint32_t kCalls[] = {
+    // Reading files.
+    SYS_read, SYS_readv, SYS_pread64, SYS_lseek, SYS_getdents64, SYS_fstat, SYS_newfstatat,
+    SYS_statx, SYS_faccessat, kFaccessat2, SYS_readlinkat, SYS_getcwd,
+    // What is open: the output, and the pipe that wakes the run loop.
+    SYS_write, SYS_writev, SYS_close, kCloseRange, SYS_pipe2, SYS_ppoll, SYS_pselect6,
+#ifdef SYS_open
+    // The same by calls that aarch64 does not have.
+    SYS_stat, SYS_lstat, SYS_access, SYS_readlink, SYS_pipe, SYS_poll, SYS_select, SYS_time,
+    SYS_getpgrp,
 #endif
-    // Those of others.
-    SYS_ptrace, SYS_process_vm_readv, SYS_process_vm_writev,
-    // A way around all of it.
-    SYS_io_uring_setup};
+    // Memory and threads.
+    SYS_brk, SYS_munmap, SYS_mremap, SYS_futex, kFutexWaitv, kFutexWake, kFutexWait, kFutexRequeue,
+    SYS_set_robust_list, SYS_set_tid_address, SYS_rseq, SYS_membarrier, SYS_sched_yield,
+    SYS_sched_getaffinity, SYS_exit, SYS_exit_group,
+    // Receiving signals.
+    SYS_rt_sigaction, SYS_rt_sigprocmask, SYS_rt_sigreturn, SYS_sigaltstack, SYS_restart_syscall,
+    // Time, and what the process and the machine are.
+    SYS_clock_gettime, SYS_clock_getres, SYS_clock_nanosleep, SYS_nanosleep, SYS_gettimeofday,
+    SYS_getrandom, SYS_getpid, SYS_gettid, SYS_getpgid, SYS_getuid, SYS_geteuid, SYS_getgid,
+    SYS_getegid, SYS_getrlimit, SYS_getcpu, SYS_sysinfo};
+
+/// Calls that only a thread that stores settings may make, too. Landlock holds it to their folders.
+constexpr std::uint32_t kCallsForStoring[] = {
+    // Opening files with all flags.
+    SYS_openat, SYS_mkdirat, SYS_renameat, SYS_unlinkat, SYS_fsync,
+#ifdef SYS_open
+    SYS_open, SYS_mkdir, SYS_rename, SYS_unlink,
+#endif
+    // The reading thread begins with the same rights, and gives them up by these.
+    kLandlockCreateRuleset, kLandlockRestrictSelf};
+
+/// What an argument, counted from 0, must be: one of the values or, where no values are given, a
+/// number with none of the bits. A value is compared with the lower half of the register, since the
+/// kernel looks at no more of an int.
+struct Condition {
+    unsigned argument;
+    std::vector<std::uint32_t> values;
+    std::uint64_t refusedBits;
+};
+
+Condition isOneOf(unsigned argument, std::vector<std::uint32_t> values) {
+    return {argument, std::move(values), 0};
+}
+
+Condition hasNoneOf(unsigned argument, std::uint64_t bits) {
+    return {argument, {}, bits};
+}
+
+/// A call that is allowed if all the conditions hold. One call may have several rules.
+struct Rule {
+    std::uint32_t call;
+    std::vector<Condition> conditions;
+};
+
+std::vector<Rule> rulesForAll() {
+    // No file is changed by opening it without one of these; O_TMPFILE needs an access mode.
+    constexpr std::uint64_t kToWrite = O_ACCMODE | O_CREAT | O_TRUNC;
+    constexpr std::uint64_t kAllBits = ~std::uint64_t{0};
+    constexpr std::uint32_t kThread = CLONE_VM | CLONE_FS | CLONE_FILES | CLONE_SIGHAND |
+                                      CLONE_THREAD | CLONE_SYSVSEM | CLONE_SETTLS |
+                                      CLONE_PARENT_SETTID | CLONE_CHILD_CLEARTID;
+    constexpr std::uint32_t kGuardInstall = 102;  // Advice younger than some headers.
+    constexpr std::uint32_t kGuardRemove = 103;
+    const auto ourselves = static_cast<std::uint32_t>(getpid());
+    return {
+        {SYS_openat, {hasNoneOf(2, kToWrite)}},
+#ifdef SYS_open
+        {SYS_open, {hasNoneOf(1, kToWrite)}},
+#endif
+        {SYS_mmap, {hasNoneOf(2, PROT_EXEC)}},
+        {SYS_mprotect, {hasNoneOf(2, PROT_EXEC)}},
+        // By other advice root can take pages of memory from the whole machine.
+        {SYS_madvise,
+         {isOneOf(2, {MADV_DONTNEED, MADV_FREE, MADV_HUGEPAGE, kGuardInstall, kGuardRemove})}},
+        // Threads, but neither processes nor namespaces. The flag that musl adds has no effect.
+        {SYS_clone, {isOneOf(0, {kThread, kThread | CLONE_DETACHED})}},
+        // No F_SETOWN and no O_ASYNC, by which a terminal would send signals to its other jobs.
+        {SYS_fcntl, {isOneOf(1, {F_GETFD, F_SETFD, F_GETFL})}},
+        {SYS_fcntl, {isOneOf(1, {F_SETFL}), hasNoneOf(2, O_ASYNC)}},
+        // A terminal's modes and size, but not TIOCSTI and TIOCLINUX, which type in it.
+        {SYS_ioctl,
+         {isOneOf(1, {TCGETS, TCSETS, TCSETSW, TCSETSF, TCGETS2, TCSETS2, TCSETSW2, TCSETSF2,
+                      TCFLSH, TIOCGWINSZ, TIOCGPGRP})}},
+        // For abort, raise, and ncurses when Control-Z stops it. tkill, which musl uses, does not
+        // name a process, so it reaches the first thread only: that has the process's number.
+        {SYS_kill, {isOneOf(0, {ourselves})}},
+        {SYS_tgkill, {isOneOf(0, {ourselves})}},
+        {SYS_tkill, {isOneOf(0, {ourselves})}},
+        // Our own limits are read; a pointer to other ones would set them.
+        {SYS_prlimit64, {isOneOf(0, {0, ourselves}), hasNoneOf(2, kAllBits)}},
+    };
+}
+
+std::vector<Rule> rulesForStoring() {
+    return {
+        // Landlock does not see this call. The bits would lend a program its owner's rights.
+        {SYS_fchmod, {hasNoneOf(1, 07000)}},
+        // Only to add the reading thread's filter.
+        {SYS_prctl, {isOneOf(0, {PR_SET_SECCOMP})}},
+    };
+}
+
+// Landlock, as <linux/landlock.h> has it where the headers know of it.
+
+/// What is refused but where a rule allows it. An older kernel takes the first parts alone, if the
+/// others are 0.
+struct Ruleset {
+    std::uint64_t files;
+    std::uint64_t network;
+    std::uint64_t scopes;
+};
+struct RuleForFolder {
+    std::uint64_t allowed;
+    std::int32_t folder;
+};
+constexpr int kForFolder = 1;
+constexpr std::uint32_t kAskForVersion = 1;
+constexpr std::uint64_t kWriteFile = 1U << 1U;
+constexpr std::uint64_t kReadFile = 1U << 2U;
+constexpr std::uint64_t kReadFolder = 1U << 3U;
+constexpr std::uint64_t kRemoveFile = 1U << 5U;
+constexpr std::uint64_t kMakeFolder = 1U << 7U;
+constexpr std::uint64_t kMakeFile = 1U << 8U;
+
+/// Everything that this version of Landlock knows, but reading.
+Ruleset everything(long version) {
+    // The second version added moving between folders, the third cutting files short, the fifth
+    // requests to devices.
+    const unsigned rights = version >= 5 ? 16 : version >= 3 ? 15 : version == 2 ? 14 : 13;
+    Ruleset ruleset{};
+    ruleset.files = ((1U << rights) - 1) & ~(kReadFile | kReadFolder);
+    ruleset.network = version >= 4 ? 3 : 0;  // To offer a connection, and to make one.
+    ruleset.scopes = version >= 6 ? 3 : 0;   // Sockets that are no files, and signals to others.
+    return ruleset;
+}
+
+/// False where the kernel has no Landlock, or has it turned off.
+bool limitWriting(const std::vector<std::string>& folders) {
+    const long version = syscall(kLandlockCreateRuleset, nullptr, 0, kAskForVersion);
+    if (version < 1) {
+        return false;
+    }
+    const Ruleset attributes = everything(version);
+    const auto ruleset =
+        static_cast<int>(syscall(kLandlockCreateRuleset, &attributes, sizeof attributes, 0));
+    if (ruleset < 0) {
+        return false;
+    }
+    for (const std::string& folder : folders) {
+        RuleForFolder rule{};
+        rule.allowed = kWriteFile | kRemoveFile | kMakeFolder | kMakeFile;
+        rule.folder = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+        syscall(kLandlockAddRule, ruleset, kForFolder, &rule, 0);
+        close(rule.folder);
+    }
+    const bool isLimited = syscall(kLandlockRestrictSelf, ruleset, 0) == 0;
+    close(ruleset);
+    return isLimited;
+}
+
+/// The filter is a program that the kernel runs at every call, with its number and arguments.
+using Program = std::vector<sock_filter>;
 
 sock_filter load(std::size_t offset) {
     return BPF_STMT(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset));
@@ -50,97 +228,130 @@ sock_filter answer(std::uint32_t value) {
     return BPF_STMT(BPF_RET | BPF_K, value);
 }
 
-/// Goes on with the next statement where the loaded value is this one, else leaves some out.
-sock_filter unlessEqual(std::uint32_t value, std::uint8_t leftOut) {
-    return BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, value, 0, leftOut);
+/// Compares what is loaded with the value; the counts are of the statements that are then skipped.
+sock_filter jump(int comparison, std::uint32_t value, std::size_t ifTrue, std::size_t ifFalse) {
+    return BPF_JUMP(static_cast<std::uint16_t>(BPF_JMP | comparison | BPF_K), value,
+                    static_cast<std::uint8_t>(ifTrue), static_cast<std::uint8_t>(ifFalse));
 }
 
-std::vector<sock_filter> filter() {
-    constexpr std::uint32_t kRefusal = SECCOMP_RET_ERRNO | EPERM;
-    constexpr std::size_t kFirstArgument = offsetof(seccomp_data, args);  // Its lower half.
-    std::vector<sock_filter> program = {
-        // Calls in the manner of another processor have other numbers.
-        load(offsetof(seccomp_data, arch)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, kProcessor, 1, 0),
-        answer(kRefusal),
-        load(offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JGE | BPF_K, 0x40000000, 0, 1),  // Those of x32.
-        answer(kRefusal),
-        // A thread is started with clone where its successor, whose flags no filter sees, is
-        // missing.
-        unlessEqual(SYS_clone3, 1),
-        answer(SECCOMP_RET_ERRNO | ENOSYS),
-        unlessEqual(SYS_clone, 4),
-        load(kFirstArgument),
-        BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, CLONE_THREAD, 0, 1),
-        answer(SECCOMP_RET_ALLOW),
-        answer(kRefusal),
-    };
-    for (const std::uint32_t call : kRefusedCalls) {
-        program.push_back(unlessEqual(call, 1));
-        program.push_back(answer(kRefusal));
+/// Expects the call's number to be loaded, and leaves it loaded where the rule does not allow.
+void addRule(Program& program, const Rule& rule) {
+    constexpr std::uint8_t kOut = 255;  // Stands for the way to the rule's end, not yet known.
+    constexpr std::size_t kHalf = sizeof(std::uint32_t);
+    const std::size_t begin = program.size();
+    program.push_back(jump(BPF_JEQ, rule.call, 0, kOut));
+    for (const Condition& condition : rule.conditions) {
+        const std::size_t lowerHalf = offsetof(seccomp_data, args) + 2 * kHalf * condition.argument;
+        program.push_back(load(lowerHalf));
+        for (std::size_t left = condition.values.size(); left > 0; --left) {
+            const std::uint32_t value = condition.values[condition.values.size() - left];
+            program.push_back(jump(BPF_JEQ, value, left - 1, left == 1 ? kOut : 0));
+        }
+        if (condition.values.empty()) {
+            const auto upperBits = static_cast<std::uint32_t>(condition.refusedBits >> 32U);
+            const auto lowerBits = static_cast<std::uint32_t>(condition.refusedBits);
+            program.push_back(jump(BPF_JSET, lowerBits, kOut, 0));
+            program.push_back(load(lowerHalf + kHalf));
+            program.push_back(jump(BPF_JSET, upperBits, kOut, 0));
+        }
     }
     program.push_back(answer(SECCOMP_RET_ALLOW));
+    for (std::size_t i = begin; i < program.size(); ++i) {
+        const auto out = static_cast<std::uint8_t>(program.size() - i - 1);
+        for (std::uint8_t* way : {&program[i].jt, &program[i].jf}) {
+            *way = *way == kOut ? out : *way;
+        }
+    }
+    if (!rule.conditions.empty()) {
+        program.push_back(load(offsetof(seccomp_data, nr)));
+    }
+}
+
+/// What is added next is for the calls below this number, up to beginOthers, which takes the
+/// result.
+std::size_t beginBelow(Program& program, std::uint32_t number) {
+    program.push_back(jump(BPF_JGE, number, 0, 1));
+    program.push_back(BPF_STMT(BPF_JMP | BPF_JA, 0));
+    return program.size();
+}
+
+void beginOthers(Program& program, std::size_t below) {
+    program[below - 1].k = static_cast<std::uint32_t>(program.size() - below);
+}
+
+/// Adds a search by halves among sorted rules. One after the other would do, but a kernel that
+/// takes a filter runs it for every number there is, to remember the calls that are always allowed.
+void addRules(Program& program, std::span<const Rule> rules, std::uint32_t refusal) {
+    constexpr std::size_t kFew = 4;
+    std::size_t half = rules.size() / 2;
+    while (half > 0 && rules[half - 1].call == rules[half].call) {
+        --half;
+    }
+    if (rules.size() > kFew && half > 0) {
+        const std::size_t below = beginBelow(program, rules[half].call);
+        addRules(program, rules.first(half), refusal);
+        beginOthers(program, below);
+        addRules(program, rules.subspan(half), refusal);
+        return;
+    }
+    for (const Rule& rule : rules) {
+        addRule(program, rule);
+    }
+    program.push_back(answer(refusal));
+}
+
+Program filter(bool mayStore) {
+    std::vector<Rule> rules = rulesForAll();
+    const auto addCall = [&rules](std::uint32_t call) { rules.push_back({call, {}}); };
+    std::for_each(std::begin(kCalls), std::end(kCalls), addCall);
+    if (mayStore) {
+        const std::vector<Rule> more = rulesForStoring();
+        rules.insert(rules.end(), more.begin(), more.end());
+        std::for_each(std::begin(kCallsForStoring), std::end(kCallsForStoring), addCall);
+    }
+    std::sort(rules.begin(), rules.end(),
+              [](const Rule& left, const Rule& right) { return left.call < right.call; });
+    Program program = {
+        load(offsetof(seccomp_data, arch)),
+        jump(BPF_JEQ, kProcessor, 1, 0),
+        // No code of this program, nor of a library, calls the kernel as a program for another
+        // processor does (int 0x80). Who does so is somebody else, and does not go on.
+        answer(SECCOMP_RET_KILL_PROCESS),
+        load(offsetof(seccomp_data, nr)),
+    };
+    const auto young = std::find_if(rules.begin(), rules.end(),
+                                    [](const Rule& rule) { return rule.call >= kFirstYoungCall; });
+    const std::size_t below = beginBelow(program, kFirstYoungCall);
+    addRules(program, {rules.begin(), young}, SECCOMP_RET_ERRNO | EPERM);
+    beginOthers(program, below);
+    addRules(program, {young, rules.end()}, SECCOMP_RET_ERRNO | ENOSYS);
     return program;
 }
 
-void refuseCalls() {
+bool filterCalls(bool mayStore) {
     if (kProcessor == 0) {
-        return;
+        return false;
     }
-    std::vector<sock_filter> statements = filter();
+    Program statements = filter(mayStore);
     const sock_fprog program{static_cast<unsigned short>(statements.size()), statements.data()};
-    prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program);
-}
-
-/// Everything that this version of Landlock knows to change files, or to run one.
-std::uint64_t changes(long version) {
-    constexpr std::uint64_t kTruncate = 1U << 14;  // Newer than the oldest headers.
-    constexpr std::uint64_t kFirst =
-        LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_DIR |
-        LANDLOCK_ACCESS_FS_REMOVE_FILE | LANDLOCK_ACCESS_FS_MAKE_CHAR |
-        LANDLOCK_ACCESS_FS_MAKE_DIR | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_MAKE_SOCK |
-        LANDLOCK_ACCESS_FS_MAKE_FIFO | LANDLOCK_ACCESS_FS_MAKE_BLOCK | LANDLOCK_ACCESS_FS_MAKE_SYM;
-    return kFirst | (version >= 2 ? LANDLOCK_ACCESS_FS_REFER : 0) | (version >= 3 ? kTruncate : 0);
-}
-
-void refuseWritingOutside(const std::vector<std::string>& folders) {
-    const long version =
-        syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
-    if (version < 1) {
-        return;
-    }
-    landlock_ruleset_attr rules{};
-    rules.handled_access_fs = changes(version);
-    const auto ruleset = static_cast<int>(
-        syscall(SYS_landlock_create_ruleset, &rules, sizeof rules.handled_access_fs, 0));
-    if (ruleset < 0) {
-        return;
-    }
-    for (const std::string& folder : folders) {
-        landlock_path_beneath_attr rule{};
-        rule.allowed_access = LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_FILE |
-                              LANDLOCK_ACCESS_FS_MAKE_DIR | LANDLOCK_ACCESS_FS_MAKE_REG;
-        rule.parent_fd = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-        syscall(SYS_landlock_add_rule, ruleset, LANDLOCK_RULE_PATH_BENEATH, &rule, 0);
-        close(rule.parent_fd);
-    }
-    syscall(SYS_landlock_restrict_self, ruleset, 0);
-    close(ruleset);
+    return prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
 }  // namespace
 
-void confineProcess(const std::vector<std::string>& foldersToWriteIn) {
+ORVConfinement confineProcess(const std::vector<std::string>& foldersToWriteIn) {
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
-    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);  // Without it the others are not to be had.
-    refuseWritingOutside(foldersToWriteIn);
-    refuseCalls();
+    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);  // The kernel asks for it before the others.
+    ORVConfinement confinement;
+    confinement.limitsWriting = limitWriting(foldersToWriteIn);
+    confinement.filtersCalls = filterCalls(!foldersToWriteIn.empty());
+    return confinement;
 }
 
 void confineThreadToReading() {
-    refuseWritingOutside({});
+    limitWriting({});
+    filterCalls(false);
 }
 
 }  // namespace platform

@@ -7,9 +7,10 @@
 
 namespace platform {
 
-void confineProcess(const std::vector<std::string>&) {
+ORVConfinement confineProcess(const std::vector<std::string>&) {
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
+    return {};
 }
 
 void confineThreadToReading() {}

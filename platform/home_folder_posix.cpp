@@ -3,9 +3,13 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 #include <vector>
+
+#include "platform/files.h"
 
 namespace platform {
 namespace {
@@ -15,6 +19,33 @@ std::string workingFolder() {
     return folder ? folder.get() : "";
 }
 
+/// Of a line of the password file, "name:password:user:group:comment:home:shell", from 0.
+std::string_view field(std::string_view line, int number) {
+    for (; number > 0; --number) {
+        const std::size_t colon = line.find(':');
+        line = colon == std::string_view::npos ? "" : line.substr(colon + 1);
+    }
+    return line.substr(0, line.find(':'));
+}
+
+/// As the file says it; "" where the user is not in it.
+std::string homeInPasswordFile() {
+    constexpr std::size_t kLimitBytes = 1024 * 1024;
+    const auto files = makeFiles();
+    const std::string user = std::to_string(getuid());
+    const std::string contents = contentsOfFile(*files, "/etc/passwd", kLimitBytes).value_or("");
+    std::string_view rest = contents;
+    while (!rest.empty()) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        if (field(line, 2) == user) {
+            return std::string(field(line, 5));
+        }
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    }
+    return {};
+}
+
+/// From wherever the system keeps its users.
 std::string homeInPasswordDatabase() {
     std::vector<char> buffer(16 * 1024);
     passwd entry{};
@@ -30,7 +61,10 @@ std::string homeInPasswordDatabase() {
 
 std::string homeFolder() {
     const char* variable = std::getenv("HOME");
-    std::string home = variable && *variable ? variable : homeInPasswordDatabase();
+    std::string home = variable && *variable ? variable : homeInPasswordFile();
+    if (home.empty()) {
+        home = homeInPasswordDatabase();
+    }
     if (!home.starts_with('/')) {
         home = workingFolder() + '/' + home;
     }

@@ -1,27 +1,21 @@
 // What Linux gives in place of a Mac's user defaults, preferred languages and locales.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/socket.h>
+#include <pwd.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 #include "l10n/languages.h"
 #include "platform/confinement.h"
+#include "platform/home_folder.h"
 #include "platform/preferred_languages.h"
 #include "platform/time_of_day.h"
 #include "platform/user_defaults.h"
-#include "shells/ORVPosixHost.h"
-#include "tests/support/MemoryDefaults.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace {
@@ -70,6 +64,19 @@ TEST(TimeOfDayTest, MediumStyleInTheUsersZone) {
     setenv("TZ", "JST-9", 1);
     EXPECT_EQ("09:00:00", at(0, "zh-CN")) << "a zone that changes is noticed";
     EXPECT_FALSE(at(std::numeric_limits<std::int64_t>::max(), "en").empty());
+}
+
+TEST(HomeFolderTest, IsThatOfThePasswordDatabaseWhereTheEnvironmentHasNone) {
+    const passwd* entry = getpwuid(getuid());
+    if (!entry) {
+        GTEST_SKIP() << "this user is not in it";
+    }
+    const std::string expected = entry->pw_dir;
+    const char* variable = getenv("HOME");
+    const std::string home = variable ? variable : "";
+    unsetenv("HOME");
+    EXPECT_EQ(expected == "/" ? "" : expected, platform::homeFolder());
+    setenv("HOME", home.c_str(), 1);  // An empty one counts as none.
 }
 
 class UserDefaultsTest : public testing::Test {
@@ -207,92 +214,5 @@ TEST_F(UserDefaultsTest, AFolderThatCannotBeWrittenIsToldOnce) {
     EXPECT_EQ(1, std::count(complaints.begin(), complaints.end(), '\n')) << complaints;
     EXPECT_EQ(std::nullopt, stored());
 }
-
-#ifdef BRIMLET_IS_CONFINED
-
-/// What a confined process is still allowed, tried in a child; its exit status is the number of the
-/// first attempt that came out otherwise than expected, 0 for none.
-class ConfinementTest : public testing::Test {
-protected:
-    ConfinementTest() { home.write("open/old", "old"); }
-
-    template <typename Attempts>
-    int confined(Attempts attempts) {
-        const pid_t child = fork();
-        if (child == 0) {
-            platform::confineProcess({home.path("open")});
-            attempts();
-            _exit(0);
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-    static void expect(int number, bool isAsExpected) {
-        if (!isAsExpected) {
-            _exit(number);
-        }
-    }
-    static bool isRefused(long result) { return result < 0 && (errno == EPERM || errno == EACCES); }
-    bool canWrite(const std::string& name) {
-        const int descriptor = open(home.path(name).c_str(), O_WRONLY | O_CREAT, 0600);
-        return !isRefused(descriptor);
-    }
-
-    TemporaryHome home;
-};
-
-TEST_F(ConfinementTest, NetworkAndProcessesAreRefused) {
-    EXPECT_EQ(0, confined([&] {
-                  int ends[2];
-                  expect(1, isRefused(socket(AF_INET, SOCK_STREAM, 0)));
-                  expect(2, isRefused(socket(AF_UNIX, SOCK_STREAM, 0)));
-                  expect(3, isRefused(socketpair(AF_UNIX, SOCK_STREAM, 0, ends)));
-                  expect(4, isRefused(fork()));
-                  expect(5, isRefused(execl("/bin/true", "true", nullptr)));
-                  expect(6, system("true") != 0);
-                  bool ran = false;
-                  std::thread([&ran] { ran = true; }).join();
-                  expect(7, ran);
-                  expect(8, pipe(ends) == 0 && write(ends[1], "x", 1) == 1);
-                  rlimit core{1, 1};
-                  expect(10, getrlimit(RLIMIT_CORE, &core) == 0 && core.rlim_max == 0);
-                  expect(9, access(home.path("open/old").c_str(), R_OK) == 0);
-              }));
-}
-
-TEST_F(ConfinementTest, WritingIsRefusedButInTheFolderGiven) {
-    EXPECT_EQ(0, confined([&] {
-                  const std::string old = home.path("open/old");
-                  expect(1, !canWrite("elsewhere"));
-                  expect(2, isRefused(mkdir(home.path("folder").c_str(), 0700)));
-                  expect(3, isRefused(rename(old.c_str(), home.path("old").c_str())));
-                  expect(4, canWrite("open/other"));
-                  expect(5, mkdir(home.path("open/folder").c_str(), 0700) == 0);
-                  expect(6, rename(home.path("open/other").c_str(), old.c_str()) == 0);
-                  std::thread([&] {
-                      platform::confineThreadToReading();
-                      expect(7, !canWrite("open/another"));
-                      expect(8, isRefused(unlink(old.c_str())));
-                      expect(9, open(old.c_str(), O_RDONLY) >= 0);
-                  }).join();
-                  expect(10, canWrite("open/another"));
-              }));
-}
-
-TEST_F(ConfinementTest, TheThreadThatReadsForTheMenuWritesNothing) {
-    EXPECT_EQ(0, confined([&] {
-                  ORVPosixHost host({home.path(".codex"), {}}, platform::makeFiles(),
-                                    std::make_unique<MemoryDefaults>(), [](const std::string&) {});
-                  const auto queue = host.makeSerialQueue("");
-                  queue->dispatch([&] { expect(1, !canWrite("open/other")); });
-                  while (!host.readerIsIdle()) {
-                  }
-                  expect(2, canWrite("open/other"));
-              }));
-}
-
-#endif
 
 }  // namespace
