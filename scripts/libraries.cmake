@@ -4,15 +4,23 @@
 # A Mac builds simdjson and utf8proc itself, from sources that are named by their commits: a
 # hardened program may load no library that others signed, and Homebrew's archives are made for one
 # processor and one release of macOS. Linux takes the distribution's, or the same pinned sources
-# with BRIMLET_PINNED_LIBRARIES. FETCHCONTENT_SOURCE_DIR_SIMDJSON and _UTF8PROC name folders that
-# hold the sources already.
+# with BRIMLET_PINNED_LIBRARIES. They are fetched, unless the environment's BRIMLET_DEPENDENCIES
+# names a folder that holds both.
 
 option(BRIMLET_PINNED_LIBRARIES "Build simdjson and utf8proc from pinned sources" ${APPLE})
 
 if(BRIMLET_PINNED_LIBRARIES)
     include(FetchContent)
+    if(DEFINED ENV{BRIMLET_DEPENDENCIES})
+        foreach(LIBRARY simdjson utf8proc)
+            string(TOUPPER ${LIBRARY} NAME)
+            set(FETCHCONTENT_SOURCE_DIR_${NAME} $ENV{BRIMLET_DEPENDENCIES}/${LIBRARY}
+                CACHE PATH "The sources of ${LIBRARY}, where they need not be fetched")
+        endforeach()
+    endif()
     set(CMAKE_POLICY_DEFAULT_CMP0077 NEW)  # What is set here counts for their options, too.
     set(BUILD_SHARED_LIBS OFF)
+    set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)  # Nothing is gained for a single source file.
     set(UTF8PROC_INSTALL OFF)
     set(UTF8PROC_ENABLE_TESTING OFF)
     # SYSTEM: warnings are for this project's own code.
@@ -22,18 +30,22 @@ if(BRIMLET_PINNED_LIBRARIES)
     FetchContent_Declare(utf8proc SYSTEM
         GIT_REPOSITORY https://github.com/JuliaStrings/utf8proc.git
         GIT_TAG e5e799221b45bbb90f5fdc5c69b6b8dfbf017e78)  # 2.11.3
-    foreach(LIBRARY simdjson utf8proc)
-        FetchContent_GetProperties(${LIBRARY})
-        if(NOT ${LIBRARY}_POPULATED)
-            FetchContent_Populate(${LIBRARY})
-            # Nothing of theirs is installed, and only what is linked in is built.
-            add_subdirectory(${${LIBRARY}_SOURCE_DIR} ${${LIBRARY}_BINARY_DIR} EXCLUDE_FROM_ALL SYSTEM)
-        endif()
-    endforeach()
+    FetchContent_MakeAvailable(simdjson utf8proc)
     add_library(brimlet::utf8proc ALIAS utf8proc)
-    # Their licence texts go wherever the programs go.
-    set(LICENCES_OF_LIBRARIES simdjson ${simdjson_SOURCE_DIR}/LICENSE-MIT
-                              utf8proc ${utf8proc_SOURCE_DIR}/LICENSE.md)
+
+    # Their licences go wherever the programs go, and those of what simdjson took from others.
+    file(READ ${simdjson_SOURCE_DIR}/LICENSE-MIT TEXT)
+    foreach(SOURCE src/internal/isadetection.h src/to_chars.cpp)
+        file(READ ${simdjson_SOURCE_DIR}/${SOURCE} CODE)
+        if(NOT CODE MATCHES "/[*][^*]*Copyright[^*]*[*]/")
+            message(FATAL_ERROR "The licence in simdjson's ${SOURCE} is not found")
+        endif()
+        string(APPEND TEXT "\n${CMAKE_MATCH_0}\n")
+    endforeach()
+    file(CONFIGURE OUTPUT licences/simdjson.txt CONTENT "${TEXT}" @ONLY)
+    configure_file(${utf8proc_SOURCE_DIR}/LICENSE.md licences/utf8proc.md COPYONLY)
+    set(LICENCES ${PROJECT_BINARY_DIR}/licences/simdjson.txt
+                 ${PROJECT_BINARY_DIR}/licences/utf8proc.md)
 else()
     find_package(simdjson REQUIRED)
     find_package(PkgConfig REQUIRED)
@@ -44,9 +56,8 @@ endif()
 add_library(brimlet_terminal INTERFACE)
 add_library(brimlet::terminal ALIAS brimlet_terminal)
 if(APPLE)
-    find_package(Curses REQUIRED)
-    target_include_directories(brimlet_terminal SYSTEM INTERFACE ${CURSES_INCLUDE_DIRS})
-    target_link_libraries(brimlet_terminal INTERFACE ${CURSES_LIBRARIES})
+    # The system's, by its name alone: a search may come upon another one, for one processor.
+    target_link_libraries(brimlet_terminal INTERFACE ncurses)
 else()
     # Linked in: as a shared library it would be resident in the calls that show no menu, too.
     find_path(NCURSES_INCLUDES ncurses.h REQUIRED)

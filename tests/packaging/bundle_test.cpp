@@ -2,26 +2,77 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
+#include <string>
+#include <string_view>
 
 #include "app/version.h"
 #include "platform/property_list.h"
 
+namespace {
+
+std::string contents(const std::filesystem::path& path) {
+    std::stringstream bytes;
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    return bytes.str();
+}
+
+/// The number in four bytes, the highest first; 0 where they are not there.
+std::uint32_t numberAt(std::string_view bytes, std::size_t offset) {
+    std::uint32_t number = 0;
+    for (const char byte : bytes.substr(std::min(offset, bytes.size()), 4)) {
+        number = number << 8U | static_cast<unsigned char>(byte);
+    }
+    return number;
+}
+
+}  // namespace
+
 TEST(BundleTest, SaysWhoItIs) {
-    std::ifstream file(BRIMLET_INFO_PLIST);
-    std::stringstream list;
-    list << file.rdbuf();
-    const auto value = [&list](const char* key) {
-        return platform::propertyListString(list.str(), key);
-    };
+    const std::string list = contents(BRIMLET_INFO_PLIST);
+    const auto value = [&list](const char* key) { return platform::propertyListString(list, key); };
     EXPECT_EQ("com.orvellan.brimlet", value("CFBundleIdentifier"));
     EXPECT_EQ("13.0", value("LSMinimumSystemVersion"));
     EXPECT_EQ("Brimlet", value("CFBundleExecutable"));
-    EXPECT_EQ("Brimlet", value("CFBundleIconFile"));
+    EXPECT_EQ(std::filesystem::path(BRIMLET_ICON).stem().string(), value("CFBundleIconFile"));
     EXPECT_EQ("APPL", value("CFBundlePackageType"));
     for (const char* key : {"CFBundleShortVersionString", "CFBundleVersion"}) {
         EXPECT_EQ(BRIMLET_VERSION, value(key));
     }
-    EXPECT_NE(std::string::npos, list.str().find("<key>LSUIElement</key>\n\t<true/>"));
+    EXPECT_NE(std::string::npos, list.find("<key>LSUIElement</key>\n\t<true/>"));
+}
+
+// A sequence of pictures, each with a type, which stands for a size, and its own length.
+TEST(BundleTest, IconHasEverySize) {
+    const std::string icon = contents(BRIMLET_ICON);
+    ASSERT_EQ("icns", icon.substr(0, 4));
+    ASSERT_EQ(icon.size(), numberAt(icon, 4));
+    std::map<std::string, std::string> pictures;
+    for (std::size_t offset = 8; offset < icon.size();) {
+        const std::size_t length = numberAt(icon, offset + 4);
+        ASSERT_TRUE(length > 8 && length <= icon.size() - offset) << offset;
+        pictures[icon.substr(offset, 4)] = icon.substr(offset + 8, length - 8);
+        offset += length;
+    }
+    for (const auto& [type, pixels] : std::map<std::string, std::uint32_t>{{"ic11", 32},
+                                                                           {"ic12", 64},
+                                                                           {"ic07", 128},
+                                                                           {"ic08", 256},
+                                                                           {"ic09", 512},
+                                                                           {"ic10", 1024}}) {
+        SCOPED_TRACE(type);
+        EXPECT_EQ("\x89PNG", pictures[type].substr(0, 4));
+        EXPECT_EQ(pixels, numberAt(pictures[type], 16));
+        EXPECT_EQ(pixels, numberAt(pictures[type], 20));
+    }
+    // The small ones are compressed in a form of their own, and their masks are not.
+    EXPECT_FALSE(pictures["is32"].empty());
+    EXPECT_FALSE(pictures["il32"].empty());
+    EXPECT_EQ(16U * 16, pictures["s8mk"].size());
+    EXPECT_EQ(32U * 32, pictures["l8mk"].size());
 }

@@ -1,0 +1,51 @@
+# Not filled in: there is no release so far. scripts/fill-formula puts in the project's address, that
+# of the release's source and its SHA-256.
+
+class Brimlet < Formula
+  desc "Show how full the context window of the Codex task in front of you is"
+  homepage "https://example.org/brimlet"
+  url "https://example.org/brimlet-0.0.0.tar.gz"
+  sha256 "0000000000000000000000000000000000000000000000000000000000000000"
+
+  depends_on "cmake" => :build
+  depends_on "ninja" => :build
+  depends_on macos: :ventura
+
+  # Linked in, so that the programs load nothing but what macOS brings: the commits that
+  # scripts/libraries.cmake names.
+  resource "simdjson" do
+    url "https://github.com/simdjson/simdjson.git",
+        revision: "cdeb069ad1e8cb2fb479cbb22695cb666cea99ac"
+    version "4.6.7"
+  end
+
+  resource "utf8proc" do
+    url "https://github.com/JuliaStrings/utf8proc.git",
+        revision: "e5e799221b45bbb90f5fdc5c69b6b8dfbf017e78"
+    version "2.11.3"
+  end
+
+  def install
+    sources = resources.map do |library|
+      library.stage buildpath/"dependencies"/library.name
+      "-DFETCHCONTENT_SOURCE_DIR_#{library.name.upcase}=#{buildpath}/dependencies/#{library.name}"
+    end
+    system "cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DBRIMLET_TESTS=OFF",
+           "-DHOMEBREW_ALLOW_FETCHCONTENT=ON", *sources, *std_cmake_args
+    system "cmake", "--build", "build"
+    system "cmake", "--install", "build"
+  end
+
+  def caveats
+    <<~EOS
+      Brimlet.app shows a status item in the menu bar:
+        open #{opt_prefix}/Brimlet.app
+      To find it among the other applications:
+        ln -s #{opt_prefix}/Brimlet.app /Applications
+    EOS
+  end
+
+  test do
+    assert_match version.to_s, shell_output("#{bin}/brimletctl --version")
+  end
+end
