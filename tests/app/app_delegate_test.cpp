@@ -3,86 +3,43 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <deque>
 
-#include "tests/support/FaultyFiles.h"
-#include "tests/support/ManualRunLoop.h"
-#include "tests/support/MemoryDefaults.h"
-#include "tests/support/TemporaryHome.h"
+#include "tests/support/ManualHost.h"
 #include "tests/support/records.h"
 
 namespace {
 
+using records::log;
 using std::chrono::milliseconds;
 
-constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
-constexpr const char* kLog = "Library/Logs/com.openai.codex/main.log";
-
-/// Everything by hand: the queue runs when told to, and what the application does is noted down.
-class ManualHost final : public ORVAppHost {
-public:
-    std::string notes;
-    MemoryDefaults defaults;
-    ManualRunLoop loop;
-    FaultyFiles faultyFiles;
-    ORVSystemClock systemClock;
-    std::deque<std::function<void()>> dispatched;
-
-    ORVUserDefaults& standardUserDefaults() override {
-        notes += "defaults ";
-        return defaults;
-    }
-    std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) override {
-        notes += label.substr(label.rfind('.') + 1) + " ";
-        return std::make_unique<Queue>(*this);
-    }
-    ORVRunLoop& runLoop() override { return loop; }
-    ORVFiles& files() override { return faultyFiles; }
-    const ORVClock& clock() override { return systemClock; }
-    void terminate() override { notes += "terminate "; }
-
-private:
-    class Queue final : public ORVSerialQueue {
-    public:
-        explicit Queue(ManualHost& owner) : owner_(owner) {}
-        void dispatch(std::function<void()> closure) override {
-            owner_.notes += owner_.loop.timersMade == 0 ? "dispatch-before-timer " : "dispatch ";
-            owner_.dispatched.push_back(std::move(closure));
-        }
-
-    private:
-        ManualHost& owner_;
-    };
-};
+constexpr const char* kLog = "/h/Library/Logs/com.openai.codex/main.log";
+constexpr const char* kSessions = "/h/.codex/sessions";
 
 class AppDelegateTest : public testing::Test {
 protected:
     AppDelegateTest() {
-        setenv("HOME", home.root().c_str(), 1);
+        setenv("HOME", "/h", 1);
         setenv("LANGUAGE", "en", 1);
         setenv("TZ", "UTC", 1);
-        home.makeFolder("Library/Logs/com.openai.codex");
-        home.makeFolder(".codex/sessions");
+        around.disk.makeFolder("/h/Library/Logs/com.openai.codex");
+        around.disk.makeFolder(kSessions);
     }
 
     void launch() { app->applicationDidFinishLaunching(); }
 
     void openTask() {
-        home.append(file, records::compacted("w1") + records::tokenCount("128000"));
-        home.setDate(file, 1'000'000'000);
-        home.write(".codex/session_index.jsonl", records::title(kTask, "Fix the tests"));
-        home.append(kLog, std::string("1 thread_stream_view_activity_changed active=true ") +
-                              "rendererWindowAppearance=primary rendererWindowFocused=true "
-                              "conversationId=" +
-                              kTask + "\n");
+        const std::string file = std::string(kSessions) + "/" + records::kTask + ".jsonl";
+        around.disk.append(file, records::compacted("w1") + records::tokenCount("128000"));
+        around.disk.setDate(file, 1'000'000'000);
+        around.disk.write("/h/.codex/session_index.jsonl",
+                          records::title(records::kTask, "Fix the tests"));
+        around.disk.append(kLog, log("1 activity TASK"));
     }
 
     /// Lets the refresh that was dispatched run and its results arrive.
     void finishRefresh() {
         ASSERT_EQ(1U, around.dispatched.size()) << "one refresh is under way";
-        around.dispatched.front()();
-        around.dispatched.pop_front();
-        around.loop.runPosted();
+        around.runDispatched();
     }
 
     const ORVMenuItem& item(const std::string& field) const {
@@ -117,10 +74,8 @@ protected:
         return text;
     }
 
-    TemporaryHome home;
     ManualHost around;
     std::shared_ptr<ORVAppDelegate> app = std::make_shared<ORVAppDelegate>(around);
-    const std::string file = ".codex/sessions/2026/" + std::string(kTask) + ".jsonl";
 };
 
 const char* const kTaskLines =
@@ -166,7 +121,7 @@ TEST_F(AppDelegateTest, OneRefreshAtATimeEveryTwoSeconds) {
     around.loop.advance(milliseconds(1'999));
     EXPECT_TRUE(around.dispatched.empty());
     around.loop.advance(milliseconds(1));
-    home.remove(".codex/sessions");
+    around.disk.remove(kSessions);
     finishRefresh();
     EXPECT_EQ(
         "Current task: Unavailable\nCurrent task data is temporarily unavailable\n"
@@ -183,14 +138,11 @@ TEST_F(AppDelegateTest, WhyThereIsNoTask) {
     finishRefresh();
     EXPECT_EQ("Codex local data was not found", item("focusItem").title);
     const std::pair<const char*, const char*> kCases[] = {
-        {"nothing\n", "Open a Codex task first"},
-        {"2 thread_stream_view_activity_changed active=true rendererWindowAppearance=primary "
-         "rendererWindowFocused=true conversationId=client-new-thread:1\n",
-         "New task data is being created…"},
-        {"3 thread_stream_view_activity_changed active=true\n",
-         "Task detection format changed; update Brimlet"}};
+        {"1 nothing", "Open a Codex task first"},
+        {"2 activity client-new-thread:1", "New task data is being created…"},
+        {"3 activity Appearance=", "Task detection format changed; update Brimlet"}};
     for (const auto& [line, focus] : kCases) {
-        home.append(kLog, line);
+        around.disk.append(kLog, log(line));
         around.loop.advance(milliseconds(2'000));
         finishRefresh();
         EXPECT_EQ(focus, item("focusItem").title);
@@ -262,7 +214,7 @@ TEST_F(AppDelegateTest, TheRefreshCommandTellsHowItEnds) {
     EXPECT_EQ("Detect Now", item("refreshItem").title);
     EXPECT_EQ("arrow.clockwise", item("refreshItem").image->name);
 
-    home.remove(".codex/sessions");
+    around.disk.remove(kSessions);
     app->chooseItemNamed("refreshItem");
     finishRefresh();
     EXPECT_EQ("Check Failed", barTitle());

@@ -2,30 +2,31 @@
 
 #include "app/refresh_step.h"
 #include "app/status_title.h"
+#include "tests/support/MemoryFiles.h"
+#include "tests/support/records.h"
 
 namespace {
 
+constexpr auto kValid = ORVCompactionStatusValid;
+
 ORVSessionSnapshot snapshotWith(std::int64_t compactions, ORVCompactionStatus compactionStatus,
                                 std::optional<ORVContextUsage> usage,
-                                ORVContextStatus contextStatus) {
+                                ORVContextStatus contextStatus = ORVContextStatusAvailable) {
     return {"t", "id", "/x", compactions, usage, contextStatus, compactionStatus, {}};
 }
 
 TEST(StatusTitleTest, CompactionsThenTheShareInUse) {
-    const auto valid = ORVCompactionStatusValid;
-    const auto available = ORVContextStatusAvailable;
-    const auto title = [](const ORVSessionSnapshot& snapshot) {
-        return app::statusItemTitle(snapshot);
-    };
-    EXPECT_EQ("C3 · 47%",
-              title(snapshotWith(3, valid, ORVContextUsage(128'000, 272'000), available)));
-    EXPECT_EQ("C0 · 150%", title(snapshotWith(0, valid, ORVContextUsage(150, 100), available)));
-    EXPECT_EQ("C0 · 0%", title(snapshotWith(0, valid, ORVContextUsage(5, 0), available)));
-    EXPECT_EQ("C– · 5%", title(snapshotWith(3, ORVCompactionStatusIncompatible,
-                                            ORVContextUsage(478, 10'000), available)));
-    EXPECT_EQ("C3 · --%", title(snapshotWith(3, valid, std::nullopt, available)));
-    EXPECT_EQ("C3 · --%",
-              title(snapshotWith(3, valid, ORVContextUsage(1, 2), ORVContextStatusIncompatible)));
+    const ORVContextUsage usage(128'000, 272'000);
+    const std::pair<const char*, ORVSessionSnapshot> kCases[] = {
+        {"C3 · 47%", snapshotWith(3, kValid, usage)},
+        {"C0 · 150%", snapshotWith(0, kValid, ORVContextUsage(150, 100))},
+        {"C0 · 0%", snapshotWith(0, kValid, ORVContextUsage(5, 0))},
+        {"C– · 47%", snapshotWith(3, ORVCompactionStatusIncompatible, usage)},
+        {"C3 · --%", snapshotWith(3, kValid, std::nullopt)},
+        {"C3 · --%", snapshotWith(3, kValid, usage, ORVContextStatusIncompatible)}};
+    for (const auto& [title, snapshot] : kCases) {
+        EXPECT_EQ(title, app::statusItemTitle(snapshot));
+    }
 }
 
 /// A session source that tells what it was asked and whether it leaves an error.
@@ -42,78 +43,42 @@ public:
             storeErrorIfEmpty(error, {"Orvellan", 2, ""});
             return {};
         }
-        return snapshotWith(0, ORVCompactionStatusValid, {}, ORVContextStatusWaiting);
+        return snapshotWith(0, kValid, {});
     }
     std::map<std::string, std::string> threadTitles() override { return {}; }
 };
 
-/// A log folder of one file whose content is given; a second folder in it may be unreadable.
-class OneLog final : public ORVFiles {
-public:
-    std::string content;
-    bool walkFails = false;
-
-    bool walk(const std::string&, const NameTest&, const FileVisitor& visit,
-              const ErrorHandler& failed) override {
-        visit({"/logs/main.log", {}});
-        if (walkFails) {
-            failed({"posix", 13, ""});
-        }
-        return true;
-    }
-    std::optional<ORVFileAttributes> attributesOfItem(const std::string&, ORVErrorSlot*) override {
-        return ORVFileAttributes{content.size(), 1, ORVFileDate{}};
-    }
-    std::optional<ORVFileDate> contentModificationDate(const std::string&) override { return {}; }
-    bool itemExists(const std::string&) override { return false; }
-    std::unique_ptr<ORVOpenFile> openForReading(const std::string& path, ORVErrorSlot*) override {
-        return path == "/logs/main.log" ? std::make_unique<Content>(content) : nullptr;
-    }
-
-private:
-    class Content final : public ORVOpenFile {
-    public:
-        explicit Content(const std::string& content) : content_(content) {}
-        std::optional<std::size_t> readAt(std::uint64_t offset, char* buffer, std::size_t capacity,
-                                          ORVErrorSlot*) override {
-            return content_.copy(buffer, capacity, offset);
-        }
-
-    private:
-        const std::string& content_;
-    };
-};
-
 TEST(RefreshStepTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
-    const std::string task = "01a20e72-983b-7e83-81c7-e87b7b63d181";
-    const std::string activity =
-        " thread_stream_view_activity_changed active=true rendererWindowAppearance=primary "
-        "rendererWindowFocused=true conversationId=";
-    OneLog files;
-    ORVCodexFocusLogSource focusSource(files, "/logs", "/Info.plist");
+    MemoryFiles disk;
+    ORVCodexFocusLogSource focusSource(disk, "/logs", "/Info.plist");
     RecordingSource source;
-    files.walkFails = true;
-    ORVRefreshResults results = app::refreshFromFiles(focusSource, source);
-    EXPECT_EQ(ORVCodexFocusStatusNoFocusRecord, results.focusState.status());
+    const auto refresh = [&](int failingCall) {
+        source.asked.clear();
+        disk.failingCall = failingCall == 0 ? 0 : disk.calls + failingCall;
+        return app::refreshFromFiles(focusSource, source);
+    };
+    constexpr int kAttributesOfTheLog = 3;  // After the property list and the walk.
+    ORVRefreshResults results = refresh(0);
+    EXPECT_EQ(ORVCodexFocusStatusLogsUnavailable, results.focusState.status());
     EXPECT_EQ("", source.asked);
-    EXPECT_EQ(13, results.error->code);
+    EXPECT_EQ(ENOENT, results.error->code);
 
-    files.content = "1" + activity + task + "\n";
-    results = app::refreshFromFiles(focusSource, source);
-    EXPECT_EQ(task, source.asked);
+    disk.append("/logs/main.log", records::log("1 activity TASK"));
+    results = refresh(0);
+    EXPECT_EQ(records::kTask, source.asked);
     EXPECT_TRUE(results.snapshot);
-    EXPECT_EQ(13, results.error->code) << "the focus source's error stands beside a snapshot";
+    EXPECT_FALSE(results.error);
+    results = refresh(kAttributesOfTheLog);
+    EXPECT_TRUE(results.snapshot);
+    EXPECT_EQ(EIO, results.error->code) << "the focus source's error stands beside a snapshot";
     source.fails = true;
-    results = app::refreshFromFiles(focusSource, source);
+    results = refresh(kAttributesOfTheLog);
     EXPECT_FALSE(results.snapshot);
-    EXPECT_EQ(13, results.error->code) << "and before a missing task";
-    files.walkFails = false;
-    results = app::refreshFromFiles(focusSource, source);
-    EXPECT_EQ(2, results.error->code);
+    EXPECT_EQ(EIO, results.error->code) << "and before a missing task";
+    EXPECT_EQ(2, refresh(0).error->code);
 
-    source.asked.clear();
-    files.content += "2" + activity + "client-new-thread:1\n";
-    results = app::refreshFromFiles(focusSource, source);
+    disk.append("/logs/main.log", records::log("2 activity client-new-thread:1"));
+    results = refresh(0);
     EXPECT_EQ("", source.asked);
     EXPECT_FALSE(results.snapshot);
     EXPECT_FALSE(results.error);
