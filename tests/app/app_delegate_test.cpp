@@ -131,6 +131,10 @@ TEST_F(AppDelegateTest, OneRefreshAtATimeEveryTwoSeconds) {
     EXPECT_EQ("C– · --%  Current task data is temporarily unavailable", app->statusLine());
     EXPECT_EQ("Brimlet, C– · --%, Current task data is temporarily unavailable",
               app->spokenStatus());
+    openTask();
+    around.loop.advance(milliseconds(2'000));
+    finishRefresh();
+    EXPECT_EQ(kTaskLines, lines()) << "and nothing of its absence";
 }
 
 TEST_F(AppDelegateTest, WhyThereIsNoTask) {

@@ -64,6 +64,10 @@ const LogCase kLogCases[] = {
      "1 thread_stream_view_activity_changed isactive=false active=true "
      "rendererWindowAppearance=primary rendererWindowFocused=true conversationId=TASK",
      "3"},
+    {"a field's name in other words",
+     "1 thread_stream_view_activity_changed is active for conversationId active=true "
+     "rendererWindowAppearance=primary rendererWindowFocused=true conversationId=TASK",
+     kInTask},
     {"activity of a secondary window", "1 activity TASK Appearance=hud", "3"},
     {"activity without the focus", "1 activity TASK Focused=false", "3"},
     {"activity without an appearance", "1 activity TASK Appearance=", "4"},
@@ -170,6 +174,14 @@ TEST_F(FocusTest, ErrorsAreToldBesideTheState) {
         wasUntouched = disk.calls < disk.failingCall;
         EXPECT_EQ(call > 1 && !wasUntouched, error.has_value())
             << "every failure but the property list's is told, call " << call;
+    }
+    constexpr int kWalk = 2;
+    constexpr int kAttributes = 3;
+    for (const int call : {kWalk, kAttributes}) {
+        error = ORVError{"posix", EACCES, "from elsewhere"};
+        disk.failingCall = disk.calls + call;
+        (void)source.currentFocusStateWithError(&error);
+        EXPECT_EQ(call == kWalk ? EACCES : EIO, error->code) << "a file's error replaces others";
     }
 }
 

@@ -48,6 +48,7 @@ const RecordCase kRecordCases[] = {
     {"no tokens after a compaction", kW1 + tokenCount("0"), "C1 · --%"},
     {"no tokens after a figure", kUsed + tokenCount("0"), "C0 · 47%", 0},
     {"after an incompatible one", kUsed + tokenCount("null") + tokenCount("0"), "C0 · --%", 2},
+    {"after nothing else", tokenCount("null") + tokenCount("0"), "C0 · --%", 1},
     {"no info", kUsed + usage(R"("info":null)"), "C0 · --%", 2},
     {"figure after no info", usage(R"("info":null)") + kUsed, "C0 · 47%", 0},
     {"window in the payload", usage(R"("model_context_window":272000,"info":{)" + kInput + "}"),

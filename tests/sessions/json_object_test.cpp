@@ -42,7 +42,7 @@ const char* const kAccepted = R"({}
 {"":{"":[]},"a":"\u00e9\ud83d\ude80\/\b","b":[true,false,null]}
 {"a":-0,"b":0.0e-0,"c":1E+2,"d":1e-999,"e":-1e99999999999}
 {"a":1e999,"b":"1e999\"","c":[1e999,2]}
-{"a":"1e999"})";
+{"a":"1e999","b":0.5e999,"c":0e999})";
 
 const char* const kRefused = R"(
 {
