@@ -28,12 +28,12 @@ void fill(MemoryFiles& disk) {
     disk.write("/h/Library/Logs/com.openai.codex/a.log", records::log("1 activity TASK"));
 }
 
-void expectLinesOfJSON(const std::string& output, std::ptrdiff_t count) {
+void expectLinesOfJSON(const std::string& output, std::size_t count) {
     simdjson::dom::parser parser;
-    fuzz::expect("every line is answered", std::count(output.begin(), output.end(), '\n') == count);
-    for (std::size_t start = 0, end = 0; start < output.size(); start = end + 1) {
-        end = output.find('\n', start);
-        fuzz::expect(output, parser.parse(output.substr(start, end - start)).is_object());
+    const std::vector<std::string> lines = fuzz::lines(output);
+    fuzz::expect("every line is answered", lines.size() == count + 1 && lines.back().empty());
+    for (std::size_t i = 0; i < count; ++i) {
+        fuzz::expect(lines[i], parser.parse(lines[i]).is_object());
     }
 }
 
@@ -56,7 +56,7 @@ std::string answersTo(std::string queries) {
 }
 
 /// What the status item looks like after each command that a reader of commands hands over.
-std::string shownAfter(const std::string& commands, std::ptrdiff_t count) {
+std::string shownAfter(const std::string& commands, std::size_t count) {
     int ends[2];
     fuzz::expect("there are descriptors left", pipe(ends) == 0);
     const ssize_t written = write(ends[1], commands.data(), commands.size());
@@ -87,12 +87,12 @@ std::string shownAfter(const std::string& commands, std::ptrdiff_t count) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    constexpr std::size_t kLimitLines = 32;
     const std::string input = fuzz::text(data, size);
-    const std::ptrdiff_t lines =
-        std::count(input.begin(), input.end(), '\n') + (input.ends_with('\n') ? 0 : 1);
-    if (!input.empty() && lines <= 32) {
-        expectLinesOfJSON(answersTo(input), lines);
-        expectLinesOfJSON(shownAfter(input, lines), lines);
+    const std::size_t count = fuzz::lines(input).size() - (input.ends_with('\n') ? 1 : 0);
+    if (!input.empty() && count <= kLimitLines) {
+        expectLinesOfJSON(answersTo(input), count);
+        expectLinesOfJSON(shownAfter(input, count), count);
     }
     return 0;
 }

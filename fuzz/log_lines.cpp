@@ -9,16 +9,14 @@
 namespace {
 
 /// The current event and all windows after these lines, each of which stands there so many times.
-std::string meaning(const std::string& lines, int times, const std::string& ending) {
+std::string meaning(const std::vector<std::string>& lines, int times, const std::string& ending) {
     MemoryFiles disk;
     disk.write("/logs/empty.log", "");  // Without a log there is no answer.
     ORVCodexFocusLogSource source(disk, "/logs", "/Info.plist");
     ORVFocusLogFileState file;
-    for (std::size_t start = 0, end = 0; start < lines.size(); start = end + 1) {
-        end = std::min(lines.find('\n', start), lines.size());
-        const std::string line = lines.substr(start, end - start) + ending;
+    for (const std::string& line : lines) {
         for (int i = 0; i < times; ++i) {
-            source.consumeLineData(line, file);
+            source.consumeLineData(line + ending, file);
         }
     }
     const ORVCodexFocusState state = source.currentFocusStateWithError(nullptr);
@@ -27,10 +25,8 @@ std::string meaning(const std::string& lines, int times, const std::string& endi
         fuzz::expect("windows have names", !webContentsID.empty() && !window.windowID.empty());
         text += ' ' + webContentsID + '/' + window.windowID;
         if (const auto event = window.routeEvent) {
-            fuzz::expect(
-                "an event says one thing",
-                event->threadID.has_value() + event->waitingForThread + event->incompatibleFormat ==
-                    1);
+            const int said = event->waitingForThread + event->incompatibleFormat;
+            fuzz::expect("an event says one thing", said + event->threadID.has_value() == 1);
             text += event->timestamp + event->threadID.value_or("");
         }
     }
@@ -40,9 +36,9 @@ std::string meaning(const std::string& lines, int times, const std::string& endi
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string lines = fuzz::text(data, size);
-    const std::string expected = meaning(lines, 1, "");
-    fuzz::expectEqual("a line twice says nothing else", expected, meaning(lines, 2, ""));
-    fuzz::expectEqual("nor does one with more in it", expected, meaning(lines, 1, "\tunknown=1"));
+    const std::vector<std::string> lines = fuzz::lines(fuzz::text(data, size));
+    const std::string once = meaning(lines, 1, "");
+    fuzz::expectEqual("a line twice says nothing else", once, meaning(lines, 2, ""));
+    fuzz::expectEqual("nor does one with more in it", once, meaning(lines, 1, "\tunknown=1"));
     return 0;
 }

@@ -37,15 +37,16 @@ constexpr Fault kFaults[] = {
 
 class Play {
 public:
-    explicit Play(fuzz::Choices& choices) : choices_(choices) {}
+    explicit Play(std::string choices) : choices_(std::move(choices)) {}
+
+    bool choicesAreLeft() const { return next_ < choices_.size(); }
 
     void step() {
-        path_ = choices_.below(4) == 0 ? choices_.pick(kFiles) : path_;
+        path_ = below(4) == 0 ? pick(kFiles) : path_;
         const std::string content = contentOf(path_);
         // What is begun by half a line would begin with a time that is none.
-        const std::size_t lineStart =
-            content.rfind('\n', choices_.below(256) * content.size() / 256) + 1;
-        switch (choices_.below(16)) {
+        const std::size_t lineStart = content.rfind('\n', below(256) * content.size() / 256) + 1;
+        switch (below(16)) {
             case 0:
                 disk_.failingCall = 0;
                 settle();
@@ -59,23 +60,24 @@ public:
             case 3:
                 return rename();
             case 4:
+                unwritten_.erase(path_);
                 return disk_.remove(path_);
             case 5:
                 return disk_.append("/codex/session_index.jsonl",
-                                    records::title(choices_.pick(Reader::kTasks), "name"));
+                                    records::title(pick(Reader::kTasks), "name"));
             case 6:
                 if (disk_.items().contains(path_)) {
-                    disk_.setDate(path_, static_cast<std::int64_t>(choices_.below(3)));
+                    disk_.setDate(path_, static_cast<std::int64_t>(below(3)));
                 }
                 return;
             case 7:
-                clock_.time += std::chrono::seconds(choices_.below(2) == 0 ? 5 : -7);
+                clock_.time += std::chrono::seconds(below(2) == 0 ? 5 : -7);
                 latest_ = std::max(latest_, clock_.time);
                 return;
             case 8:
             case 9:
-                disk_.fault = choices_.pick(kFaults);
-                disk_.failingCall = disk_.calls + 1 + static_cast<int>(choices_.below(64));
+                disk_.fault = pick(kFaults);
+                disk_.failingCall = disk_.calls + 1 + static_cast<int>(below(64));
                 return;
             case 10:
                 return settle();
@@ -92,10 +94,10 @@ public:
         clock_.time = latest_ += std::chrono::seconds(10);  // A search is kept so long.
         disk_.append("/codex/session_index.jsonl", "\n");
         std::string story = "activity TASK";
-        for (std::size_t i = choices_.below(4) + 1; i > 0; --i) {
+        for (std::size_t i = below(4) + 1; i > 0; --i) {
             const std::string time = 'A' + std::to_string(1'000'000 + ++lines_) + ' ';
-            disk_.append(choices_.pick(kLogs), '\n' + records::log(time + story));
-            story = choices_.pick(kStories);
+            disk_.append(pick(kLogs), '\n' + records::log(time + story));
+            story = pick(kStories);
         }
         unwritten_.clear();
         fuzz::expectEqual("who followed says what a fresh reader says",
@@ -103,6 +105,16 @@ public:
     }
 
 private:
+    /// From 0 to bound - 1; the bound is at most 256.
+    std::size_t below(std::size_t bound) {
+        return choicesAreLeft() ? static_cast<unsigned char>(choices_[next_++]) % bound : 0;
+    }
+
+    template <typename T, std::size_t Count>
+    const T& pick(const T (&table)[Count]) {
+        return table[below(Count)];
+    }
+
     std::string contentOf(const std::string& path) const {
         const auto found = disk_.items().find(path);
         return found == disk_.items().end() ? "" : found->second.content;
@@ -110,10 +122,10 @@ private:
 
     std::string lines() {
         std::string text;
-        for (std::size_t i = choices_.below(4) + 1; i > 0; --i) {
-            text += path_.starts_with("/logs") ? records::log(std::to_string(choices_.below(9)) +
-                                                              ' ' + choices_.pick(kStories))
-                                               : choices_.pick(kRecords);
+        for (std::size_t i = below(4) + 1; i > 0; --i) {
+            text += path_.starts_with("/logs")
+                        ? records::log(std::to_string(below(9)) + ' ' + pick(kStories))
+                        : pick(kRecords);
         }
         return text;
     }
@@ -122,7 +134,7 @@ private:
     void extend() {
         std::string& rest = unwritten_[path_];
         rest += rest.empty() ? lines() : "";
-        const std::size_t length = choices_.below(2) == 0 ? rest.size() : choices_.below(200);
+        const std::size_t length = below(2) == 0 ? rest.size() : below(200);
         disk_.append(path_, rest.substr(0, length));
         rest.erase(0, length);
     }
@@ -149,7 +161,8 @@ private:
         path_ = path;
     }
 
-    fuzz::Choices& choices_;
+    const std::string choices_;  ///< Each byte decides something.
+    std::size_t next_ = 0;
     MemoryFiles disk_;
     ManualClock clock_;
     ManualClock::TimePoint latest_ = clock_.time;
@@ -163,9 +176,8 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr int kLimitSteps = 100;
-    fuzz::Choices choices(fuzz::text(data, size));
-    Play play(choices);
-    for (int i = 0; i < kLimitSteps && choices.areLeft(); ++i) {
+    Play play(fuzz::text(data, size));
+    for (int i = 0; i < kLimitSteps && play.choicesAreLeft(); ++i) {
         play.step();
     }
     play.settle();

@@ -26,11 +26,9 @@ std::string titlesIn(const std::string& index, std::size_t bytesPerRead) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string index = fuzz::text(data, size);
-    const std::string titles = titlesIn(index, index.size());
+    const std::string titles = titlesIn(index, size);
     fuzz::expectEqual("reads may be short", titles, titlesIn(index, 1 + size % 97));
-    fuzz::expectEqual("the last title counts", titles,
-                      titlesIn(index + '\n' + index, index.size()));
-    fuzz::expectEqual("line ends are all alike", titles,
-                      titlesIn(index + "\r\n\u2028", index.size()));
+    fuzz::expectEqual("the last title counts", titles, titlesIn(index + '\n' + index, 9'999));
+    fuzz::expectEqual("an empty line is none", titles, titlesIn(index + "\r\n\u2028", 9'999));
     return 0;
 }

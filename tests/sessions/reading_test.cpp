@@ -12,7 +12,7 @@ TEST_F(SessionReaderTest, ReadsOnlyCompleteLinesAndEachOnce) {
     disk.append(file, compacted("w1") + "\n\r\n" + tokenCount("1000"));
     EXPECT_EQ("C1 · 0%", title());
     const std::string next = records::contextCompacted("") + tokenCount("136000");
-    disk.append(file, std::string_view(next).substr(0, next.size() - 1));
+    disk.append(file, next.substr(0, next.size() - 1));
     EXPECT_EQ("C2 · --%", title());
     EXPECT_EQ("C2 · --%", title());
     disk.append(file, "\n");
@@ -71,7 +71,7 @@ TEST_F(SessionReaderTest, EveryCutGivesTheSameFigures) {
         disk.bytesPerRead = cut % 5 == 0 ? 1 : whole.size();
         disk.replace(fileOf(kTask), whole.substr(0, cut));
         title();
-        disk.append(fileOf(kTask), std::string_view(whole).substr(cut));
+        disk.append(fileOf(kTask), whole.substr(cut));
         ASSERT_EQ("C2 · 50%", title()) << "cut after byte " << cut;
     }
 }

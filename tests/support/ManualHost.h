@@ -1,9 +1,10 @@
 #pragma once
 
-#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "app/ORVAppHost.h"
 #include "tests/support/ManualClock.h"
@@ -19,23 +20,18 @@ public:
     MemoryDefaults defaults;
     ManualRunLoop loop;
     MemoryFiles disk;
-    std::deque<std::function<void()>> dispatched;
+    std::vector<std::function<void()>> dispatched;
 
     /// Lets what was dispatched run and its results arrive.
     void runDispatched() {
-        while (!dispatched.empty()) {
-            dispatched.front()();
-            dispatched.pop_front();
+        for (const auto& closure : std::exchange(dispatched, {})) {
+            closure();
         }
         loop.runPosted();
     }
 
-    ORVUserDefaults& standardUserDefaults() override {
-        notes += "defaults ";
-        return defaults;
-    }
-    std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) override {
-        notes += label.substr(label.rfind('.') + 1) + " ";
+    ORVUserDefaults& standardUserDefaults() override { return defaults; }
+    std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string&) override {
         return std::make_unique<Queue>(*this);
     }
     ORVRunLoop& runLoop() override { return loop; }
@@ -44,16 +40,13 @@ public:
     void terminate() override { notes += "terminate "; }
 
 private:
-    class Queue final : public ORVSerialQueue {
-    public:
-        explicit Queue(ManualHost& owner) : owner_(owner) {}
+    struct Queue final : ORVSerialQueue {
+        explicit Queue(ManualHost& host) : host_(host) {}
         void dispatch(std::function<void()> closure) override {
-            owner_.notes += owner_.loop.timersMade == 0 ? "dispatch-before-timer " : "dispatch ";
-            owner_.dispatched.push_back(std::move(closure));
+            host_.notes += host_.loop.timersMade == 0 ? "dispatch-before-timer " : "dispatch ";
+            host_.dispatched.push_back(std::move(closure));
         }
-
-    private:
-        ManualHost& owner_;
+        ManualHost& host_;
     };
 
     ManualClock clock_;

@@ -9,44 +9,33 @@
 
 class MemoryFiles::OpenFile final : public ORVOpenFile {
 public:
-    OpenFile(MemoryFiles& owner, const Item& item, bool isFollowed)
-        : owner_(owner), item_(item), isFollowed_(isFollowed) {}
+    OpenFile(MemoryFiles& disk, const std::string& path) : disk_(disk), path_(path) {}
 
     std::optional<std::size_t> readAt(std::uint64_t offset, char* buffer, std::size_t capacity,
                                       ORVErrorSlot* error) override {
-        ++owner_.calls;
-        if (owner_.fails(&item_, error)) {
+        const Item* item = disk_.beginCall(path_, error);
+        if (!item || item->isFolder) {
+            storeErrorIfEmpty(error, platform::posixError(EISDIR));
             return std::nullopt;
         }
-        if (item_.isFolder) {
-            storeError(error, platform::posixError(EISDIR));
-            return std::nullopt;
-        }
-        if (offset >= item_.content.size() || (isFollowed_ && owner_.happens(Fault::earlyEnd))) {
+        // What is read whole gets another date when it gets another end.
+        const bool isFollowed =
+            !path_.ends_with("session_index.jsonl") && !path_.ends_with(".plist");
+        if (offset >= item->content.size() || (isFollowed && disk_.happens(Fault::earlyEnd))) {
             return 0;
         }
-        const bool isShort = owner_.happens(Fault::shortRead);
-        return item_.content.copy(buffer, isShort ? 1 : std::min(capacity, owner_.bytesPerRead),
-                                  offset);
+        const std::size_t most = disk_.happens(Fault::shortRead) ? 1 : disk_.bytesPerRead;
+        return item->content.copy(buffer, std::min(capacity, most), offset);
     }
 
 private:
-    MemoryFiles& owner_;
-    const Item& item_;
-    const bool isFollowed_;
+    MemoryFiles& disk_;
+    const std::string path_;
 };
-
-const MemoryFiles::Item* MemoryFiles::find(const std::string& path) const {
-    const auto found = items_.find(path);
-    return found == items_.end() ? nullptr : &found->second;
-}
 
 MemoryFiles::Item& MemoryFiles::make(const std::string& path) {
     touchFolderOf(path);
-    Item& item = items_[path];
-    item.number = ++lastNumber_;
-    item.modifiedAt = now_;
-    return item;
+    return items_[path] = Item{false, "", ++lastNumber_, now_};
 }
 
 void MemoryFiles::touchFolderOf(const std::string& path) {
@@ -58,33 +47,30 @@ void MemoryFiles::touchFolderOf(const std::string& path) {
 }
 
 void MemoryFiles::makeFolder(const std::string& path) {
-    if (!find(path)) {
+    if (!items_.contains(path)) {
         make(path).isFolder = true;
     }
 }
 
 void MemoryFiles::write(const std::string& path, std::string content) {
+    Item& item = items_.contains(path) ? items_[path] : make(path);
     ++now_.nanoseconds;
-    Item& item = find(path) ? items_[path] : make(path);
     item.content = std::move(content);
     item.modifiedAt = now_;
 }
 
-void MemoryFiles::append(const std::string& path, std::string_view content) {
-    const Item* item = find(path);
-    write(path, (item ? item->content : "") + std::string(content));
+void MemoryFiles::append(const std::string& path, const std::string& content) {
+    write(path, items_.contains(path) ? items_[path].content + content : content);
 }
 
 void MemoryFiles::replace(const std::string& path, std::string content) {
-    items_.erase(path);
     make(path).content = std::move(content);
 }
 
 void MemoryFiles::rename(const std::string& from, const std::string& to) {
-    Item item = items_[from];
+    const Item item = items_[from];
     remove(from);
-    touchFolderOf(to);
-    items_[to] = std::move(item);
+    make(to) = item;
 }
 
 void MemoryFiles::remove(const std::string& path) {
@@ -105,27 +91,26 @@ bool MemoryFiles::happens(Fault kind) {
     return isNow;
 }
 
-/// Whether the call under way fails, with an error.
-bool MemoryFiles::fails(const Item* item, ORVErrorSlot* error) {
+/// Counts the call; null, with an error, where it fails or nothing stands at the path.
+const MemoryFiles::Item* MemoryFiles::beginCall(const std::string& path, ORVErrorSlot* error) {
+    ++calls;
+    const auto found = items_.find(path);
     const bool isFault = happens(Fault::error);
-    if (isFault || !item) {
+    if (isFault || found == items_.end()) {
         storeError(error, platform::posixError(isFault ? EIO : ENOENT));
+        return nullptr;
     }
-    return isFault || !item;
+    return &found->second;
 }
 
 bool MemoryFiles::walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
                        const ErrorHandler& failed) {
-    ++calls;
-    const Item* start = find(root);
     ORVErrorSlot error;
-    if (fails(start && start->isFolder ? start : nullptr, &error)) {
-        failed(std::move(*error));
-        return false;
-    }
-    if (happens(Fault::unseenFolder)) {
-        failed(platform::posixError(EACCES));
-        return true;
+    const Item* start = beginCall(root, &error);
+    const bool isUnseen = happens(Fault::unseenFolder);
+    if (!start || !start->isFolder || isUnseen) {
+        failed(error.value_or(platform::posixError(isUnseen ? EACCES : ENOTDIR)));
+        return isUnseen;
     }
     std::set<std::string> entered = {root};
     for (const auto& [path, item] : items_) {
@@ -145,47 +130,37 @@ bool MemoryFiles::walk(const std::string& root, const NameTest& wanted, const Fi
 std::optional<ORVFileAttributes> MemoryFiles::attributesOfItem(const std::string& path,
                                                                ORVErrorSlot* error) {
     constexpr std::uint64_t kFolderBytes = 4096;
-    ++calls;
-    const Item* item = find(path);
-    if (fails(item, error)) {
+    const Item* item = beginCall(path, error);
+    if (!item) {
         return std::nullopt;
     }
     std::uint64_t size = item->isFolder ? kFolderBytes : item->content.size() + extraSize;
-    size += happens(Fault::largerSize) ? 100 : 0;
-    size /= happens(Fault::smallerSize) ? 2 : 1;
-    ORVFileAttributes attributes{size, item->number, item->modifiedAt};
-    if (happens(Fault::noSize)) {
-        attributes.size.reset();
+    size = (happens(Fault::largerSize) ? size + 100 : size) / (happens(Fault::smallerSize) ? 2 : 1);
+    ORVFileAttributes attributes;
+    if (!happens(Fault::noSize)) {
+        attributes.size = size;
     }
-    if (happens(Fault::noDate)) {
-        attributes.modifiedAt.reset();
+    if (!happens(Fault::noDate)) {
+        attributes.modifiedAt = item->modifiedAt;
     }
-    if (happens(Fault::noFileNumber) || !givesFileNumbers) {
-        attributes.fileNumber.reset();
+    if (!happens(Fault::noFileNumber) && givesFileNumbers) {
+        attributes.fileNumber = item->number;
     }
     return attributes;
 }
 
 std::optional<ORVFileDate> MemoryFiles::contentModificationDate(const std::string& path) {
-    ++calls;
-    const Item* item = find(path);
-    return fails(item, nullptr) ? std::nullopt : std::optional(item->modifiedAt);
+    const Item* item = beginCall(path, nullptr);
+    return item ? std::optional(item->modifiedAt) : std::nullopt;
 }
 
 bool MemoryFiles::itemExists(const std::string& path) {
-    ++calls;
-    return !fails(find(path), nullptr);
+    return beginCall(path, nullptr) != nullptr;
 }
 
 std::unique_ptr<ORVOpenFile> MemoryFiles::openForReading(const std::string& path,
                                                          ORVErrorSlot* error) {
-    ++calls;
-    const Item* item = find(path);
-    if (fails(item, error)) {
-        return nullptr;
-    }
-    ++opened;
-    // What is read whole gets another date when it gets another end.
-    const bool isFollowed = !path.ends_with("session_index.jsonl") && !path.ends_with(".plist");
-    return std::make_unique<OpenFile>(*this, *item, isFollowed);
+    const Item* item = beginCall(path, error);
+    opened += item ? 1 : 0;
+    return item ? std::make_unique<OpenFile>(*this, path) : nullptr;
 }

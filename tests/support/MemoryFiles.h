@@ -6,14 +6,12 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "platform/files.h"
 
-/// A disk in memory that does on demand what a disk does not: a call fails, a read comes short, a
-/// size is not what can be read. Counts the calls, so that a test can let each of them go wrong.
-///
-/// Paths are absolute and without "." and "..". Walks meet items in the order of their paths.
+/// A disk in memory that does on demand what a disk does not. Counts the calls, so that a test can
+/// let each of them go wrong. Paths are absolute and without "." and ".."; walks meet items in the
+/// order of their paths.
 class MemoryFiles final : public ORVFiles {
 public:
     struct Item {
@@ -28,7 +26,7 @@ public:
 
     void makeFolder(const std::string& path);
     void write(const std::string& path, std::string content);  ///< In the same file.
-    void append(const std::string& path, std::string_view content);
+    void append(const std::string& path, const std::string& content);
     void replace(const std::string& path, std::string content);  ///< By another file.
     void rename(const std::string& from, const std::string& to);
     void remove(const std::string& path);  ///< With what is in it.
@@ -72,10 +70,9 @@ public:
 private:
     class OpenFile;
     Item& make(const std::string& path);
-    const Item* find(const std::string& path) const;
     void touchFolderOf(const std::string& path);
     bool happens(Fault kind);
-    bool fails(const Item* item, ORVErrorSlot* error);
+    const Item* beginCall(const std::string& path, ORVErrorSlot* error);
 
     std::map<std::string, Item> items_;
     ORVFileDate now_{1'000'000'000, 0};
