@@ -134,7 +134,8 @@ private:
     void extend() {
         std::string& rest = unwritten_[path_];
         rest += rest.empty() ? lines() : "";
-        const std::size_t length = below(2) == 0 ? rest.size() : below(200);
+        const std::size_t lengths[] = {rest.size(), rest.size(), rest.size() - 1, below(200)};
+        const std::size_t length = pick(lengths);
         disk_.append(path_, rest.substr(0, length));
         rest.erase(0, length);
     }

@@ -43,15 +43,6 @@ TEST_F(SessionReaderTest, WithoutFileNumbersALongerFileIsTakenForTheSame) {
     EXPECT_EQ("C2 · --%", title()) << "read on behind the old end";
 }
 
-TEST_F(SessionReaderTest, FileShorterThanItsAttributesSayIsReadAndTriedAgain) {
-    disk.append(fileOf(kTask), compacted("w1"));
-    disk.extraSize = 1'000'000;
-    EXPECT_EQ("C1 · --%", title());
-    EXPECT_FALSE(error);
-    disk.append(fileOf(kTask), compacted("w2"));
-    EXPECT_EQ("C2 · --%", title());
-}
-
 TEST_F(SessionReaderTest, AFolderInAFilesPlaceIsAnError) {
     disk.append(fileOf(kTask), compacted("w1"));
     disk.setDate("/codex/sessions/24", 1'000);

@@ -134,7 +134,7 @@ std::optional<ORVFileAttributes> MemoryFiles::attributesOfItem(const std::string
     if (!item) {
         return std::nullopt;
     }
-    std::uint64_t size = item->isFolder ? kFolderBytes : item->content.size() + extraSize;
+    std::uint64_t size = item->isFolder ? kFolderBytes : item->content.size();
     size = (happens(Fault::largerSize) ? size + 100 : size) / (happens(Fault::smallerSize) ? 2 : 1);
     ORVFileAttributes attributes;
     if (!happens(Fault::noSize)) {

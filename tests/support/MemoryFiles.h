@@ -52,7 +52,6 @@ public:
     Fault fault = Fault::error;
     std::size_t bytesPerRead = std::numeric_limits<std::size_t>::max();
     bool givesFileNumbers = true;  ///< Some file systems have none.
-    std::uint64_t extraSize = 0;   ///< Added to the size of every file.
 
     int calls = 0;
     int faults = 0;  ///< That happened: not every fault can happen to every call.

@@ -1,9 +1,7 @@
-// Everything that can go wrong with a call to the file system, at every call of a refresh: the next
-// refresh, with nothing wrong, must say what it would have said anyway.
+#include "app/refresh_step.h"
 
 #include <gtest/gtest.h>
 
-#include "app/refresh_step.h"
 #include "ctl/answers.h"
 #include "sessions/ORVCodexSessionSource.h"
 #include "tests/support/ManualClock.h"
@@ -76,7 +74,8 @@ constexpr Case kCases[] = {
     {Fault::smallerSize, true},   {Fault::noSize, true},       {Fault::noDate, true},
     {Fault::noFileNumber, false}, {Fault::shortRead, false},   {Fault::earlyEnd, true}};
 
-/// Lets the fault happen at every call of the first refresh, or of the one after the files changed.
+/// The next refresh, with nothing wrong, must say what it would have said anyway. Lets the fault
+/// happen at every call of the first refresh, or of the one after the files changed.
 void sweep(const Case& c, bool afterChange) {
     const auto prepare = [afterChange](World& world) {
         if (afterChange) {
@@ -106,6 +105,37 @@ void sweep(const Case& c, bool afterChange) {
     }
     EXPECT_GT(faults, 0);
     EXPECT_EQ(c.isSeen, seen > 0);
+}
+
+TEST(RefreshStepTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
+    constexpr int kAttributesOfTheLog = 3;  // After the property list and the walk.
+    constexpr const char* kLog = "/logs/main.log";
+    const std::string file = std::string("/codex/sessions/") + kTask + ".jsonl";
+    MemoryFiles disk;
+    const ManualClock clock;
+    ORVCodexSessionSource sessions(disk, clock, "/codex");
+    ORVCodexFocusLogSource focus(disk, "/logs", "/Info.plist");
+    /// The focus status, the task whose snapshot there is, and the error.
+    const auto refresh = [&](int failingCall) {
+        disk.failingCall = failingCall == 0 ? 0 : disk.calls + failingCall;
+        const ORVRefreshResults results = app::refreshFromFiles(focus, sessions);
+        return std::to_string(results.focusState.status()) +
+               (results.snapshot ? " " + results.snapshot->threadID() : "") +
+               (results.error ? " error " + std::to_string(results.error->code) : "");
+    };
+    const std::string task = kTask;
+    EXPECT_EQ("2 error " + std::to_string(ENOENT), refresh(0));
+    disk.append(kLog, log("1 activity TASK"));
+    disk.append(file, "");
+    EXPECT_EQ("0 " + task, refresh(0));
+    EXPECT_EQ("0 " + task + " error " + std::to_string(EIO), refresh(kAttributesOfTheLog))
+        << "the focus source's error stands beside a snapshot";
+    disk.remove(file);
+    EXPECT_EQ("0 error " + std::to_string(EIO), refresh(kAttributesOfTheLog))
+        << "and before a missing task";
+    EXPECT_EQ("0 error 2", refresh(0));
+    disk.append(kLog, log("2 activity client-new-thread:1"));
+    EXPECT_EQ("1", refresh(0));
 }
 
 TEST(FaultsTest, AnyFaultIsMadeUpForByTheNextRefresh) {
