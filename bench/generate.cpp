@@ -1,13 +1,17 @@
 // Writes data of the shape that the agent and its desktop application write, the same for the same
-// seed: one task's session files, or desktop logs.
+// seed: session files, or desktop logs.
 //
-//     generate sessions|logs FOLDER MEGABYTES SEED
+//     generate sessions FOLDER MEGABYTES SEED [TASKS]
+//     generate logs FOLDER MEGABYTES SEED
 //
-// FOLDER becomes a home folder. Session data: turns of messages, tool calls and their outputs, a
-// token count after each answer, and now and then a compaction, whose record repeats the
-// conversation and is the longest line (up to 2 MB); nearly a fifth of all bytes. Some messages
-// talk about compaction. Logs: 200-byte lines of which one in a hundred is about focus.
+// FOLDER becomes a home folder. Session files, of one task unless told otherwise: a first line of
+// up to 25 KB that tells the folder that the task works in; turns of messages, tool calls and their
+// outputs; a token count after each answer; and now and then a compaction, whose record repeats the
+// conversation and is the longest line (up to 2 MB), nearly a fifth of all bytes. Some messages
+// talk about compaction. With fewer megabytes than that takes, a file has its first line only.
+// Logs: 200-byte lines of which one in a hundred is about focus.
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -17,73 +21,43 @@
 #include <string_view>
 #include <vector>
 
-#include "bench/Random.h"
-
 namespace {
 
-constexpr std::uint64_t kMegabyte = 1'000'000;
-constexpr std::string_view kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
+/// SplitMix64: the standard distributions differ between libraries.
+class Random {
+public:
+    explicit Random(std::uint64_t seed) : state_(seed) {}
+    std::uint64_t next() {
+        std::uint64_t z = state_ += 0x9E3779B97F4A7C15U;
+        z = (z ^ (z >> 30U)) * 0xBF58476D1CE4E5B9U;
+        z = (z ^ (z >> 27U)) * 0x94D049BB133111EBU;
+        return z ^ (z >> 31U);
+    }
+    std::uint64_t below(std::uint64_t limit) { return next() % limit; }
+    std::uint64_t between(std::uint64_t low, std::uint64_t high) {
+        return low + below(high - low + 1);
+    }
+    bool oneIn(std::uint64_t n) { return below(n) == 0; }
+
+private:
+    std::uint64_t state_;
+};
 
 /// Sentences, code and tool output as they stand inside a JSON string.
 class Prose {
 public:
     explicit Prose(Random& random) : random_(random) {
-        static constexpr std::string_view kWords[] = {"the",
-                                                      "a",
-                                                      "file",
-                                                      "function",
-                                                      "returns",
-                                                      "when",
-                                                      "test",
-                                                      "build",
-                                                      "module",
-                                                      "and",
-                                                      "of",
-                                                      "to",
-                                                      "in",
-                                                      "is",
-                                                      "that",
-                                                      "value",
-                                                      "error",
-                                                      "summary",
-                                                      "memory",
-                                                      "machine",
-                                                      "package",
-                                                      "import",
-                                                      "const",
-                                                      "std::string",
-                                                      "number_of_items",
-                                                      "index",
-                                                      "user_input",
-                                                      "implement",
-                                                      "component",
-                                                      "example",
-                                                      "template",
-                                                      "command",
-                                                      "document",
-                                                      "environment",
-                                                      "expected",
-                                                      "function_call",
-                                                      "response",
-                                                      "token",
-                                                      "context",
-                                                      "window",
-                                                      "message",
-                                                      "main.cpp",
-                                                      "src/parser/lexer.ts",
-                                                      "return x;",
-                                                      "if (a < b) {",
-                                                      "}",
-                                                      "->",
-                                                      "0x7f3a",
-                                                      "1284",
-                                                      "line 42",
-                                                      "\\\"quoted\\\"",
-                                                      "path\\\\to",
-                                                      "für",
-                                                      "重构",
-                                                      "–",
-                                                      "…"};
+        // clang-format off
+        static constexpr std::string_view kWords[] = {
+            "the", "a", "file", "function", "returns", "when", "test", "build", "module",
+            "and", "of", "to", "in", "is", "that", "value", "error", "summary", "memory",
+            "machine", "package", "import", "const", "std::string", "number_of_items", "index",
+            "user_input", "implement", "component", "example", "template", "command",
+            "document", "environment", "expected", "function_call", "response", "token",
+            "context", "window", "message", "main.cpp", "src/parser/lexer.ts", "return x;",
+            "if (a < b) {", "}", "->", "0x7f3a", "1284", "line 42", "\\\"quoted\\\"",
+            "path\\\\to", "für", "重构", "–", "…"};
+        // clang-format on
         constexpr std::size_t kPieces = 8192;
         for (std::size_t i = 0; i < kPieces; ++i) {
             std::string piece;
@@ -110,67 +84,91 @@ private:
 };
 
 std::string timestamp(std::uint64_t millisecond) {
-    const std::uint64_t second = millisecond / 1000;
-    const auto twoDigits = [](std::uint64_t n) {
-        return std::string{static_cast<char>('0' + n / 10 % 10), static_cast<char>('0' + n % 10)};
+    const auto digits = [](std::uint64_t n, std::uint64_t beyond) {
+        return std::to_string(beyond + n % beyond).substr(1);
     };
-    return "2026-11-" + twoDigits(1 + second / 86400 % 28) + "T" + twoDigits(second / 3600 % 24) +
-           ":" + twoDigits(second / 60 % 60) + ":" + twoDigits(second % 60) + "." +
-           std::to_string(1000 + millisecond % 1000).substr(1) + "Z";
+    const std::uint64_t second = millisecond / 1000;
+    return "2026-11-" + digits(1 + second / 86400 % 28, 100) + 'T' +
+           digits(second / 3600 % 24, 100) + ':' + digits(second / 60 % 60, 100) + ':' +
+           digits(second % 60, 100) + '.' + digits(millisecond, 1000) + 'Z';
 }
 
-/// A stream of lines into files of a limited size.
+std::string threadID(std::uint64_t task) {
+    return "01a20e72-983b-7e83-81c7-" + std::to_string(100'000'000'000 + task);
+}
+
+/// Lines of one kind of file, into files of a limited size.
 class Lines {
 public:
-    Lines(std::filesystem::path folder, std::string prefix, std::string suffix)
-        : folder_(std::move(folder)), prefix_(std::move(prefix)), suffix_(std::move(suffix)) {
-        std::filesystem::create_directories(folder_);
-    }
+    explicit Lines(std::string path) : path_(std::move(path)) {}
+
     void write(const std::string& line) {
-        constexpr std::uint64_t kFileBytes = 128 * kMegabyte;
-        if (!file_.is_open() || fileBytes_ > kFileBytes) {
+        constexpr std::uint64_t kFileBytes = 128'000'000;
+        if (!file_.is_open() || bytes_ > kFileBytes * files_) {
+            const std::string path = path_ + std::to_string(10 + files_++) + suffix;
+            std::filesystem::create_directories(std::filesystem::path(path).parent_path());
             file_.close();
-            file_.open(folder_ / (prefix_ + std::to_string(10 + files_++) + suffix_));
-            fileBytes_ = 0;
+            file_.open(path);
         }
         file_ << line << '\n';
-        fileBytes_ += line.size() + 1;
         bytes_ += line.size() + 1;
     }
     std::uint64_t bytes() const { return bytes_; }
 
+    std::string suffix = ".log";
+
 private:
-    std::filesystem::path folder_;
-    std::string prefix_;
-    std::string suffix_;
+    const std::string path_;
     std::ofstream file_;
     std::uint64_t files_ = 0;
-    std::uint64_t fileBytes_ = 0;
     std::uint64_t bytes_ = 0;
 };
 
+/// The session files of one task.
 class SessionWriter {
 public:
-    SessionWriter(const std::string& home, Random& random)
-        : random_(random),
-          prose_(random),
-          lines_(home + "/.codex/sessions/2026/11/24", "rollout-2026-11-24T16-45-",
-                 "-" + std::string(kTask) + ".jsonl") {}
+    SessionWriter(const std::string& home, std::uint64_t task, Random& random, Prose& prose)
+        : home_(home),
+          task_(task),
+          random_(random),
+          prose_(prose),
+          lines_(home + "/.codex/sessions/2026/" + day() + "/rollout-2026-11-24T16-45-") {
+        lines_.suffix = '-' + threadID(task) + ".jsonl";
+    }
 
     void write(std::uint64_t bytes) {
+        firstLine();
         while (lines_.bytes() < bytes) {
             turn();
             if (compactedBytes_ * 100 < lines_.bytes() * 18) {
-                compaction();
+                compaction(bytes / 4);
             }
         }
     }
 
 private:
+    /// "11/24": twenty tasks a day.
+    std::string day() const {
+        const std::uint64_t day = task_ / 20;
+        return std::to_string(10 + day / 28) + '/' + std::to_string(10 + day % 28);
+    }
+
     std::string begin(std::string_view type) {
         return R"({"timestamp":")" + timestamp(clock_ += random_.between(3, 900)) +
                R"(","ordinal":)" + std::to_string(ordinal_++) + R"(,"type":")" + std::string(type) +
                R"(","payload":{)";
+    }
+
+    /// The folder stands before the instructions or behind them.
+    void firstLine() {
+        const std::string folder =
+            R"("cwd":")" + home_ + "/work/project-" + std::to_string(task_ % 50) + "\",";
+        std::string instructions = R"("instructions":")";
+        prose_.append(instructions, random_.between(0, 24'000));
+        instructions += "\",";
+        const std::string both = task_ % 3 == 0 ? folder + instructions : instructions + folder;
+        lines_.write(begin("session_meta") + R"("id":")" + threadID(task_) + "\"," + both +
+                     R"("cli_version":"0.50.0"}})");
     }
 
     void turn() {
@@ -229,19 +227,19 @@ private:
                      R"(,"model_context_window":258400},"rate_limits":null}})");
     }
 
-    void compaction() {
+    void compaction(std::uint64_t limit) {
         const std::string number = std::to_string(++compactions_);
         std::string line = begin("compacted") + R"("message":"","window_number":)" + number +
                            R"(,"first_window_id":"w0","previous_window_id":"p","window_id":"w)" +
                            number + R"(","replacement_history":[)";
         const std::uint64_t bytes = random_.oneIn(8) ? random_.between(1'500'000, 2'000'000)
                                                      : random_.between(40'000, 400'000);
-        const std::size_t end = line.size() + bytes;
-        while (line.size() < end) {
+        const std::size_t end = line.size() + std::min(bytes, limit);
+        do {
             line += R"({"type":"message","role":"user","content":[{"type":"input_text","text":")";
             prose_.append(line, random_.between(300, 6'000));
             line += R"("}]},)";
-        }
+        } while (line.size() < end);
         line.back() = ']';
         line += "}}";
         compactedBytes_ += line.size();
@@ -249,14 +247,28 @@ private:
         tokenCount(0);
     }
 
+    const std::string home_;
+    const std::uint64_t task_;
     Random& random_;
-    Prose prose_;
+    Prose& prose_;
     Lines lines_;
     std::uint64_t clock_ = 0;
     std::uint64_t ordinal_ = 0;
     std::uint64_t compactions_ = 0;
     std::uint64_t compactedBytes_ = 0;
 };
+
+void writeSessions(const std::string& home, std::uint64_t bytes, std::uint64_t tasks,
+                   Random& random) {
+    Prose prose(random);
+    std::filesystem::create_directories(home + "/.codex");
+    std::ofstream titles(home + "/.codex/session_index.jsonl");
+    for (std::uint64_t task = 0; task < tasks; ++task) {
+        SessionWriter(home, task, random, prose).write(bytes / tasks);
+        titles << R"({"id":")" << threadID(task) << R"(","thread_name":"Fix the tests of module )"
+               << task << "\"}\n";
+    }
+}
 
 void writeLogs(const std::string& home, std::uint64_t bytes, Random& random) {
     static constexpr std::string_view kSources[] = {
@@ -268,7 +280,7 @@ void writeLogs(const std::string& home, std::uint64_t bytes, Random& random) {
                                                    "worktree_status_refreshed",
                                                    "heartbeat acknowledged",
                                                    "IAB_LIFECYCLE browser view hidden"};
-    Lines lines(home + "/Library/Logs/com.openai.codex/2026/11/24", "codex-desktop-", ".log");
+    Lines lines(home + "/Library/Logs/com.openai.codex/2026/11/24/codex-desktop-");
     std::uint64_t clock = 0;
     while (lines.bytes() < bytes) {
         std::string line = timestamp(clock += random.between(1, 400)) + " info ";
@@ -282,11 +294,11 @@ void writeLogs(const std::string& home, std::uint64_t bytes, Random& random) {
                 line +=
                     "[electron-message-handler] IAB_LIFECYCLE received browser sidebar owner"
                     " sync originWebContentsId=7 windowId=3 ownerRoutePath=/local/" +
-                    std::string(kTask);
+                    threadID(0);
             } else {
                 line += kind == 1 ? "[window-state] renderer_state_changed"
                                   : "[desktop] thread_stream_view_activity_changed active=true";
-                line += window + " conversationId=" + std::string(kTask);
+                line += window + " conversationId=" + threadID(0);
             }
         } else {
             line += kSources[random.below(std::size(kSources))];
@@ -294,7 +306,7 @@ void writeLogs(const std::string& home, std::uint64_t bytes, Random& random) {
             line += kEvents[random.below(std::size(kEvents))];
             line += " durationMs=" + std::to_string(random.below(900)) +
                     " originWebContentsId=" + std::to_string(random.below(9)) +
-                    " conversationId=" + std::string(kTask) +
+                    " conversationId=" + threadID(0) +
                     " requestId=" + std::to_string(random.next()) + " errorCode=null status=ok";
         }
         lines.write(line);
@@ -304,16 +316,18 @@ void writeLogs(const std::string& home, std::uint64_t bytes, Random& random) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 5) {
-        std::cerr << "usage: generate sessions|logs FOLDER MEGABYTES SEED\n";
+    if (argumentCount < 5) {
+        std::cerr << "usage: generate sessions|logs FOLDER MEGABYTES SEED [TASKS]\n";
         return 2;
     }
-    const std::string_view kind = arguments[1];
+    const auto number = [&](int i, const char* usual) {
+        return std::strtoull(i < argumentCount ? arguments[i] : usual, nullptr, 10);
+    };
     const std::string home = arguments[2];
-    const std::uint64_t bytes = std::strtoull(arguments[3], nullptr, 10) * kMegabyte;
-    Random random(std::strtoull(arguments[4], nullptr, 10));
-    if (kind == "sessions") {
-        SessionWriter(home, random).write(bytes);
+    const std::uint64_t bytes = number(3, "") * 1'000'000;
+    Random random(number(4, ""));
+    if (arguments[1] == std::string_view("sessions")) {
+        writeSessions(home, bytes, number(5, "1"), random);
     } else {
         writeLogs(home, bytes, random);
     }

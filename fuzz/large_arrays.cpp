@@ -1,62 +1,35 @@
-// Large arrays for programs under AddressSanitizer that search: taken from the system and kept for
-// the next time. The JSON parser gets fifty megabytes anew in every refresh and touches little of
-// them; marking them as allocated and as freed would take longer than everything else together.
+// Large arrays for programs under AddressSanitizer that search: always the same few pieces of
+// memory. The JSON parser gets fifty megabytes anew in every refresh and touches little of them;
+// marking them as allocated and as freed would take longer than everything else together.
 
 #include <sys/mman.h>
 
 #include <cstddef>
 #include <cstdlib>
-#include <mutex>
 #include <new>
 
 namespace {
 
-constexpr std::size_t kLargeBytes = 512 * 1024;
+constexpr std::size_t kPieceBytes = 64 * 1024 * 1024;
+bool isUsed[16];
 
-struct Block {
-    void* bytes;
-    std::size_t size;
-    bool isUsed;
-};
-
-std::mutex mutex;
-Block blocks[256];  // Filled from the front; never given back.
-
-void* takeBlock(std::size_t size) {
-    const std::lock_guard lock(mutex);
-    for (Block& block : blocks) {
-        if (!block.bytes) {
-            void* bytes =
-                mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-            block = {bytes == MAP_FAILED ? nullptr : bytes, size, false};
-        }
-        if (!block.isUsed && block.size == size) {
-            block.isUsed = block.bytes != nullptr;
-            return block.bytes;
-        }
-    }
-    return nullptr;
-}
-
-bool giveBlockBack(void* bytes) {
-    const std::lock_guard lock(mutex);
-    for (Block& block : blocks) {
-        if (!block.bytes) {
-            break;
-        }
-        if (block.bytes == bytes) {
-            block.isUsed = false;
-            return true;
-        }
-    }
-    return false;
+char* pieces() {
+    static void* const kPieces = mmap(nullptr, sizeof isUsed * kPieceBytes, PROT_READ | PROT_WRITE,
+                                      MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    return static_cast<char*>(kPieces);
 }
 
 }  // namespace
 
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    void* block = size < kLargeBytes ? nullptr : takeBlock(size);
-    return block ? block : std::malloc(size);
+    constexpr std::size_t kLargeBytes = 512 * 1024;
+    for (std::size_t i = 0; i < sizeof isUsed && size > kLargeBytes && size < kPieceBytes; ++i) {
+        if (!isUsed[i]) {
+            isUsed[i] = true;
+            return pieces() + i * kPieceBytes;
+        }
+    }
+    return std::malloc(size);
 }
 
 void* operator new[](std::size_t size) {
@@ -65,7 +38,10 @@ void* operator new[](std::size_t size) {
 }
 
 void operator delete[](void* bytes) noexcept {
-    if (bytes && !giveBlockBack(bytes)) {
+    const auto offset = static_cast<std::size_t>(static_cast<char*>(bytes) - pieces());
+    if (bytes && offset < sizeof isUsed * kPieceBytes) {
+        isUsed[offset / kPieceBytes] = false;
+    } else {
         std::free(bytes);
     }
 }

@@ -2,20 +2,16 @@
 
 #include "platform/property_list.h"
 
-#include <algorithm>
-#include <cstdint>
-
-#include "fuzz/expect.h"
-#include "fuzz/model/text.h"
+#include "fuzz/fuzz.h"
+#include "text/unicode.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t kLimitBytes = 8192;
-    const std::string list(reinterpret_cast<const char*>(data), std::min(size, kLimitBytes));
+    const std::string list = fuzz::text(data, size);
     for (const char* key : {"k", "CFBundleShortVersionString"}) {
         const auto found = platform::propertyListString(list, key);
-        fuzz::expect(!found || model::isUTF8(*found), "what is found is text");
-        fuzz::expect(!found || found->size() <= 3 * list.size(), "and no longer than the list");
-        fuzz::expect(found == platform::propertyListString(list, key), "found again");
+        fuzz::expect("what is found is text", !found || text::isValidUTF8(*found));
+        fuzz::expect("and no longer than the list", !found || found->size() <= 3 * list.size());
+        fuzz::expect("found again", found == platform::propertyListString(list, key));
     }
     return 0;
 }

@@ -1,26 +1,34 @@
 // Any bytes as the title index.
 
-#include <algorithm>
-
-#include "fuzz/ManualClock.h"
-#include "fuzz/MemoryFiles.h"
-#include "fuzz/expect.h"
-#include "fuzz/model/SessionModel.h"
+#include "fuzz/fuzz.h"
 #include "sessions/ORVCodexSessionSource.h"
+#include "tests/support/ManualClock.h"
+#include "tests/support/MemoryFiles.h"
+#include "text/unicode.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t kLimitBytes = 16 * 1024;
-    MemoryFiles files;
+namespace {
+
+std::string titlesIn(const std::string& index, std::size_t bytesPerRead) {
+    MemoryFiles disk;
+    disk.write("/codex/session_index.jsonl", index);
+    disk.bytesPerRead = bytesPerRead;
     const ManualClock clock;
-    ORVCodexSessionSource source(files, clock, "/codex");
-    model::SessionModel model(files, clock, "/codex");
-    files.bytesPerRead = 1 + size % 97;
-    files.write("/codex/session_index.jsonl",
-                std::string(reinterpret_cast<const char*>(data), std::min(size, kLimitBytes)));
     std::string titles;
-    for (const auto& [id, title] : source.threadTitles()) {
+    for (const auto& [id, title] : ORVCodexSessionSource(disk, clock, "/codex").threadTitles()) {
+        fuzz::expect("both are text", text::isValidUTF8(id) && text::isValidUTF8(title));
+        fuzz::expect("neither is empty", !id.empty() && !title.empty());
         titles += id + '\t' + title + '\n';
     }
-    fuzz::expectEqual(model.titles(), titles, "titles");
+    return titles;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string index = fuzz::text(data, size);
+    const std::string titles = titlesIn(index, size);
+    fuzz::expectEqual("reads may be short", titles, titlesIn(index, 1 + size % 97));
+    fuzz::expectEqual("the last title counts", titles, titlesIn(index + '\n' + index, 9'999));
+    fuzz::expectEqual("an empty line is none", titles, titlesIn(index + "\r\n\u2028", 9'999));
     return 0;
 }

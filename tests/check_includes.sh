@@ -29,7 +29,6 @@ check app sessions focus l10n platform text
 check shells app sessions focus l10n platform text
 check ctl shells app sessions focus l10n platform text
 check fuzz tests/support ctl shells app sessions focus l10n platform text
-check fuzz/model fuzz platform text
 
 # A Mac's frameworks stand where nothing else of the program can meet them.
 wrong=$(grep -rnE '^#(import|include) <(AppKit|Foundation)/' app ctl focus fuzz l10n platform sessions shells text |

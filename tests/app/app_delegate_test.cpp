@@ -3,104 +3,67 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <deque>
 
-#include "tests/support/FaultyFiles.h"
-#include "tests/support/ManualRunLoop.h"
-#include "tests/support/MemoryDefaults.h"
-#include "tests/support/TemporaryHome.h"
+#include "tests/support/ManualHost.h"
 #include "tests/support/records.h"
 
 namespace {
 
+using records::log;
 using std::chrono::milliseconds;
 
-constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
-constexpr const char* kLog = "Library/Logs/com.openai.codex/main.log";
-
-/// Everything by hand: the queue runs when told to, and what the application does is noted down.
-class ManualHost final : public ORVAppHost {
-public:
-    std::string notes;
-    MemoryDefaults defaults;
-    ManualRunLoop loop;
-    FaultyFiles faultyFiles;
-    ORVSystemClock systemClock;
-    std::deque<std::function<void()>> dispatched;
-
-    ORVUserDefaults& standardUserDefaults() override {
-        notes += "defaults ";
-        return defaults;
-    }
-    std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) override {
-        notes += label.substr(label.rfind('.') + 1) + " ";
-        return std::make_unique<Queue>(*this);
-    }
-    ORVRunLoop& runLoop() override { return loop; }
-    ORVFiles& files() override { return faultyFiles; }
-    const ORVClock& clock() override { return systemClock; }
-    void terminate() override { notes += "terminate "; }
-
-private:
-    class Queue final : public ORVSerialQueue {
-    public:
-        explicit Queue(ManualHost& owner) : owner_(owner) {}
-        void dispatch(std::function<void()> closure) override {
-            owner_.notes += owner_.loop.timersMade == 0 ? "dispatch-before-timer " : "dispatch ";
-            owner_.dispatched.push_back(std::move(closure));
-        }
-
-    private:
-        ManualHost& owner_;
-    };
-};
+constexpr const char* kLog = "/h/Library/Logs/com.openai.codex/main.log";
+constexpr const char* kSessions = "/h/.codex/sessions";
 
 class AppDelegateTest : public testing::Test {
 protected:
     AppDelegateTest() {
-        setenv("HOME", home.root().c_str(), 1);
+        setenv("HOME", "/h", 1);
         setenv("LANGUAGE", "en", 1);
         setenv("TZ", "UTC", 1);
-        home.makeFolder("Library/Logs/com.openai.codex");
-        home.makeFolder(".codex/sessions");
+        around.disk.makeFolder("/h/Library/Logs/com.openai.codex");
+        around.disk.makeFolder(kSessions);
     }
 
     void launch() { app->applicationDidFinishLaunching(); }
 
     void openTask() {
-        home.append(file, records::compacted("w1") + records::tokenCount("128000"));
-        home.setDate(file, 1'000'000'000);
-        home.write(".codex/session_index.jsonl", records::title(kTask, "Fix the tests"));
-        home.append(kLog, std::string("1 thread_stream_view_activity_changed active=true ") +
-                              "rendererWindowAppearance=primary rendererWindowFocused=true "
-                              "conversationId=" +
-                              kTask + "\n");
+        const std::string file = std::string(kSessions) + "/" + records::kTask + ".jsonl";
+        around.disk.append(file, records::compacted("w1") + records::tokenCount("128000"));
+        around.disk.setDate(file, 1'000'000'000);
+        around.disk.write("/h/.codex/session_index.jsonl",
+                          records::title(records::kTask, "Fix the tests"));
+        around.disk.append(kLog, log("1 activity TASK"));
     }
 
     /// Lets the refresh that was dispatched run and its results arrive.
     void finishRefresh() {
         ASSERT_EQ(1U, around.dispatched.size()) << "one refresh is under way";
-        around.dispatched.front()();
-        around.dispatched.pop_front();
-        around.loop.runPosted();
+        around.runDispatched();
     }
 
     const ORVMenuItem& item(const std::string& field) const {
-        for (const auto& top : app->statusItem().menu->items) {
-            if (top->field == field) {
-                return *top;
-            }
-            for (std::size_t i = 0; top->submenu && i < top->submenu->items.size(); ++i) {
-                if (top->submenu->items[i]->field == field) {
-                    return *top->submenu->items[i];
+        const ORVMenu* menus[] = {app->statusItem().menu.get(), nullptr};
+        for (std::size_t i = 0; i < 2; ++i) {
+            for (const auto& each : menus[i]->items) {
+                if (each->field == field) {
+                    return *each;
                 }
+                menus[1] = each->submenu ? each->submenu.get() : menus[1];
             }
         }
         ADD_FAILURE() << "no item " << field;
-        return *app->statusItem().menu->items.front();
+        return *menus[0]->items.front();
     }
 
     std::string barTitle() const { return app->statusItem().title; }
+
+    /// The refresh item's title and image, and whether it can be chosen.
+    std::string refreshItem() const {
+        const ORVMenuItem& refresh = item("refreshItem");
+        EXPECT_EQ(refresh.title, refresh.image->description);
+        return refresh.title + " " + refresh.image->name + (refresh.enabled ? "" : " disabled");
+    }
 
     /// The titles of the information lines that are shown. Which space stands before AM differs
     /// from system to system.
@@ -111,16 +74,12 @@ protected:
             text += item(field).hidden ? "" : item(field).title + "\n";
         }
         const std::string narrowSpace = "\u202F";
-        if (const std::size_t space = text.find(narrowSpace); space != std::string::npos) {
-            text.replace(space, narrowSpace.size(), " ");
-        }
-        return text;
+        const std::size_t space = text.find(narrowSpace);
+        return space == std::string::npos ? text : text.replace(space, narrowSpace.size(), " ");
     }
 
-    TemporaryHome home;
     ManualHost around;
     std::shared_ptr<ORVAppDelegate> app = std::make_shared<ORVAppDelegate>(around);
-    const std::string file = ".codex/sessions/2026/" + std::string(kTask) + ".jsonl";
 };
 
 const char* const kTaskLines =
@@ -129,7 +88,7 @@ const char* const kTaskLines =
 
 TEST_F(AppDelegateTest, StartsWithTheLoadingTextsAndAFirstRefreshBeforeTheTimer) {
     launch();
-    EXPECT_EQ("defaults refresh dispatch-before-timer ", around.notes);
+    EXPECT_EQ("dispatch-before-timer ", around.notes);
     EXPECT_EQ(1, around.loop.timersMade);
     EXPECT_EQ("C– · --%", barTitle());
     EXPECT_EQ("Brimlet", app->statusItem().toolTip);
@@ -140,16 +99,16 @@ TEST_F(AppDelegateTest, StartsWithTheLoadingTextsAndAFirstRefreshBeforeTheTimer)
     EXPECT_EQ("C– · --%", app->statusLine());
     EXPECT_EQ("Brimlet, C– · --%", app->spokenStatus());
     std::string layout;
-    for (const auto& top : app->statusItem().menu->items) {
-        layout += (top->isSeparator() ? "-" : top->field) + (top->keyEquivalent) + " ";
-        EXPECT_TRUE(top->enabled);
+    for (const auto& each : app->statusItem().menu->items) {
+        layout += (each->isSeparator() ? "-" : each->field) + each->keyEquivalent + " ";
+        EXPECT_TRUE(each->enabled);
     }
     EXPECT_EQ(
         "titleItem focusItem - contextItem compactionItem updatedItem - sourceItem "
         "privacyItem - languageItem refreshItemr quitItemq ",
         layout);
     EXPECT_EQ("globe", item("languageItem").image->name);
-    EXPECT_EQ("arrow.clockwise", item("refreshItem").image->name);
+    EXPECT_EQ("Detect Now arrow.clockwise", refreshItem());
     EXPECT_TRUE(item("systemLanguageItem").state);
 }
 
@@ -166,7 +125,7 @@ TEST_F(AppDelegateTest, OneRefreshAtATimeEveryTwoSeconds) {
     around.loop.advance(milliseconds(1'999));
     EXPECT_TRUE(around.dispatched.empty());
     around.loop.advance(milliseconds(1));
-    home.remove(".codex/sessions");
+    around.disk.remove(kSessions);
     finishRefresh();
     EXPECT_EQ(
         "Current task: Unavailable\nCurrent task data is temporarily unavailable\n"
@@ -176,6 +135,10 @@ TEST_F(AppDelegateTest, OneRefreshAtATimeEveryTwoSeconds) {
     EXPECT_EQ("C– · --%  Current task data is temporarily unavailable", app->statusLine());
     EXPECT_EQ("Brimlet, C– · --%, Current task data is temporarily unavailable",
               app->spokenStatus());
+    openTask();
+    around.loop.advance(milliseconds(2'000));
+    finishRefresh();
+    EXPECT_EQ(kTaskLines, lines()) << "and nothing of its absence";
 }
 
 TEST_F(AppDelegateTest, WhyThereIsNoTask) {
@@ -183,51 +146,46 @@ TEST_F(AppDelegateTest, WhyThereIsNoTask) {
     finishRefresh();
     EXPECT_EQ("Codex local data was not found", item("focusItem").title);
     const std::pair<const char*, const char*> kCases[] = {
-        {"nothing\n", "Open a Codex task first"},
-        {"2 thread_stream_view_activity_changed active=true rendererWindowAppearance=primary "
-         "rendererWindowFocused=true conversationId=client-new-thread:1\n",
-         "New task data is being created…"},
-        {"3 thread_stream_view_activity_changed active=true\n",
-         "Task detection format changed; update Brimlet"}};
+        {"1 nothing", "Open a Codex task first"},
+        {"2 activity client-new-thread:1", "New task data is being created…"},
+        {"3 activity Appearance=", "Task detection format changed; update Brimlet"}};
     for (const auto& [line, focus] : kCases) {
-        home.append(kLog, line);
+        around.disk.append(kLog, log(line));
         around.loop.advance(milliseconds(2'000));
         finishRefresh();
         EXPECT_EQ(focus, item("focusItem").title);
         EXPECT_FALSE(item("focusItem").hidden);
     }
     EXPECT_EQ("C– · Update", barTitle());
+    app->chooseItemNamed("refreshItem");
+    finishRefresh();
+    EXPECT_EQ("✓ Check Complete", barTitle()) << "no task without an error";
 }
 
 TEST_F(AppDelegateTest, FiguresThatCannotBeShown) {
     launch();
-    const auto render = [&](ORVCompactionStatus compactions, std::optional<ORVContextUsage> usage,
-                            ORVContextStatus context) {
+    const auto render = [&](ORVCompactionStatus compactions, ORVContextStatus context) {
+        const ORVContextUsage usage(12'345, 258'400);
         app->renderSnapshot({"100% %@ %ld", "id", "/x", 3, usage, context, compactions, {}});
         return barTitle() + "|" + item("contextItem").title + "|" + item("compactionItem").title;
     };
-    const ORVContextUsage usage(12'345, 258'400);
     EXPECT_EQ("C3 · 5%|Context usage: 12.3k / 258.4k (5%)|Compactions: 3",
-              render(ORVCompactionStatusValid, usage, ORVContextStatusAvailable));
+              render(ORVCompactionStatusValid, ORVContextStatusAvailable));
     EXPECT_EQ("Current task: 100% %@ %ld", item("titleItem").title) << "a title is no format";
     EXPECT_EQ(
-        "C– · 5%|Context usage: 12.3k / 258.4k (5%)|Compactions: Format changed; update Brimlet",
-        render(ORVCompactionStatusIncompatible, usage, ORVContextStatusAvailable));
-    EXPECT_EQ("C3 · --%|Context usage: Waiting for data|Compactions: 3",
-              render(ORVCompactionStatusValid, std::nullopt, ORVContextStatusAvailable));
+        "C– · --%|Context usage: Waiting for data|Compactions: Format changed; update Brimlet",
+        render(ORVCompactionStatusIncompatible, ORVContextStatusWaiting));
     EXPECT_EQ("C3 · --%|Context usage: Format changed; update Brimlet|Compactions: 3",
-              render(ORVCompactionStatusValid, usage, ORVContextStatusIncompatible));
+              render(ORVCompactionStatusValid, ORVContextStatusIncompatible));
 }
 
 TEST_F(AppDelegateTest, TokenCounts) {
-    const std::pair<std::int64_t, const char*> kCases[] = {
-        {-5, "-5"},          {0, "0"},
-        {999, "999"},        {1'000, "1k"},
-        {1'049, "1k"},       {1'050, "1.1k"},
-        {1'950, "1.9k"},     {1'960, "2k"},
-        {2'950, "3k"},       {12'345, "12.3k"},
-        {258'400, "258.4k"}, {999'949, "999.9k"},
-        {999'950, "1000k"},  {1'000'000, "1000k"}};
+    const std::pair<std::int64_t, const char*> kCases[] = {{-5, "-5"},          {0, "0"},
+                                                           {999, "999"},        {1'000, "1k"},
+                                                           {1'049, "1k"},       {1'050, "1.1k"},
+                                                           {1'950, "1.9k"},     {1'960, "2k"},
+                                                           {12'345, "12.3k"},   {258'400, "258.4k"},
+                                                           {999'949, "999.9k"}, {999'950, "1000k"}};
     for (const auto& [count, text] : kCases) {
         EXPECT_EQ(text, ORVAppDelegate::formattedTokenCount(count)) << count;
     }
@@ -238,14 +196,12 @@ TEST_F(AppDelegateTest, TheRefreshCommandTellsHowItEnds) {
     launch();
     app->performKeyEquivalent("r");
     EXPECT_EQ("Checking…", barTitle()) << "the running refresh serves the request";
-    EXPECT_EQ("Checking…", item("refreshItem").title);
-    EXPECT_EQ("arrow.triangle.2.circlepath", item("refreshItem").image->name);
-    EXPECT_FALSE(item("refreshItem").enabled);
+    EXPECT_EQ("Checking… arrow.triangle.2.circlepath disabled", refreshItem());
     EXPECT_EQ("Checking…", app->statusLine());
     finishRefresh();
     EXPECT_EQ("✓ Check Complete", barTitle());
     EXPECT_EQ("Brimlet, ✓ Check Complete", app->spokenStatus());
-    EXPECT_EQ("checkmark.circle.fill", item("refreshItem").image->name);
+    EXPECT_EQ("✓ Check Complete checkmark.circle.fill disabled", refreshItem());
     EXPECT_EQ(kTaskLines, lines()) << "the lines below show the results already";
     around.notes.clear();
     app->chooseItemNamed("refreshItem");
@@ -258,36 +214,16 @@ TEST_F(AppDelegateTest, TheRefreshCommandTellsHowItEnds) {
     EXPECT_EQ("✓ Check Complete", barTitle()) << "a timer's refresh does not cut it short";
     around.loop.advance(milliseconds(200));
     EXPECT_EQ("C1 · 47%", barTitle());
-    EXPECT_TRUE(item("refreshItem").enabled);
-    EXPECT_EQ("Detect Now", item("refreshItem").title);
-    EXPECT_EQ("arrow.clockwise", item("refreshItem").image->name);
+    EXPECT_EQ("Detect Now arrow.clockwise", refreshItem());
 
-    home.remove(".codex/sessions");
+    around.disk.remove(kSessions);
     app->chooseItemNamed("refreshItem");
     finishRefresh();
-    EXPECT_EQ("Check Failed", barTitle());
-    EXPECT_EQ("exclamationmark.triangle.fill", item("refreshItem").image->name);
-}
-
-TEST_F(AppDelegateTest, NoTaskWithoutAnErrorIsACompleteCheck) {
-    launch();
-    finishRefresh();
-    app->chooseItemNamed("refreshItem");
-    finishRefresh();
-    EXPECT_EQ("✓ Check Complete", barTitle());
-}
-
-TEST_F(AppDelegateTest, NewerFeedbackIsNotEndedByAnOlderReset) {
-    launch();
-    finishRefresh();
-    app->chooseItemNamed("refreshItem");
-    finishRefresh();
-    around.loop.advance(milliseconds(600));
+    EXPECT_EQ("Check Failed exclamationmark.triangle.fill disabled", refreshItem());
     app->showManualRefreshFeedbackForKey("refresh_access_required");
     around.loop.advance(milliseconds(5'000));
-    EXPECT_EQ("Grant Access First", barTitle());
-    EXPECT_EQ("lock.fill", item("refreshItem").image->name);
-    EXPECT_FALSE(item("refreshItem").enabled);
+    EXPECT_EQ("Grant Access First", barTitle()) << "newer feedback outlives an older reset";
+    EXPECT_EQ("Grant Access First lock.fill disabled", refreshItem());
 }
 
 TEST_F(AppDelegateTest, ALanguageChangeShowsEverythingInItAtOnce) {
@@ -300,7 +236,7 @@ TEST_F(AppDelegateTest, ALanguageChangeShowsEverythingInItAtOnce) {
         "当前任务：Fix the tests\n上下文占用：128k / 272k（47%）\n累计压缩：1 次\n"
         "最近会话更新：01:46:40\n",
         lines());
-    EXPECT_EQ("重新检测", item("refreshItem").image->description);
+    EXPECT_EQ("重新检测 arrow.clockwise", refreshItem());
     EXPECT_EQ("", around.notes) << "without a refresh";
     EXPECT_EQ(2, around.defaults.stored);
     EXPECT_TRUE(item("chineseLanguageItem").state);
@@ -309,8 +245,7 @@ TEST_F(AppDelegateTest, ALanguageChangeShowsEverythingInItAtOnce) {
     finishRefresh();
     app->chooseItemNamed("englishLanguageItem");
     EXPECT_EQ("✓ Check Complete", barTitle()) << "feedback stays, in the other language";
-    EXPECT_EQ("✓ Check Complete", item("refreshItem").title);
-    EXPECT_FALSE(item("refreshItem").enabled);
+    EXPECT_EQ("✓ Check Complete checkmark.circle.fill disabled", refreshItem());
 }
 
 TEST_F(AppDelegateTest, ItemsDoWhatTheySay) {

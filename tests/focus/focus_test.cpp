@@ -1,285 +1,211 @@
 #include <gtest/gtest.h>
 
 #include "focus/ORVCodexFocusLogSource.h"
-#include "tests/support/FaultyFiles.h"
-#include "tests/support/TemporaryHome.h"
+#include "tests/support/MemoryFiles.h"
+#include "tests/support/records.h"
 
 namespace {
 
-constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
-constexpr const char* kOther = "01A20E70-11AA-7C20-9D00-5B1F0C7A4E02";
+using records::log;
 
-std::string line(const std::string& timestamp, const std::string& text) {
-    return timestamp + " info " + text + "\n";
-}
+const std::string kInTask = std::string("0 ") + records::kTask;
+const std::string kInOther = std::string("0 ") + records::kOther;
 
-/// What a render-state line says of a window.
-struct Window {
-    std::string webContents = "7";
-    std::string id = "3";
-    std::string appearance = "primary";
-    std::string focused = "true";
-    std::string visible = "true";
+struct LogCase {
+    const char* name;
+    const char* story;
+    std::string focus;
 };
 
-std::string fieldsOf(const Window& window) {
-    return "rendererWebContentsId=" + window.webContents + " rendererWindowId=" + window.id +
-           " rendererWindowAppearance=" + window.appearance +
-           " rendererWindowFocused=" + window.focused + " rendererWindowVisible=" + window.visible;
+const LogCase kLogCases[] = {
+    {"nothing", "1 nothing", "3"},
+    {"window and route", "1 window | 2 route /local/TASK", kInTask},
+    {"query and fragment", "1 window | 2 route /local/TASK?foo=1#bar", kInTask},
+    {"fragment and query", "1 window | 2 route /local/TASK#?", kInTask},
+    {"new task", "1 window | 2 route /", "1"},
+    {"new task with a query", "1 window | 2 route /?a", "1"},
+    {"no identifier", "1 window | 2 route /local/abc", "4"},
+    {"another page", "1 window | 2 route /settings", "4"},
+    {"empty route", "1 window | 2 route", "4"},
+    {"identifier and more", "1 window | 2 route /local/TASK/x", "4"},
+    {"another window", "1 window | 2 route 7/4 /local/TASK", "3"},
+    {"unknown web contents", "1 window | 2 route 8/3 /local/TASK", "3"},
+    {"route before its window", "1 route /local/TASK | 2 window", "3"},
+    {"unfocused window offers nothing", "1 window Focused=false | 2 route /local/TASK", "3"},
+    {"invisible window offers nothing", "1 window Visible=false | 2 route /local/TASK", "3"},
+    {"secondary window offers nothing", "1 window Appearance=hud | 2 route /local/TASK", "3"},
+    {"losing the focus withdraws nothing",
+     "1 window | 2 route /local/TASK | 3 window Focused=false", kInTask},
+    {"line without appearance", "1 window | 2 window Appearance= Focused=no | 3 route /", "1"},
+    {"line without focus", "1 window | 2 window Appearance=hud Focused= | 3 route /", "1"},
+    {"line without visibility", "1 window | 2 window Focused=false Visible= | 3 route /", "1"},
+    {"line without window", "1 window | 2 window 7/ Focused=false | 3 route /", "1"},
+    {"the second window takes the focus",
+     "1 window | 1 window 8/4 Focused=false | 3 route 8/4 /local/OTHER | 4 route /local/TASK | "
+     "5 window 8/4",
+     kInOther},
+    {"and the first one takes it back",
+     "1 window | 2 route /local/TASK | 3 window Focused=false | 4 window 8/4 | "
+     "5 route 8/4 /local/OTHER | 6 window",
+     kInTask},
+    {"a visible flag alone renews nothing",
+     "1 window | 1 window 8/4 Visible=false | 3 route 8/4 /local/OTHER | 4 route /local/TASK | "
+     "5 window 8/4",
+     kInTask},
+    {"an older line loses", "1 window | 3 route /local/TASK | 2 activity OTHER", kInTask},
+    {"an equal one wins", "1 window | 3 route /local/TASK | 3 activity OTHER", kInOther},
+    {"time stamps are strings", "1 window | 9 route /local/TASK | 10 activity OTHER", kInTask},
+    {"activity alone", "1 activity TASK", kInTask},
+    {"activity of a new task", "1 activity client-new-thread:x", "1"},
+    {"activity without a conversation", "1 activity", "4"},
+    {"activity of something else", "1 activity abc", "4"},
+    {"inactive", "1 activity TASK active=false", "3"},
+    {"the first active= counts",
+     "1 thread_stream_view_activity_changed isactive=false active=true "
+     "rendererWindowAppearance=primary rendererWindowFocused=true conversationId=TASK",
+     "3"},
+    {"a field's name in other words",
+     "1 thread_stream_view_activity_changed is active for conversationId active=true "
+     "rendererWindowAppearance=primary rendererWindowFocused=true conversationId=TASK",
+     kInTask},
+    {"activity of a secondary window", "1 activity TASK Appearance=hud", "3"},
+    {"activity without the focus", "1 activity TASK Focused=false", "3"},
+    {"activity without an appearance", "1 activity TASK Appearance=", "4"},
+    {"activity without a focus", "1 activity TASK Focused=", "4"},
+    {"activity of a window with a route", "1 window | 2 route /local/TASK | 3 both OTHER", kInTask},
+    {"activity of a window without one", "1 window | 3 both OTHER", kInOther},
+    {"another window under its web contents",
+     "1 window | 2 route /local/TASK | 3 window 7/9 | 4 both OTHER 7/9", kInOther},
+    {"wide space after a value", "1 window | 2 route /local/TASK\u2003x", kInTask},
+    {"and after a time stamp", "2\u3000 activity TASK | 2 activity OTHER", kInOther},
+    {"not UTF-8", "1 activity TASK | 2 activity OTHER \xFF", kInTask},
+    {"no marker", "1 active=true rendererWindowFocused=true conversationId=TASK", "3"},
+};
+
+std::string described(const ORVCodexFocusState& state) {
+    return std::to_string(state.status()) + (state.threadID() ? " " + *state.threadID() : "");
 }
 
-std::string render(const std::string& timestamp, const Window& window = {}) {
-    return line(timestamp, "[window-state] changed " + fieldsOf(window));
+/// What a source says that meets a log of these lines.
+std::string focusOf(const std::string& lines) {
+    MemoryFiles disk;
+    disk.append("/logs/main.log", lines);
+    return described(
+        ORVCodexFocusLogSource(disk, "/logs", "/Info.plist").currentFocusStateWithError(nullptr));
 }
 
-std::string route(const std::string& timestamp, const std::string& path,
-                  const std::string& webContents = "7", const std::string& window = "3") {
-    return line(timestamp,
-                "[electron-message-handler] IAB_LIFECYCLE received browser sidebar owner sync "
-                "originWebContentsId=" +
-                    webContents + " windowId=" + window + " ownerRoutePath=" + path);
-}
-
-std::string activity(
-    const std::string& timestamp, const std::string& conversation,
-    const std::string& fields =
-        "active=true rendererWindowAppearance=primary rendererWindowFocused=true") {
-    return line(timestamp, "thread_stream_view_activity_changed " + fields +
-                               (conversation.empty() ? "" : " conversationId=" + conversation));
-}
-
-std::string task(const char* identifier = kTask) {
-    return std::string("/local/") + identifier;
+TEST(FocusLinesTest, LinesOfOneFile) {
+    for (const LogCase& c : kLogCases) {
+        EXPECT_EQ(c.focus, focusOf(log(c.story))) << c.name;
+    }
+    std::string window = log("1 window");
+    EXPECT_EQ("3", focusOf(window.insert(window.size() - 1, "\r") + log("2 route /local/TASK")))
+        << "a carriage return is part of the last value";
+    EXPECT_EQ("3", focusOf(" " + log("1 activity TASK"))) << "no time stamp";
+    EXPECT_EQ(kInTask, focusOf(log("1 window") + " " + log("2 route /local/TASK")));
+    EXPECT_EQ(kInOther,
+              focusOf(log("1 activity OTHER | 1 window") + " " + log("2 route /local/TASK")));
 }
 
 class FocusTest : public testing::Test {
 protected:
-    static constexpr const char* kLogs = "Library/Logs/com.openai.codex/";
-
-    static std::string log(const std::string& name = "main.log") { return kLogs + name; }
-
-    /// The status, and the thread identifier where there is one.
     std::string focus() {
         error.reset();
-        const ORVCodexFocusState state = source.currentFocusStateWithError(&error);
-        EXPECT_EQ(state.status() == ORVCodexFocusStatusTaskInView, state.threadID().has_value());
-        return std::to_string(state.status()) + (state.threadID() ? " " + *state.threadID() : "");
+        return described(source.currentFocusStateWithError(&error));
     }
 
-    TemporaryHome home;
-    FaultyFiles files;
+    MemoryFiles disk;
     ORVErrorSlot error;
-    ORVCodexFocusLogSource source{files, home.path("Library/Logs/com.openai.codex"),
-                                  home.path("Info.plist")};
+    ORVCodexFocusLogSource source{disk, "/logs", "/Info.plist"};
 };
-
-const std::string kInTask = std::string("0 ") + kTask;
-const std::string kInOther = std::string("0 ") + kOther;
-
-TEST_F(FocusTest, LinesOfOneFile) {
-    struct Case {
-        const char* name;
-        std::string lines;
-        std::string focus;
-    };
-    const Window secondWindow{"8", "4", "primary", "false", "true"};
-    const Window secondFocused{"8", "4"};
-    const Case kCases[] = {
-        {"nothing", "", "3"},
-        {"window and route", render("1") + route("2", task()), kInTask},
-        {"query and fragment", render("1") + route("2", task() + "?foo=1#bar"), kInTask},
-        {"fragment and query", render("1") + route("2", task() + "#?"), kInTask},
-        {"new task", render("1") + route("2", "/"), "1"},
-        {"new task with a query", render("1") + route("2", "/?a"), "1"},
-        {"no identifier", render("1") + route("2", "/local/abc"), "4"},
-        {"another page", render("1") + route("2", "/settings"), "4"},
-        {"empty route", render("1") + route("2", ""), "4"},
-        {"identifier and more", render("1") + route("2", task() + "/x"), "4"},
-        {"another window", render("1") + route("2", task(), "7", "4"), "3"},
-        {"unknown web contents", render("1") + route("2", task(), "8"), "3"},
-        {"route before its window", route("1", task()) + render("2"), "3"},
-        {"unfocused window offers nothing",
-         render("1", {"7", "3", "primary", "false"}) + route("2", task()), "3"},
-        {"invisible window offers nothing",
-         render("1", {"7", "3", "primary", "true", "false"}) + route("2", task()), "3"},
-        {"secondary window offers nothing",
-         render("1", {"7", "3", "secondary"}) + route("2", task()), "3"},
-        {"losing the focus withdraws nothing",
-         render("1") + route("2", task()) + render("3", {"7", "3", "primary", "false"}), kInTask},
-        {"incomplete render line leaves the window",
-         render("1") +
-             line("2",
-                  "rendererWebContentsId=7 rendererWindowId=3 "
-                  "rendererWindowAppearance=secondary") +
-             route("3", task()),
-         kInTask},
-        {"the second window takes the focus",
-         render("1") + render("1", secondWindow) + route("3", task(kOther), "8", "4") +
-             route("4", task()) + render("5", secondFocused),
-         kInOther},
-        {"a visible flag alone renews nothing",
-         render("1") + render("1", {"8", "4", "primary", "true", "false"}) +
-             route("3", task(kOther), "8", "4") + route("4", task()) + render("5", secondFocused),
-         kInTask},
-        {"an older line loses", render("1") + route("3", task()) + activity("2", kOther), kInTask},
-        {"an equal one wins", render("1") + route("3", task()) + activity("3", kOther), kInOther},
-        {"time stamps are strings", render("1") + route("9", task()) + activity("10", kOther),
-         kInTask},
-        {"activity alone", activity("1", kTask), kInTask},
-        {"activity of a new task", activity("1", "client-new-thread:x"), "1"},
-        {"activity without a conversation", activity("1", ""), "4"},
-        {"activity of something else", activity("1", "abc"), "4"},
-        {"inactive",
-         activity("1", kTask,
-                  "active=false rendererWindowAppearance=primary "
-                  "rendererWindowFocused=true"),
-         "3"},
-        {"the first active= counts",
-         activity("1", kTask,
-                  "isactive=false active=true rendererWindowAppearance=primary "
-                  "rendererWindowFocused=true"),
-         "3"},
-        {"activity of a secondary window",
-         activity("1", kTask,
-                  "active=true rendererWindowAppearance=secondary "
-                  "rendererWindowFocused=true"),
-         "3"},
-        {"activity without an appearance", activity("1", kTask, "active=true"), "4"},
-        {"activity of a window with a route is not asked",
-         render("1") + route("2", task()) + activity("3", kOther, "active=true " + fieldsOf({})),
-         kInTask},
-        {"activity of a window without a route",
-         render("1") + activity("3", kOther, "active=true " + fieldsOf({})), kInOther},
-        {"a window replaced under its web contents",
-         render("1") + route("2", task()) + render("3", {"7", "9"}) +
-             activity("4", kOther, "active=true " + fieldsOf({"7", "9"})),
-         kInOther},
-        {"carriage return at the end", "1 info " + fieldsOf({}) + "\r\n" + route("2", task()), "3"},
-        {"tab and wide spaces",
-         "1\u3000info " + fieldsOf({}) +
-             "\n2\tinfo [electron-message-handler] IAB_LIFECYCLE "
-             "received browser sidebar owner sync "
-             "originWebContentsId=7\u00a0windowId=3\townerRoutePath=" +
-             task() + "\u2003x\n",
-         kInTask},
-        {"no time stamp", " info " + activity("", kTask), "3"},
-        {"route without a time stamp", render("1") + " " + route("", task()), kInTask},
-        {"route without a time stamp loses",
-         activity("1", kOther) + render("1") + " " + route("", task()), kInOther},
-        {"not UTF-8", "1 \xFF" + activity("", kTask), "3"},
-        {"no marker", line("1", "active=true rendererWindowFocused=true conversationId=x"), "3"},
-    };
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(c.name);
-        TemporaryHome own;
-        own.append("logs/main.log", c.lines);
-        ORVCodexFocusLogSource fresh(files, own.path("logs"), own.path("Info.plist"));
-        const ORVCodexFocusState state = fresh.currentFocusStateWithError(&error);
-        EXPECT_EQ(c.focus, std::to_string(state.status()) +
-                               (state.threadID() ? " " + *state.threadID() : ""));
-    }
-}
 
 TEST_F(FocusTest, FilesAreFoundAndReadOldestFirst) {
     EXPECT_EQ("2", focus());
-    EXPECT_EQ(ENOENT, error->code) << "the platform's error beside the state";
-    home.makeFolder(kLogs);
-    home.append(log("x.txt"), activity("9", kTask));
-    home.append(log(".x.log"), activity("9", kTask));
-    home.append(log("main.log.1"), activity("9", kTask));
-    home.append(log(".old/main.log"), activity("9", kTask));
-    home.makeLink(log("link.log"), home.path(log("x.txt")));
-    home.makeLink(log("loop"), home.path(kLogs));
+    EXPECT_EQ(ENOENT, error->code) << "the system's error beside the state";
+    disk.append("/logs/x.txt", log("9 activity TASK"));
+    disk.append("/logs/main.log.1", log("9 activity TASK"));
     EXPECT_EQ("2", focus());
     EXPECT_FALSE(error);
-    home.makeFIFO(log("fifo.log"));
-    home.makeFolder(log("folder.log"));
-    EXPECT_EQ("2", focus());
-    home.append(log("a/b/c/newer.LOG"), activity("5", kTask));
-    home.append(log("older.log"), activity("5", kOther));
-    home.setDate(log("a/b/c/newer.LOG"), 2'000);
-    home.setDate(log("older.log"), 1'000);
+    disk.append("/logs/b/c/newer.LOG", log("5 activity TASK"));
+    disk.append("/logs/older.log", log("5 activity OTHER"));
+    disk.setDate("/logs/older.log", 1'000);
     EXPECT_EQ(kInTask, focus()) << "of equal time stamps the newest file's";
-    home.append(log("older.log"), activity("6", kOther));
+    disk.append("/logs/older.log", log("6 activity OTHER"));
     EXPECT_EQ(kInOther, focus());
 }
 
 TEST_F(FocusTest, FilesAreFollowed) {
-    const std::string whole = route("2", task());
-    home.append(log(), render("1") + whole.substr(0, 40));
+    const std::string kLog = "/logs/main.log";
+    const std::string whole = log("2 route /local/TASK");
+    disk.append(kLog, log("1 window") + whole.substr(0, 40));
     EXPECT_EQ("3", focus());
-    home.append(log(), whole.substr(40));
+    disk.append(kLog, whole.substr(40));
     EXPECT_EQ(kInTask, focus());
-    const int opened = files.opened;
+    const int opened = disk.opened;
     EXPECT_EQ(kInTask, focus());
-    EXPECT_EQ(opened, files.opened) << "a file without new bytes is not opened";
+    EXPECT_EQ(opened, disk.opened) << "a file without new bytes is not opened";
 
-    home.replace(log(), std::string(5'000, 'x') + "\n" + route("3", task(kOther)));
+    disk.replace(kLog, std::string(5'000, 'x') + "\n" + log("3 route /local/OTHER"));
     EXPECT_EQ(kInTask, focus()) << "another file knows no windows";
-    home.write(log(), render("4") + route("4", task(kOther)));
+    disk.write(kLog, log("4 window | 4 route /local/OTHER"));
     EXPECT_EQ(kInOther, focus()) << "a shorter file is read from its start";
-    home.remove(log());
-    EXPECT_EQ("2", focus());
-    home.append(log("other.log"), "nothing\n");
+    disk.append("/logs/other.log", log("5 route /local/TASK"));
+    EXPECT_EQ(kInOther, focus()) << "a window is known in its own file only";
+    disk.givesFileNumbers = false;  // Else a file that comes back is another one anyway.
+    EXPECT_EQ(kInOther, focus());
+    disk.remove(kLog);
     EXPECT_EQ(kInOther, focus()) << "the event outlives its file";
-    home.append(log(), route("5", task()));
+    disk.append(kLog, std::string(5'000, 'x') + "\n" + log("6 route /local/TASK"));
     EXPECT_EQ(kInOther, focus()) << "its windows do not";
+    disk.remove("/logs");
+    EXPECT_EQ("2", focus());
 }
 
-TEST_F(FocusTest, ALongLineIsReadWhole) {
-    const std::string padding(3'000'000, 'x');
-    home.append(log(),
-                line("1", fieldsOf({}) + " " + padding) + route("2", task() + " " + padding));
-    EXPECT_EQ(kInTask, focus());
-}
-
-TEST_F(FocusTest, EveryFailingCallIsMadeUpForByTheNextRefresh) {
+TEST_F(FocusTest, ErrorsAreToldBesideTheState) {
     bool wasUntouched = false;
     for (int call = 1; !wasUntouched; ++call) {
-        TemporaryHome own;
-        own.append("logs/a.log",
-                   render("1") + line("1", std::string(300'000, 'x')) + route("2", task()));
-        own.append("logs/b.log", activity("1", kOther) + line("1", std::string(300'000, 'x')) +
-                                     activity("1", "abc"));
-        ORVCodexFocusLogSource fresh(files, own.path("logs"), own.path("Info.plist"));
-        files.calls = 0;
-        files.failingCall = call;
-        ORVErrorSlot first;
-        (void)fresh.currentFocusStateWithError(&first);
-        wasUntouched = files.calls < call;
-        files.failingCall = 0;
-        EXPECT_EQ(kTask, fresh.currentFocusStateWithError(&error).threadID()) << "call " << call;
-        EXPECT_EQ(call >= 2 && !wasUntouched, first.has_value())
+        disk.append("/logs/a.log", log("1 activity TASK"));
+        disk.failingCall = disk.calls + call;
+        (void)focus();
+        wasUntouched = disk.calls < disk.failingCall;
+        EXPECT_EQ(call > 1 && !wasUntouched, error.has_value())
             << "every failure but the property list's is told, call " << call;
+    }
+    constexpr int kWalk = 2;
+    constexpr int kAttributes = 3;
+    for (const int call : {kWalk, kAttributes}) {
+        error = ORVError{"posix", EACCES, "from elsewhere"};
+        disk.failingCall = disk.calls + call;
+        (void)source.currentFocusStateWithError(&error);
+        EXPECT_EQ(call == kWalk ? EACCES : EIO, error->code) << "a file's error replaces others";
     }
 }
 
-TEST_F(FocusTest, AFileShorterThanItsAttributesSayIsNoError) {
-    home.append(log(), activity("1", kTask));
-    files.extraSize = 100;
-    EXPECT_EQ(kInTask, focus());
-    EXPECT_FALSE(error) << "an early end leaves no error of the platform";
+TEST_F(FocusTest, TheInstalledVersionStandsInEveryState) {
+    const auto version = [&](const std::string& value) {
+        disk.write("/Info.plist",
+                   "<plist><dict><key>CFBundleName</key><string>Codex</string>"
+                   "<key>CFBundleShortVersionString</key>" +
+                       value + "</dict></plist>");
+        return source.currentFocusStateWithError(nullptr).codexVersion();
+    };
+    EXPECT_EQ("1.2.3 — β", version("<string>1.2.3 — β</string>"));
+    EXPECT_EQ(std::nullopt, version("<integer>7</integer>"));
+    disk.append("/logs/main.log", log("1 activity TASK"));
+    EXPECT_EQ("2.0", version("<string>2.0</string>"));
+    disk.remove("/Info.plist");
+    EXPECT_EQ(std::nullopt, source.currentFocusStateWithError(nullptr).codexVersion());
 }
 
-TEST_F(FocusTest, TheInstalledVersionStandsInEveryState) {
-    const auto version = [&] { return source.currentFocusStateWithError(nullptr).codexVersion(); };
-    const auto list = [](const std::string& value) {
-        return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
-               "<key>CFBundleName</key><string>Codex</string>"
-               "<key>CFBundleShortVersionString</key>" +
-               value + "</dict></plist>";
-    };
-    EXPECT_EQ(std::nullopt, version());
-    home.write("Info.plist", list("<string>1.2.3 — β</string>"));
-    EXPECT_EQ("1.2.3 — β", version());
-    home.write("Info.plist", list("<integer>7</integer>"));
-    EXPECT_EQ(std::nullopt, version());
-    home.write("Info.plist", list("<string>2.0</string>"));
-    home.append(log(), activity("1", kTask));
-    EXPECT_EQ("2.0", version());
-    home.remove("Info.plist");
-    home.makeFIFO("Info.plist");
-    EXPECT_EQ(std::nullopt, version());
+TEST_F(FocusTest, TheApplicationIsFoundUnderEitherName) {
+    const std::string kOldName = "/Applications/Codex.app/Contents/Info.plist";
+    const std::string kNewName = "/Applications/ChatGPT.app/Contents/Info.plist";
+    const auto found = [&] { return ORVCodexFocusLogSource::installedCodexInfoPlistURL(disk); };
+    EXPECT_EQ(kOldName, found()) << "where it would be";
+    disk.write(kNewName, "");
+    EXPECT_EQ(kNewName, found());
+    disk.write(kOldName, "");
+    EXPECT_EQ(kOldName, found());
 }
 
 }  // namespace

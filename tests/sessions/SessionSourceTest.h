@@ -2,36 +2,28 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 #include "app/status_title.h"
 #include "sessions/ORVCodexSessionSource.h"
-#include "tests/support/FaultyFiles.h"
-#include "tests/support/TemporaryHome.h"
+#include "tests/support/ManualClock.h"
+#include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"
 
-class ManualClock final : public ORVClock {
-public:
-    TimePoint now() const override { return now_; }
-    void advance(std::chrono::milliseconds time) { now_ += time; }
-
-private:
-    TimePoint now_{std::chrono::hours(500'000)};
-};
-
-/// A session source over a home folder of its own.
+/// A session source over a disk of its own.
 class SessionSourceTest : public testing::Test {
 protected:
-    static constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
-    static constexpr const char* kOther = "01a20e70-11aa-7c20-9d00-5b1f0c7a4e02";
+    static constexpr const char* kTask = records::kTask;
+    static constexpr const char* kOther = records::kOther;
 
-    SessionSourceTest() { home.makeFolder(".codex/sessions"); }
+    SessionSourceTest() { disk.makeFolder("/codex/sessions"); }
 
     /// A session file of the task, in the folder of a day.
-    static std::string fileOf(const std::string& task, const std::string& day = "2026/11/24",
-                              const std::string& suffix = "") {
-        return ".codex/sessions/" + day + "/rollout-2026-11-24T16-45-20-" + task + suffix +
-               ".jsonl";
+    static std::string fileOf(const std::string& task, const std::string& day = "24") {
+        return "/codex/sessions/" + day + "/rollout-2026-11-24T16-45-20-" + task + ".jsonl";
+    }
+
+    /// An identifier of its own for every number.
+    static std::string taskOf(std::size_t number) {
+        return std::string(kTask).substr(0, 24) + std::to_string(100'000'000'000 + number);
     }
 
     std::optional<ORVSessionSnapshot> snapshot(const std::string& task = kTask) {
@@ -47,9 +39,8 @@ protected:
                        : "nothing";
     }
 
-    TemporaryHome home;
-    FaultyFiles files;
+    MemoryFiles disk;
     ManualClock clock;
     ORVErrorSlot error;
-    ORVCodexSessionSource source{files, clock, home.path(".codex")};
+    ORVCodexSessionSource source{disk, clock, "/codex"};
 };

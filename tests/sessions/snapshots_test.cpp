@@ -8,43 +8,52 @@ using records::contextCompacted;
 using records::tokenCount;
 
 TEST_F(SessionSnapshotTest, ATaskIsTheSumOfItsFilesAndShowsTheNewestOnesUsage) {
-    const std::string files_[] = {fileOf(kTask, "a"), fileOf(kTask, "b"), fileOf(kTask, "c")};
-    home.append(files_[0], compacted("w1") + contextCompacted("") + tokenCount("1000"));
-    home.append(files_[1], compacted("w1") + compacted("w2") + contextCompacted("") +
-                               R"({"type":"compacted"})"
-                               "\n");
-    home.append(files_[2], tokenCount("136000"));
-    for (int i = 0; i < 3; ++i) {
-        home.setDate(files_[i], 1'000.5 + i);
+    const std::string first = compacted("w1") + contextCompacted("") + tokenCount("1000");
+    const std::string broken = "{\"type\":\"compacted\"}\n";
+    struct Case {
+        const char* name;
+        std::string contents[3];  ///< Oldest file first.
+        const char* title;
+    };
+    const Case kCases[] = {
+        {"one identifier in two files", {first, compacted("w1"), tokenCount("136000")}, "C2 · 50%"},
+        {"an anonymous one is always another", {first, first, compacted("w2")}, "C4 · --%"},
+        {"usage is the newest file's", {first, tokenCount("136000"), ""}, "C2 · --%"},
+        {"the newest that speaks of compactions",
+         {first, broken, tokenCount("136000")},
+         "C– · 50%"},
+        {"no longer broken", {broken, first, tokenCount("136000")}, "C2 · 50%"},
+        {"none speaks of them", {"", tokenCount("1000"), tokenCount("136000")}, "C0 · 50%"}};
+    for (std::size_t i = 0; i < std::size(kCases); ++i) {
+        SCOPED_TRACE(kCases[i].name);
+        const std::string task = taskOf(i);
+        for (const std::string day : {"c", "b", "a"}) {  // Their dates tell, not their paths.
+            const auto age = static_cast<std::size_t>('c' - day[0]);
+            disk.append(fileOf(task, day), kCases[i].contents[age]);
+            disk.setDate(fileOf(task, day), 1'000 + static_cast<std::int64_t>(age), 500);
+        }
+        EXPECT_EQ(kCases[i].title, title(task));
+        EXPECT_EQ(fileOf(task, "a"), snapshot(task)->fileURL());
+        EXPECT_EQ((ORVFileDate{1'002, 500}), snapshot(task)->lastUpdated());
     }
-    const auto found = snapshot();
-    ASSERT_TRUE(found);
-    EXPECT_EQ(4, found->compactionCount()) << "w1 once, w2, two anonymous ones";
-    EXPECT_EQ(ORVCompactionStatusIncompatible, found->compactionStatus())
-        << "of the newest file that says anything of compactions";
-    EXPECT_EQ(136'000, found->contextUsage()->inputTokens());
-    EXPECT_EQ(home.path(files_[2]), found->fileURL());
-    EXPECT_EQ((ORVFileDate{1'002, 500'000'000}), found->lastUpdated());
-    home.append(files_[1], compacted("w2"));
-    EXPECT_EQ("C4 · 50%", title());
 }
 
 TEST_F(SessionSnapshotTest, TheLatestFileStandsForItsWholeTask) {
-    home.append(fileOf(kTask, "a"), compacted("w1"));
-    home.append(fileOf(kTask, "b"), compacted("w2"));
-    home.append(fileOf(kOther), compacted("w3"));
-    home.append(".codex/sessions/notes.jsonl", compacted("w4"));
-    home.setDate(fileOf(kTask, "a"), 1'000);
-    home.setDate(fileOf(kOther), 2'000);
-    home.setDate(fileOf(kTask, "b"), 3'000);
-    home.setDate(".codex/sessions/notes.jsonl", 500);
-    auto latest = source.latestSnapshotWithError(&error);
-    EXPECT_EQ(kTask, latest->threadID());
-    EXPECT_EQ(2, latest->compactionCount());
-    home.setDate(".codex/sessions/notes.jsonl", 4'000);
-    latest = source.latestSnapshotWithError(&error);
-    EXPECT_EQ("notes.jsonl", latest->threadID()) << "a name without an identifier";
-    EXPECT_EQ(1, latest->compactionCount());
+    const std::string notes = "/codex/sessions/notes.jsonl";
+    const auto latest = [&] { return source.latestSnapshotWithError(&error); };
+    disk.append(fileOf(kTask, "a"), compacted("w1"));
+    disk.append(notes, compacted("w4"));
+    disk.append(fileOf(kTask, "b"), compacted("w2"));
+    disk.append(fileOf(kOther, "c"), compacted("w3"));
+    disk.setDate(fileOf(kTask, "b"), 3'000'000'000);
+    EXPECT_EQ(kTask, latest()->threadID());
+    EXPECT_EQ(2, latest()->compactionCount());
+    disk.setDate(notes, 3'000'000'000);
+    EXPECT_EQ(kTask, latest()->threadID()) << "of equal dates the first of the walk";
+    disk.setDate(notes, 3'000'000'000, 1);
+    EXPECT_EQ("notes.jsonl", latest()->threadID()) << "a name without an identifier";
+    EXPECT_EQ(1, latest()->compactionCount());
+    EXPECT_FALSE(error);
 }
 
 TEST_F(SessionSnapshotTest, ErrorsKeepTheirPlaceInTheSlot) {
@@ -53,38 +62,28 @@ TEST_F(SessionSnapshotTest, ErrorsKeepTheirPlaceInTheSlot) {
     EXPECT_EQ(EACCES, error->code) << "a missing task yields to an earlier cause";
     EXPECT_FALSE(source.snapshotForThreadID("", &error));
     EXPECT_EQ(EACCES, error->code);
-    home.append(fileOf(kTask), compacted("w1"));
+    disk.append(fileOf(kTask), compacted("w1"));
     EXPECT_TRUE(source.snapshotForThreadID(kTask, &error));
     EXPECT_EQ(EACCES, error->code) << "success clears nothing";
-    home.remove(".codex");
-    EXPECT_FALSE(source.snapshotForThreadID(kTask, &error));
-    EXPECT_EQ(1, error->code);
-    EXPECT_FALSE(source.snapshotForThreadID(kTask, nullptr));
+    EXPECT_FALSE(source.snapshotForThreadID(kOther, nullptr));
 }
 
 using TitleIndexTest = SessionSourceTest;
-constexpr const char* kIndex = ".codex/session_index.jsonl";
+constexpr const char* kIndex = "/codex/session_index.jsonl";
 
 TEST_F(TitleIndexTest, Lines) {
     using Titles = std::map<std::string, std::string>;
     EXPECT_EQ(Titles{}, source.threadTitles());
-    home.write(kIndex, records::title("a", "old") +
-                           R"({"id":"b","thread_name":"","title":"second"})"
-                           "\r\n"
-                           R"({"id":"c","thread_name":7,"title":"third"})"
-                           "\r"
-                           R"({"id":"d","thread_name":"name","title":"no"})"
-                           "\u2028"
-                           R"({"id":"","thread_name":"x"})"
-                           "\u0085"
-                           R"({"id":5,"thread_name":"x"})"
-                           "\u2029"
-                           R"([{"id":"e","thread_name":"x"}])"
-                           "\n{\"id\":\"f\"\n\n"
-                           R"({"id":"g","thread_name":"x"} {})"
-                           "\n" +
+    disk.write(kIndex, records::title("a", "old") +
+                           "{\"id\":\"b\",\"thread_name\":\"\",\"title\":\"second\"}\r\n"
+                           "{\"id\":\"c\",\"thread_name\":7,\"title\":\"third\"}\r"
+                           "{\"id\":\"d\",\"thread_name\":\"name\",\"title\":\"no\"}\u2028"
+                           "{\"id\":\"\",\"thread_name\":\"x\"}\u0085"
+                           "{\"id\":5,\"thread_name\":\"x\"}\u2029"
+                           "[{\"id\":\"e\",\"thread_name\":\"x\"}]\n{\"id\":\"f\"\n\n"
+                           "{\"id\":\"g\",\"thread_name\":\"x\"} {}\n" +
                            records::title("a", "Überarbeitung 重构 \\u0007") +
-                           R"({"id":"h","title":"unended"})");
+                           "{\"id\":\"h\",\"title\":\"unended\"}");
     const Titles expected = {{"a", "Überarbeitung 重构 \a"},
                              {"b", "second"},
                              {"c", "third"},
@@ -94,34 +93,32 @@ TEST_F(TitleIndexTest, Lines) {
 }
 
 TEST_F(TitleIndexTest, IsReadAgainWhenItsDateChangesAndKeptWhileItCannotBe) {
-    home.append(fileOf(kTask), "");
+    disk.append(fileOf(kTask), "");
     EXPECT_EQ("Codex", snapshot()->title());
-    home.write(kIndex, records::title(kTask, "first"));
-    home.setDate(kIndex, 1'000);
+    const auto titleAfter = [&](const std::string& content, std::int64_t date) {
+        disk.replace(kIndex, content);
+        disk.setDate(kIndex, date);
+        return snapshot()->title();
+    };
+    EXPECT_EQ("first", titleAfter(records::title(kTask, "first"), 2'000));
+    EXPECT_EQ("first", titleAfter(records::title(kTask, "unseen"), 2'000));
+    EXPECT_EQ("first", titleAfter(records::title(kTask, "\xFF"), 3'000)) << "not UTF-8";
+    EXPECT_EQ("first", titleAfter(std::string(64 * 1024 * 1024 + 1, '\n'), 4'000)) << "too large";
+    disk.remove(kIndex);
     EXPECT_EQ("first", snapshot()->title());
-    home.write(kIndex, records::title(kTask, "unseen"));
-    home.setDate(kIndex, 1'000);
+    disk.makeFolder(kIndex);
     EXPECT_EQ("first", snapshot()->title());
-    home.write(kIndex, records::title(kTask, "\xFF"));
-    home.setDate(kIndex, 2'000);
-    EXPECT_EQ("first", snapshot()->title()) << "not UTF-8";
-    home.remove(kIndex);
-    EXPECT_EQ("first", snapshot()->title());
-    home.makeFIFO(kIndex);
-    EXPECT_EQ("first", snapshot()->title());
-    home.remove(kIndex);
-    home.write(kIndex, "");
-    EXPECT_EQ("Codex", snapshot()->title());
+    disk.remove(kIndex);
+    EXPECT_EQ("older", titleAfter(records::title(kTask, "older"), 1'000));
+    EXPECT_EQ("Codex", titleAfter("", 5'000));
     const std::string longTitle(1'000'000, 't');
-    home.write(kIndex, records::title(kTask, longTitle));
-    home.setDate(kIndex, 3'000);
-    EXPECT_EQ(longTitle, snapshot()->title());
+    EXPECT_EQ(longTitle, titleAfter(records::title(kTask, longTitle), 6'000));
 }
 
 TEST_F(TitleIndexTest, IsAskedWithTheIdentifierAsTheFileWritesIt) {
     const std::string upperCase = "01A20E72-983B-7E83-81C7-E87B7B63D181";
-    home.append(fileOf(kTask), "");
-    home.write(kIndex, records::title(upperCase, "wrong") + records::title(kTask, "right"));
+    disk.append(fileOf(kTask), "");
+    disk.write(kIndex, records::title(upperCase, "wrong") + records::title(kTask, "right"));
     const auto found = snapshot(upperCase);
     EXPECT_EQ("right", found->title());
     EXPECT_EQ(upperCase, found->threadID());

@@ -18,9 +18,9 @@ protected:
                folder + "}}\n";
     }
 
-    void makeTask(const std::string& name, double date, const std::string& content) {
-        home.write(".codex/sessions/" + name + ".jsonl", content);
-        home.setDate(".codex/sessions/" + name + ".jsonl", date);
+    void makeTask(const std::string& name, std::int64_t date, const std::string& content) {
+        disk.write("/codex/sessions/" + name + ".jsonl", content);
+        disk.setDate("/codex/sessions/" + name + ".jsonl", date);
     }
 
     std::string described(const std::optional<ORVSessionSnapshot>& found) {
@@ -39,7 +39,7 @@ protected:
     }
 
     std::string taskIn(const std::string& folder) {
-        const auto found = source.snapshotForFolder(home.path(folder), nullptr);
+        const auto found = source.snapshotForFolder("/" + folder, nullptr);
         return found ? found->threadID() : "nothing";
     }
 };
@@ -54,15 +54,15 @@ TEST_F(TasksTest, ATaskIsAllFilesWhoseNamesHoldItsIdentifier) {
     makeTask("2/notes", 40, "");
     EXPECT_EQ("notes.jsonl/1\nnotes.jsonl/1\n" + std::string(kOther) + "/2\n" + upper + "/3\n",
               identifiers());
-    home.remove(".codex/sessions");
+    disk.remove("/codex/sessions");
     EXPECT_EQ(std::nullopt, source.tasksWithError(&error));
     EXPECT_EQ(1, error->code);
 }
 
 TEST_F(TasksTest, TheDeepestFolderWinsAmongEqualsTheNewestFile) {
-    const auto quoted = [&](const std::string& folder) { return '"' + home.path(folder) + '"'; };
-    home.makeFolder("work/site/deep");
-    home.makeLink("link", "work");
+    const auto quoted = [&](const std::string& folder) { return "\"/" + folder + '"'; };
+    disk.makeFolder("/work/site/deep");
+    disk.realPaths["/link/site"] = "/work/site";
     makeTask("root", 90, sessionMeta("\"/\""));
     makeTask("work", 80, sessionMeta(quoted("work")));
     makeTask("old-site", 10, sessionMeta(quoted("work/site")));
@@ -74,7 +74,7 @@ TEST_F(TasksTest, TheDeepestFolderWinsAmongEqualsTheNewestFile) {
     EXPECT_EQ("work.jsonl", taskIn("work/sit")) << "a name is not the beginning of another";
     EXPECT_EQ("root.jsonl", taskIn("elsewhere"));
     EXPECT_EQ("gone.jsonl", taskIn("gone")) << "as it is written";
-    home.remove(".codex/sessions/root.jsonl");
+    disk.remove("/codex/sessions/root.jsonl");
     EXPECT_EQ("nothing", taskIn("elsewhere"));
 }
 
@@ -95,9 +95,9 @@ TEST_F(TasksTest, OnlyAFirstLineThatTellsAnAbsoluteFolderCounts) {
                                        sessionMeta("\"/\\u0000\"")};
     for (const std::string& line : kFirstLines) {
         makeTask("a", 10, line);
-        home.remove(".codex/sessions/b.jsonl");
+        disk.remove("/codex/sessions/b.jsonl");
         EXPECT_EQ("nothing", taskIn("x")) << line.substr(0, 80);
-        home.replace(".codex/sessions/a.jsonl", "");
+        disk.replace("/codex/sessions/a.jsonl", "");
     }
     makeTask("a", 10,
              R"({"x":")" + std::string(100'000, 'x') + "\"," + sessionMeta("\"/\"").substr(1));
@@ -105,22 +105,22 @@ TEST_F(TasksTest, OnlyAFirstLineThatTellsAnAbsoluteFolderCounts) {
 }
 
 TEST_F(TasksTest, AFirstLineIsReadOncePerFile) {
-    const std::string file = ".codex/sessions/a.jsonl";
+    const std::string file = "/codex/sessions/a.jsonl";
     const std::string line = sessionMeta("\"/\"");
-    home.write(file, line.substr(0, 20));
+    disk.write(file, line.substr(0, 20));
     EXPECT_EQ("nothing", taskIn("x"));
-    int opened = files.opened;
+    int opened = disk.opened;
     EXPECT_EQ("nothing", taskIn("x"));
-    EXPECT_EQ(opened, files.opened) << "not even half a line is read again";
-    home.append(file, line.substr(20));
+    EXPECT_EQ(opened, disk.opened) << "not even half a line is read again";
+    disk.append(file, line.substr(20));
     EXPECT_EQ("a.jsonl", taskIn("x"));
-    opened = files.opened;
+    opened = disk.opened;
     EXPECT_EQ("a.jsonl", taskIn("x"));
-    EXPECT_EQ(opened, files.opened);
-    home.append(file, tokenCount("136000"));
+    EXPECT_EQ(opened, disk.opened);
+    disk.append(file, tokenCount("136000"));
     EXPECT_EQ("a.jsonl", taskIn("x"));
-    EXPECT_EQ(opened + 1, files.opened) << "for its figures alone";
-    home.replace(file, sessionMeta("\"/elsewhere\""));
+    EXPECT_EQ(opened + 1, disk.opened) << "for its figures alone";
+    disk.replace(file, sessionMeta("\"/elsewhere\""));
     EXPECT_EQ("nothing", taskIn("x")) << "another file";
 }
 
@@ -134,18 +134,18 @@ std::string describedHistory(const ORVHistory& history) {
 
 TEST_F(TasksTest, AHistoryTellsEveryUsageAndEachCompactionOnce) {
     source.keepHistories(std::numeric_limits<std::size_t>::max());
-    const std::string first = ".codex/sessions/a-" + std::string(kTask) + ".jsonl";
-    const std::string second = ".codex/sessions/b-" + std::string(kTask) + ".jsonl";
-    home.write(first, tokenCount("10") + compacted("w1") + tokenCount("0") + tokenCount("20") +
+    const std::string first = "/codex/sessions/a-" + std::string(kTask) + ".jsonl";
+    const std::string second = "/codex/sessions/b-" + std::string(kTask) + ".jsonl";
+    disk.write(first, tokenCount("10") + compacted("w1") + tokenCount("0") + tokenCount("20") +
                           tokenCount("x") + contextCompacted("1"));
-    home.setDate(first, 10);
-    home.write(second, compacted("w1") + tokenCount("30") + contextCompacted("") +
+    disk.setDate(first, 10);
+    disk.write(second, compacted("w1") + tokenCount("30") + contextCompacted("") +
                            contextCompacted("") + compacted("w2") + compacted("w2"));
-    home.setDate(second, 20);
+    disk.setDate(second, 20);
     EXPECT_EQ("C5 · --%", title());
     EXPECT_EQ("10 C 20 C 30 C C C ", describedHistory(*source.historyForThreadID(kTask)));
     EXPECT_EQ("2026-11-24T16:45:21.002Z", source.historyForThreadID(kTask)->front().at);
-    home.append(second, tokenCount("40"));
+    disk.append(second, tokenCount("40"));
     EXPECT_EQ("C5 · 0%", title());
     EXPECT_EQ("10 C 20 C 30 C C C 40 ", describedHistory(*source.historyForThreadID(kTask)));
     EXPECT_EQ(nullptr, source.historyForThreadID(kOther));
@@ -158,7 +158,7 @@ TEST_F(TasksTest, ALongHistoryIsThinnedToItsHighest) {
         content +=
             i == 500 ? compacted("w") : tokenCount(std::to_string(i == 700 ? 272'000 : i + 1));
     }
-    home.write(fileOf(kTask), content);
+    disk.write(fileOf(kTask), content);
     EXPECT_EQ("C1 · 0%", title());
     const auto history = source.historyForThreadID(kTask);
     EXPECT_GE(64U, history->size());
@@ -175,7 +175,7 @@ TEST_F(TasksTest, WhoeverAsksGetsTheSameFigures) {
                                 "01a20e72-a408-7c60-a888-3804d9c9faff"};
     const std::string kFolders[] = {"\"/\"", "\"/a\"", "\"/a/b\"", "7"};
     for (int round = 0; round < 60; ++round) {
-        home.remove(".codex/sessions");
+        disk.remove("/codex/sessions");
         for (int file = 0; file < 8; ++file) {
             std::string content = sessionMeta(kFolders[random() % 4]);
             for (int line = 0; line < 6; ++line) {
@@ -189,9 +189,9 @@ TEST_F(TasksTest, WhoeverAsksGetsTheSameFigures) {
             const std::string name = std::to_string(random() % 3) + "/" + std::to_string(file) +
                                      "-" + (random() % 9 == 0 ? "" : kIDs[random() % 4]) +
                                      (random() % 5 == 0 ? "_" + kIDs[random() % 4] : "");
-            makeTask(name, static_cast<double>(random() % 5), content);
+            makeTask(name, static_cast<std::int64_t>(random() % 5), content);
         }
-        ORVCodexSessionSource fresh(files, clock, home.path(".codex"));
+        ORVCodexSessionSource fresh(disk, clock, "/codex");
         const auto tasks = source.tasksWithError(nullptr);
         for (const ORVTask& task : *tasks) {
             const std::string figures = described(source.snapshotForTask(task, nullptr));

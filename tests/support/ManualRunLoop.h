@@ -1,14 +1,16 @@
 #pragma once
 
-#include <deque>
 #include <map>
 #include <utility>
+#include <vector>
 
 #include "platform/run_loop.h"
 
 /// A UI thread whose time is turned by hand.
 class ManualRunLoop final : public ORVRunLoop {
 public:
+    int timersMade = 0;
+
     void post(Closure closure) override { posted_.push_back(std::move(closure)); }
 
     void postAfter(std::chrono::milliseconds delay, Closure closure) override {
@@ -18,14 +20,12 @@ public:
     std::unique_ptr<ORVRepeatingTimer> makeRepeatingTimer(std::chrono::milliseconds interval,
                                                           Closure closure) override {
         ++timersMade;
-        fire(now_ + interval, interval, closure);
+        repeat(interval, closure);
         return std::make_unique<ORVRepeatingTimer>();
     }
 
     void runPosted() {
-        while (!posted_.empty()) {
-            const Closure closure = std::move(posted_.front());
-            posted_.pop_front();
+        for (const Closure& closure : std::exchange(posted_, {})) {
             closure();
         }
     }
@@ -35,25 +35,20 @@ public:
         const auto end = now_ + time;
         while (!delayed_.empty() && delayed_.begin()->first <= end) {
             now_ = delayed_.begin()->first;
-            const Closure closure = std::move(delayed_.begin()->second);
-            delayed_.erase(delayed_.begin());
-            closure();
+            delayed_.extract(delayed_.begin()).mapped()();
         }
         now_ = end;
     }
 
-    int timersMade = 0;
-
 private:
-    void fire(std::chrono::milliseconds due, std::chrono::milliseconds interval,
-              const Closure& closure) {
-        delayed_.emplace(due, [this, due, interval, closure] {
+    void repeat(std::chrono::milliseconds interval, const Closure& closure) {
+        postAfter(interval, [this, interval, closure] {
             closure();
-            fire(due + interval, interval, closure);
+            repeat(interval, closure);
         });
     }
 
     std::chrono::milliseconds now_{0};
-    std::deque<Closure> posted_;
+    std::vector<Closure> posted_;
     std::multimap<std::chrono::milliseconds, Closure> delayed_;
 };

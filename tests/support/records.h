@@ -3,8 +3,11 @@
 #include <string>
 #include <string_view>
 
-/// Lines as the agent writes them, each with its line feed.
+/// Lines as the agent and the desktop application write them, each with its line feed.
 namespace records {
+
+inline constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
+inline constexpr const char* kOther = "01A20E70-11AA-7C20-9D00-5B1F0C7A4E02";
 
 inline std::string tokenCount(std::string_view inputTokens, std::string_view window = "272000") {
     return R"({"timestamp":"2026-11-24T16:45:21.002Z","ordinal":13,"type":"event_msg","payload":)"
@@ -36,5 +39,18 @@ inline std::string message(std::string_view text) {
 inline std::string title(std::string_view id, std::string_view name) {
     return R"({"id":")" + std::string(id) + R"(","thread_name":")" + std::string(name) + "\"}\n";
 }
+
+/// Log lines, written as a story: "|" stands between two lines, TASK and OTHER for the identifiers
+/// above. A line is its time stamp and what it is of:
+///
+///     1 window             a window, and that it is in view
+///     2 route /local/TASK  what the window shows
+///     3 activity OTHER     a conversation became active
+///     4 both OTHER         the same, with all that a line says of the window
+///     5 anything else      is written as it stands
+///
+/// Words that follow say what is not as usual: "8/4" the window's two identifiers, "ocused=false"
+/// the value of the field whose name ends so.
+std::string log(std::string_view story);
 
 }  // namespace records

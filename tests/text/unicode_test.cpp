@@ -1,16 +1,13 @@
+#include "text/unicode.h"
+
 #include <gtest/gtest.h>
 
 #include "text/paths.h"
-#include "text/unicode.h"
 
 namespace {
 
 TEST(UnicodeTest, InvalidBytesBecomeAsManyReplacementsAsADecoderShows) {
-    struct Case {
-        std::string bytes;
-        std::string text;
-    };
-    const Case kCases[] = {
+    const std::pair<std::string, std::string> kCases[] = {
         {"plain", "plain"},
         {"é重🚀", "é重🚀"},
         {"a\xFF\xFEz", "a\uFFFD\uFFFDz"},
@@ -20,13 +17,13 @@ TEST(UnicodeTest, InvalidBytesBecomeAsManyReplacementsAsADecoderShows) {
         {"\xC0\x80", "\uFFFD\uFFFD"},
         {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},
         {"\xF0\x9F\x9A", "\uFFFD"},
+        {"\xF0\x9F\x9A\xC0", "\uFFFD\uFFFD"},
         {"\xF4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"},
-        {"\xF0\x80\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"},
-    };
-    for (const Case& c : kCases) {
-        EXPECT_EQ(c.text, text::withInvalidBytesReplaced(c.bytes));
-        EXPECT_EQ(c.bytes == c.text, text::isValidUTF8(c.bytes)) << c.text;
-        EXPECT_EQ(c.bytes == c.text, text::isValidUTF8("long enough " + c.bytes));
+        {"\xF0\x80\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"}};
+    for (const auto& [bytes, text] : kCases) {
+        EXPECT_EQ(text, text::withInvalidBytesReplaced(bytes));
+        EXPECT_EQ(bytes == text, text::isValidUTF8(bytes)) << text;
+        EXPECT_EQ(bytes == text, text::isValidUTF8("long enough " + bytes));
     }
     EXPECT_EQ("a b [31m c d", text::forTerminal("a\tb\x1b[31m\u009bc\x7f"
                                                 "d"));
@@ -40,24 +37,25 @@ TEST(UnicodeTest, Lines) {
 }
 
 TEST(UnicodeTest, WhiteSpace) {
-    for (const char* space : {" ", "\t", "\u00a0", "\u1680", "\u2009", "\u202f", "\u3000"}) {
-        EXPECT_EQ(3U, text::findWhiteSpace("é"
-                                           "a" +
-                                           std::string(space) + "b"));
+    for (const std::string space : {" ", "\t", "\u00a0", "\u1680", "\u2009", "\u202f", "\u3000"}) {
+        EXPECT_EQ(2U, text::findWhiteSpace("é" + space + "b"));
     }
-    for (const char* other : {"\r", "\v", "\u200b", "\u2028", "\u0085", "\xA0"}) {
-        const std::string text = "a" + std::string(other) + "b";
-        EXPECT_EQ(text.size(), text::findWhiteSpace(text));
+    for (const std::string other : {"\r", "\v", "\x7f", "\u200b", "\u2028", "\u0085", "\xA0"}) {
+        EXPECT_EQ(2U + other.size(), text::findWhiteSpace("a" + other + "b"));
     }
 }
 
-TEST(PathsTest, Extensions) {
+TEST(PathsTest, PartsOfPaths) {
     for (const char* name : {"x.log", "x.y.LOG", ".log", "x..Log"}) {
         EXPECT_TRUE(text::hasExtension(name, "log")) << name;
     }
     for (const char* name : {"log", "x.log.1", "xlog", "x.log ", "x.lo", "x.logs", ""}) {
         EXPECT_FALSE(text::hasExtension(name, "log")) << name;
     }
+    EXPECT_EQ("c", text::lastPathComponent("/a/b/c"));
+    EXPECT_EQ("c", text::lastPathComponent("c"));
+    EXPECT_EQ("/a/b", text::folderOf("/a/b/c"));
+    EXPECT_EQ("/", text::folderOf("/c"));
 }
 
 }  // namespace

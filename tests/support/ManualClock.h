@@ -7,5 +7,5 @@ class ManualClock final : public ORVClock {
 public:
     TimePoint now() const override { return time; }
 
-    TimePoint time{};
+    TimePoint time{std::chrono::hours(500'000)};
 };

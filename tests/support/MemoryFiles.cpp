@@ -1,0 +1,174 @@
+#include "tests/support/MemoryFiles.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <set>
+#include <utility>
+
+#include "text/paths.h"
+
+class MemoryFiles::OpenFile final : public ORVOpenFile {
+public:
+    OpenFile(MemoryFiles& disk, const std::string& path) : disk_(disk), path_(path) {}
+
+    std::optional<std::size_t> readAt(std::uint64_t offset, char* buffer, std::size_t capacity,
+                                      ORVErrorSlot* error) override {
+        const Item* item = disk_.beginCall(path_, error);
+        if (!item || item->isFolder) {
+            storeErrorIfEmpty(error, platform::posixError(EISDIR));
+            return std::nullopt;
+        }
+        // What is read whole gets another date when it gets another end.
+        const bool isFollowed =
+            !path_.ends_with("session_index.jsonl") && !path_.ends_with(".plist");
+        if (offset >= item->content.size() || (isFollowed && disk_.happens(Fault::earlyEnd))) {
+            return 0;
+        }
+        const std::size_t most = disk_.happens(Fault::shortRead) ? 1 : disk_.bytesPerRead;
+        return item->content.copy(buffer, std::min(capacity, most), offset);
+    }
+
+private:
+    MemoryFiles& disk_;
+    const std::string path_;
+};
+
+MemoryFiles::Item& MemoryFiles::make(const std::string& path) {
+    touchFolderOf(path);
+    return items_[path] = Item{false, "", ++lastNumber_, now_};
+}
+
+void MemoryFiles::touchFolderOf(const std::string& path) {
+    ++now_.nanoseconds;
+    if (const std::string folder = text::folderOf(path); folder != path) {
+        makeFolder(folder);
+        items_[folder].modifiedAt = now_;
+    }
+}
+
+void MemoryFiles::makeFolder(const std::string& path) {
+    if (!items_.contains(path)) {
+        make(path).isFolder = true;
+    }
+}
+
+void MemoryFiles::write(const std::string& path, std::string content) {
+    Item& item = items_.contains(path) ? items_[path] : make(path);
+    ++now_.nanoseconds;
+    item.content = std::move(content);
+    item.modifiedAt = now_;
+}
+
+void MemoryFiles::append(const std::string& path, const std::string& content) {
+    write(path, items_.contains(path) ? items_[path].content + content : content);
+}
+
+void MemoryFiles::replace(const std::string& path, std::string content) {
+    make(path).content = std::move(content);
+}
+
+void MemoryFiles::rename(const std::string& from, const std::string& to) {
+    const Item item = items_[from];
+    remove(from);
+    make(to) = item;
+}
+
+void MemoryFiles::remove(const std::string& path) {
+    std::erase_if(items_, [&](const auto& entry) {
+        return entry.first == path || entry.first.starts_with(path + '/');
+    });
+    touchFolderOf(path);
+}
+
+void MemoryFiles::setDate(const std::string& path, std::int64_t seconds, std::int32_t nanoseconds) {
+    items_.at(path).modifiedAt = {seconds, nanoseconds};
+}
+
+/// Whether this fault is to happen to the call under way.
+bool MemoryFiles::happens(Fault kind) {
+    const bool isNow = calls == failingCall && fault == kind;
+    faults += isNow ? 1 : 0;
+    return isNow;
+}
+
+/// Counts the call; null, with an error, where it fails or nothing stands at the path.
+const MemoryFiles::Item* MemoryFiles::beginCall(const std::string& path, ORVErrorSlot* error) {
+    ++calls;
+    const auto found = items_.find(path);
+    const bool isFault = happens(Fault::error);
+    if (isFault || found == items_.end()) {
+        storeError(error, platform::posixError(isFault ? EIO : ENOENT));
+        return nullptr;
+    }
+    return &found->second;
+}
+
+bool MemoryFiles::walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
+                       const ErrorHandler& failed) {
+    ORVErrorSlot error;
+    const Item* start = beginCall(root, &error);
+    const bool isUnseen = happens(Fault::unseenFolder);
+    if (!start || !start->isFolder || isUnseen) {
+        failed(error.value_or(platform::posixError(isUnseen ? EACCES : ENOTDIR)));
+        return isUnseen;
+    }
+    std::set<std::string> entered = {root};
+    for (const auto& [path, item] : items_) {
+        const std::string_view name = text::lastPathComponent(path);
+        if (!entered.contains(text::folderOf(path)) || path == root || name.starts_with('.')) {
+            continue;
+        }
+        if (item.isFolder) {
+            entered.insert(path);
+        } else if (wanted(name)) {
+            visit({path, item.modifiedAt, item.number});
+        }
+    }
+    return true;
+}
+
+std::optional<ORVFileAttributes> MemoryFiles::attributesOfItem(const std::string& path,
+                                                               ORVErrorSlot* error) {
+    constexpr std::uint64_t kFolderBytes = 4096;
+    const Item* item = beginCall(path, error);
+    if (!item) {
+        return std::nullopt;
+    }
+    std::uint64_t size = item->isFolder ? kFolderBytes : item->content.size();
+    size = (happens(Fault::largerSize) ? size + 100 : size) / (happens(Fault::smallerSize) ? 2 : 1);
+    ORVFileAttributes attributes;
+    if (!happens(Fault::noSize)) {
+        attributes.size = size;
+    }
+    if (!happens(Fault::noDate)) {
+        attributes.modifiedAt = item->modifiedAt;
+    }
+    if (!happens(Fault::noFileNumber) && givesFileNumbers) {
+        attributes.fileNumber = item->number;
+    }
+    return attributes;
+}
+
+std::optional<ORVFileDate> MemoryFiles::contentModificationDate(const std::string& path) {
+    const Item* item = beginCall(path, nullptr);
+    return item ? std::optional(item->modifiedAt) : std::nullopt;
+}
+
+bool MemoryFiles::itemExists(const std::string& path) {
+    return beginCall(path, nullptr) != nullptr;
+}
+
+std::optional<std::string> MemoryFiles::realPath(const std::string& path) {
+    ++calls;
+    const std::string item = path.ends_with('/') ? path.substr(0, path.size() - 1) : path;
+    const auto link = realPaths.find(item);
+    const std::string& real = link == realPaths.end() ? item : link->second;
+    return !happens(Fault::error) && items_.contains(real) ? std::optional(real) : std::nullopt;
+}
+
+std::unique_ptr<ORVOpenFile> MemoryFiles::openForReading(const std::string& path,
+                                                         ORVErrorSlot* error) {
+    const Item* item = beginCall(path, error);
+    opened += item ? 1 : 0;
+    return item ? std::make_unique<OpenFile>(*this, path) : nullptr;
+}
