@@ -43,16 +43,6 @@ TEST_F(SessionReaderTest, WithoutFileNumbersALongerFileIsTakenForTheSame) {
     EXPECT_EQ("C2 · --%", title()) << "read on behind the old end";
 }
 
-TEST_F(SessionReaderTest, AFolderInAFilesPlaceIsAnError) {
-    disk.append(fileOf(kTask), compacted("w1"));
-    disk.setDate("/codex/sessions/24", 1'000);
-    title();
-    disk.remove(fileOf(kTask));
-    disk.makeFolder(fileOf(kTask));
-    disk.setDate("/codex/sessions/24", 1'000);
-    EXPECT_EQ("posix " + std::to_string(EISDIR), title()) << "the search is still remembered";
-}
-
 /// However the bytes arrive, the figures are those of one read of the whole.
 TEST_F(SessionReaderTest, EveryCutGivesTheSameFigures) {
     const std::string whole = message("one") + compacted("w1") + "\r\n" + tokenCount("50000") +
