@@ -188,8 +188,8 @@ private:
 
     // Reading (reading.cpp)
     ORVSessionParseState& stateForFile(const std::string& url, const ORVFileAttributes& attributes);
-    bool readOn(ORVSessionParseState& state, ORVOpenFile& file, std::uint64_t fileSize,
-                ORVErrorSlot* error);
+    bool readOn(ORVSessionParseState& state, const std::string& url, ORVOpenFile& file,
+                std::uint64_t fileSize, ORVErrorSlot* error);
     bool isOutOfMemory(const ORVSessionParseState& state, std::uint64_t fileSize) const;
     void consumeCompleteLinesFromState(ORVSessionParseState& state, std::string_view chunk);
     void releaseReadingMemory();
@@ -204,6 +204,8 @@ private:
                                        ORVFileDate modifiedAt);
     WorkingFolder readWorkingFolder(const std::string& url, platform::ChunkBuffer& chunkBuffer,
                                     ORVJSONReader& jsonReader) const;
+    void takeWorkingFolder(const std::string& url, const ORVSessionParseState& state,
+                           std::string_view firstChunk);
     void readWorkingFoldersAhead(const std::vector<ORVTask>& tasks);
 
     // Histories (history.cpp)

@@ -50,7 +50,7 @@ bool ORVCodexSessionSource::updateState(ORVSessionParseState& state, const std::
     }
     state.revision = ++lastRevision_;
     try {
-        return readOn(state, *file, fileSize, error);
+        return readOn(state, url, *file, fileSize, error);
     } catch (const std::bad_alloc&) {
         // What the file took is freed; it is read from its beginning when it is tried again.
         state = ORVSessionParseState{};
@@ -70,8 +70,8 @@ bool ORVCodexSessionSource::isOutOfMemory(const ORVSessionParseState& state,
            clock_.now() - state.outOfMemory->at < kPause;
 }
 
-bool ORVCodexSessionSource::readOn(ORVSessionParseState& state, ORVOpenFile& file,
-                                   std::uint64_t fileSize, ORVErrorSlot* error) {
+bool ORVCodexSessionSource::readOn(ORVSessionParseState& state, const std::string& url,
+                                   ORVOpenFile& file, std::uint64_t fileSize, ORVErrorSlot* error) {
     if (state.pendingData.empty()) {
         std::swap(state.pendingData, spareLine_);
     }
@@ -82,6 +82,9 @@ bool ORVCodexSessionSource::readOn(ORVSessionParseState& state, ORVOpenFile& fil
             // Unlike a log file, a session file that ends early counts as read.
             isRead = chunk.has_value();
             break;
+        }
+        if (state.offset == 0) {
+            takeWorkingFolder(url, state, *chunk);
         }
         state.offset += chunk->size();
         consumeCompleteLinesFromState(state, *chunk);

@@ -122,6 +122,22 @@ ORVCodexSessionSource::WorkingFolder ORVCodexSessionSource::readWorkingFolder(
     return result;
 }
 
+/// Spares opening the file again: reading.cpp calls this with the beginning of a file that it reads
+/// for its figures.
+void ORVCodexSessionSource::takeWorkingFolder(const std::string& url,
+                                              const ORVSessionParseState& state,
+                                              std::string_view firstChunk) {
+    const std::size_t lineFeed = firstChunk.find('\n');
+    if (lineFeed != std::string_view::npos) {
+        const auto record =
+            jsonReader_.readObject(firstChunk.substr(0, lineFeed), firstRecordShape());
+        workingFolders_[url] = {state.fileIdentifier.value_or(0),
+                                {},
+                                true,
+                                record ? workingFolderIn(*record) : std::nullopt};
+    }
+}
+
 /// Reads the first lines of very many files ahead, on all processors: of twenty thousand it would
 /// be felt. One thread takes every n-th file, and the results are stored when all have ended.
 void ORVCodexSessionSource::readWorkingFoldersAhead(const std::vector<ORVTask>& tasks) {
