@@ -20,8 +20,8 @@
 - (void)dealloc {
     if (host_) {
         host_->runLoop().setTurnEnd(nullptr);
+        [[NSProcessInfo processInfo] endActivity:activity_];
     }
-    [[NSProcessInfo processInfo] endActivity:activity_];
     [activity_ release];
     [controller_ release];
     [super dealloc];

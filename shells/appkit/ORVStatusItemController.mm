@@ -5,6 +5,12 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
+/// What the items of the menu send when they are chosen.
+@interface ORVStatusItemController ()
+- (void)refresh:(id)sender;
+- (void)changeLanguage:(id)sender;
+@end
+
 namespace {
 
 /// A title may hold any bytes: that of a task without a name is the name of its file.
@@ -65,6 +71,10 @@ void updateItem(ORVShownMenuItem& pair) {
         delegate_ = &delegate;
         statusItem_ = [[[NSStatusBar systemStatusBar]
             statusItemWithLength:NSVariableStatusItemLength] retain];
+        // Digits of one width: a share that changes does not shift the neighbours.
+        statusItem_.button.font =
+            [NSFont monospacedDigitSystemFontOfSize:[NSFont menuBarFontOfSize:0].pointSize
+                                             weight:NSFontWeightRegular];
         statusItem_.menu = [self menuShowing:*delegate.statusItem().menu];
         [self update];
     }

@@ -37,4 +37,11 @@ inline std::string title(std::string_view id, std::string_view name) {
     return R"({"id":")" + std::string(id) + R"(","thread_name":")" + std::string(name) + "\"}\n";
 }
 
+/// Of the desktop application's log: a task comes into view.
+inline std::string taskInView(std::string_view id) {
+    return "1 thread_stream_view_activity_changed active=true rendererWindowAppearance=primary "
+           "rendererWindowFocused=true conversationId=" +
+           std::string(id) + "\n";
+}
+
 }  // namespace records
