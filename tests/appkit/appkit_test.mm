@@ -216,10 +216,14 @@ TEST_F(AppKitTest, WhatIsChosenIsDoneAndShownAtOnce) {
 }
 
 /// GNUstep's common modes are a mode like any other; here it is that of an open menu.
-void runWhileMenuIsOpen() {
-    @autoreleasepool {
-        [[NSRunLoop currentRunLoop] runMode:NSRunLoopCommonModes
-                                 beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.02]];
+template <typename Condition>
+void runWhileMenuIsOpenUntil(Condition isMet) {
+    NSDate* end = [NSDate dateWithTimeIntervalSinceNow:30];
+    while (!isMet() && [end timeIntervalSinceNow] > 0) {
+        @autoreleasepool {
+            NSDate* soon = [NSDate dateWithTimeIntervalSinceNow:0.02];
+            [[NSRunLoop currentRunLoop] runMode:NSRunLoopCommonModes beforeDate:soon];
+        }
     }
 }
 
@@ -231,10 +235,7 @@ TEST_F(AppKitTest, NothingWaitsForTheMenuToClose) {
         [menu().delegate menuWillOpen:menu()];
     }
     const auto expectTitle = [this](const char* title) {
-        NSDate* end = [NSDate dateWithTimeIntervalSinceNow:60];
-        while (text(button().title) != title && [end timeIntervalSinceNow] > 0) {
-            runWhileMenuIsOpen();
-        }
+        runWhileMenuIsOpenUntil([&] { return text(button().title) == title; });
         EXPECT_EQ(title, text(button().title));
         expectEverythingShown();
     };
@@ -253,6 +254,7 @@ TEST_F(AppKitTest, ATurnOfAnyKindEndsWithItsUpdateAndItsPool) {
     const auto queue = ORVAppKitHost().makeSerialQueue("a.label");
     std::unique_ptr<ORVRepeatingTimer> timer;
     const auto kept = std::make_shared<int>();
+    const std::string kTurn = "closure on main update on main ";
     std::string order;
     const auto note = [&order](const char* what) {
         order += std::string(what) + dispatch_stand_in_current_queue()->label + " ";
@@ -282,21 +284,23 @@ TEST_F(AppKitTest, ATurnOfAnyKindEndsWithItsUpdateAndItsPool) {
             EXPECT_GT(2.6, [fires timeIntervalSinceNow]);
             EXPECT_LT(2.4, [fires timeIntervalSinceDate:before]);
             timer = loop.makeRepeatingTimer(std::chrono::milliseconds(1), closure);
-            while (order.empty()) {
-                runWhileMenuIsOpen();
-            }
+            runWhileMenuIsOpenUntil([&] { return order.size() >= 2 * kTurn.size(); });
+            EXPECT_EQ(kTurn + kTurn, order.substr(0, 2 * kTurn.size()));
+            order.resize(kTurn.size());
         }};
     for (const auto& run : kKinds) {
         SCOPED_TRACE(&run - kKinds);
         @autoreleasepool {
             order.clear();
             run();
-            EXPECT_EQ("closure on main update on main ", order);
+            EXPECT_EQ(kTurn, order);
             EXPECT_EQ(0, ORVStandIn.symbols) << "what it leaves behind ends with it";
         }
     }
     timer.reset();
-    runWhileMenuIsOpen();
+    order.clear();
+    runWhileMenuIsOpenUntil([passes = 0]() mutable { return ++passes > 2; });
+    EXPECT_EQ("", order);
     EXPECT_EQ(2, kept.use_count()) << "closures end, those of a timer with its owner";
 }
 
