@@ -111,13 +111,10 @@ protected:
             EXPECT_EQ(item.state ? NSControlStateValueOn : NSControlStateValueOff, native.state);
             EXPECT_EQ(item.keyEquivalent, text(native.keyEquivalent));
             EXPECT_EQ(NSEventModifierFlagCommand, native.keyEquivalentModifierMask);
+            const bool isTerminate = item.action == ORVMenuAction::terminate;
+            const id handler = isTerminate ? (id)NSApp : (id)delegate.controller;
             if (!item.submenu) {  // GNUstep sets that one's target.
-                const bool isNoAction = item.action == ORVMenuAction::none;
-                const bool isSystems = item.action == ORVMenuAction::terminate;
-                EXPECT_EQ(isNoAction  ? nil
-                          : isSystems ? NSApp
-                                      : delegate.controller,
-                          native.target)
+                EXPECT_EQ(item.action == ORVMenuAction::none ? nil : handler, native.target)
                     << "a target that is found by searching may be another";
             }
             ASSERT_EQ(item.image.has_value(), native.image != nil);

@@ -69,7 +69,7 @@ __attribute__((constructor)) void prepareHome() {
 }
 
 - (void)look:(NSTimer*)timer {
-    expect(++looks < 600, "the first figures come within a minute");
+    expect(++looks < 400, "the first figures come within 40 seconds");
     ORVApplicationDelegate* delegate = (ORVApplicationDelegate*)[NSApp delegate];
     NSStatusItem* statusItem = delegate.controller.statusItem;
     if (![statusItem.button.title isEqualToString:@"C1 · 47%"]) {
