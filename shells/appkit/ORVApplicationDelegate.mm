@@ -16,12 +16,12 @@
     host_->runLoop().setTurnEnd([controller = controller_] { [controller update]; });
 }
 
-/// AppKit ends the process while the application still runs, so this is for tests.
+/// AppKit ends the process while the application still runs, so this is for tests. They see to it
+/// that no refresh is under way: it would use the host.
 - (void)dealloc {
-    if (host_) {
-        host_->runLoop().setTurnEnd(nullptr);
+    if (activity_) {
+        [[NSProcessInfo processInfo] endActivity:activity_];
     }
-    [[NSProcessInfo processInfo] endActivity:activity_];
     [activity_ release];
     [controller_ release];
     [super dealloc];

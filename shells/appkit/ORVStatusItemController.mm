@@ -5,11 +5,18 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
+/// What the items of the menu send when they are chosen.
+@interface ORVStatusItemController ()
+- (void)refresh:(id)sender;
+- (void)changeLanguage:(id)sender;
+@end
+
 namespace {
 
-/// A title may hold any bytes: that of a task without a name is the name of its file.
+/// A title may hold any bytes and any characters, also ones that turn the direction of the text
+/// around them: that of a task without a name is the name of its file.
 NSString* stringOf(const std::string& text) {
-    return platform::foundationString(text::withInvalidBytesReplaced(text));
+    return platform::foundationString(text::forTerminal(text));
 }
 
 SEL _Nullable selectorOf(ORVMenuAction action) {
@@ -65,6 +72,10 @@ void updateItem(ORVShownMenuItem& pair) {
         delegate_ = &delegate;
         statusItem_ = [[[NSStatusBar systemStatusBar]
             statusItemWithLength:NSVariableStatusItemLength] retain];
+        // Digits of one width: a share that changes does not shift the neighbours.
+        statusItem_.button.font =
+            [NSFont monospacedDigitSystemFontOfSize:[NSFont menuBarFontOfSize:0].pointSize
+                                             weight:NSFontWeightRegular];
         statusItem_.menu = [self menuShowing:*delegate.statusItem().menu];
         [self update];
     }

@@ -4,8 +4,31 @@
 
 #import "shells/appkit/ORVApplicationDelegate.h"
 
+namespace {
+
+/// Outside a bundle nothing tells the program's processes from any other.
+bool isRunningAlready() {
+    NSString* identifier = [NSBundle mainBundle].bundleIdentifier;
+    if (!identifier) {
+        return false;
+    }
+    const pid_t ownProcess = [NSProcessInfo processInfo].processIdentifier;
+    for (NSRunningApplication* application in
+         [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier]) {
+        if (application.processIdentifier != ownProcess) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
 int main() {
     @autoreleasepool {
+        if (isRunningAlready()) {
+            return 0;  // One is enough in a menu bar.
+        }
         NSApplication* application = [NSApplication sharedApplication];
         ORVApplicationDelegate* delegate = [[ORVApplicationDelegate alloc] init];
         application.delegate = delegate;

@@ -3,6 +3,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -13,6 +15,12 @@
 namespace {
 
 constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
+constexpr const char* kSecondCopy = "BRIMLET_SECOND_COPY";
+NSString* const kMode = @"BrimletLanguageMode";
+
+TemporaryHome* home = nullptr;
+int looks = 0;
+bool quits = false;
 
 void expect(bool condition, const char* what) {
     if (!condition) {
@@ -21,30 +29,38 @@ void expect(bool condition, const char* what) {
     }
 }
 
-NSStatusItem* statusItem() {
-    ORVApplicationDelegate* delegate = (ORVApplicationDelegate*)[NSApp delegate];
-    return delegate.controller.statusItem;
+/// Before `main`: the program finds a home when it begins.
+__attribute__((constructor)) void prepareHome() {
+    home = new TemporaryHome;
+    home->write(std::string(".codex/sessions/rollout-2026-11-24T16-45-20-") + kTask + ".jsonl",
+                records::compacted("w1") + records::tokenCount("128000"));
+    home->write("Library/Logs/com.openai.codex/main.log", records::log("1 activity TASK"));
+    setenv("HOME", home->root().c_str(), 1);
+    std::atexit([] {
+        delete home;
+        expect(quits || std::getenv(kSecondCopy), "the program launches, and ends when it is to");
+    });
 }
 
 }  // namespace
 
-@interface ORVLaunchTest : NSObject {
-    int looks_;
-}
-- (void)start:(NSNotification*)notification;
-- (void)look:(NSTimer*)timer;
+@interface ORVLaunchTest : NSObject
 @end
 
 @implementation ORVLaunchTest
 
 + (void)load {
     [[NSNotificationCenter defaultCenter] addObserver:[[ORVLaunchTest alloc] init]
-                                             selector:@selector(start:)
-                                                 name:NSApplicationDidFinishLaunchingNotification
+                                             selector:@selector(prepare:)
+                                                 name:NSApplicationWillFinishLaunchingNotification
                                                object:nil];
 }
 
-- (void)start:(NSNotification*)notification {
+- (void)prepare:(NSNotification*)notification {
+    expect(!std::getenv(kSecondCopy), "a second copy ends before it launches");
+    expect([[[NSUserDefaults standardUserDefaults] stringForKey:@"NSTreatUnknownArgumentsAsOpen"]
+               isEqualToString:@"NO"],
+           "arguments are no documents");
     [NSTimer scheduledTimerWithTimeInterval:0.1
                                      target:self
                                    selector:@selector(look:)
@@ -53,40 +69,27 @@ NSStatusItem* statusItem() {
 }
 
 - (void)look:(NSTimer*)timer {
-    expect(++looks_ < 100, "the first figures come within ten seconds");
-    if (![statusItem().button.title isEqualToString:@"C1 · 47%"]) {
+    expect(++looks < 400, "the first figures come within 40 seconds");
+    ORVApplicationDelegate* delegate = (ORVApplicationDelegate*)[NSApp delegate];
+    NSStatusItem* statusItem = delegate.controller.statusItem;
+    if (![statusItem.button.title isEqualToString:@"C1 · 47%"]) {
         return;
     }
     [timer invalidate];
-    expect(ORVStandInActivationPolicy() == NSApplicationActivationPolicyAccessory,
+    expect([NSApp activationPolicy] == NSApplicationActivationPolicyAccessory,
            "no icon in the Dock");
-    expect(ORVStandInStatusItems().size() == 1, "one status item");
-    expect(ORVStandInSuiteName() == nil, "the program's own settings are opened without a name");
-    NSMenu* menu = statusItem().menu;
-    NSMenu* languages = [menu itemAtIndex:10].submenu;
-    [languages performActionForItemAtIndex:2];
-    expect([[NSUserDefaults standardUserDefaults] integerForKey:@"BrimletLanguageMode"] == 2,
-           "a language is stored");
+    setenv(kSecondCopy, "1", 1);
+    const std::string program = [[NSBundle mainBundle] executablePath].UTF8String;
+    expect(std::system(("'" + program + "'").c_str()) == 0, "a second copy ends at once");
+    unsetenv(kSecondCopy);
+    NSMenu* menu = statusItem.menu;
+    [[menu itemAtIndex:10].submenu performActionForItemAtIndex:2];
+    expect([[NSUserDefaults standardUserDefaults] integerForKey:kMode] == 2,
+           "a language is stored, among the program's own settings");
+    [[NSUserDefaults standardUserDefaults] removeObjectForKey:kMode];
+    quits = true;
     [menu performActionForItemAtIndex:menu.numberOfItems - 1];
     expect(false, "choosing the last item quits");
 }
 
 @end
-
-namespace {
-
-/// The home that the program finds when it begins.
-struct Home : TemporaryHome {
-    Home() {
-        write(std::string(".codex/sessions/rollout-2026-11-24T16-45-20-") + kTask + ".jsonl",
-              records::compacted("w1") + records::tokenCount("128000"));
-        write("Library/Logs/com.openai.codex/main.log",
-              std::string("1 thread_stream_view_activity_changed active=true "
-                          "rendererWindowAppearance=primary rendererWindowFocused=true "
-                          "conversationId=") +
-                  kTask + "\n");
-        setenv("HOME", root().c_str(), 1);
-    }
-} home;
-
-}  // namespace

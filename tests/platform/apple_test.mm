@@ -17,15 +17,25 @@
 namespace {
 
 TEST(FoundationTest, PropertyLists) {
-    const std::string list =
-        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>a</key><integer>7</integer>"
-        "<key>k</key><string>1.2 — β</string></dict></plist>";
-    EXPECT_EQ("1.2 — β", platform::propertyListString(list, "k"));
-    EXPECT_EQ(std::nullopt, platform::propertyListString(list, "a"));
-    EXPECT_EQ(std::nullopt, platform::propertyListString(list, "absent"));
+    const auto found = [](const std::string& content) {
+        return platform::propertyListString(
+            "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>" + content + "</dict></plist>",
+            "k");
+    };
+    EXPECT_EQ("1.2 — β",
+              found("<key>a</key><integer>7</integer><key>k</key><string>1.2 — β</string>"));
+    EXPECT_EQ(std::nullopt, found("<key>k</key><integer>7</integer>"));
+    EXPECT_EQ(std::nullopt, found("<key>a</key><string>1.2</string>"));
     EXPECT_EQ(std::nullopt, platform::propertyListString("<plist><array/></plist>", "k"));
-    EXPECT_EQ(std::nullopt, platform::propertyListString("{ k = v; }", "k"));
     EXPECT_EQ(std::nullopt, platform::propertyListString("<plist><dict><key>k", "k"));
+    EXPECT_EQ(std::nullopt, platform::propertyListString("{ k = v; }", "k")) << "an old form";
+    std::string arrays = "<key>k</key><string>v</string><key>a</key><array/>";
+    for (const int levels : {100, 600}) {
+        for (int level = 0; level < levels; ++level) {
+            arrays.replace(arrays.find("<array/>"), 8, "<array><array/></array>");
+        }
+        EXPECT_EQ(levels == 100, found(arrays) == "v") << "Foundation's reader calls itself";
+    }
 }
 
 TEST(FoundationTest, Times) {
@@ -41,7 +51,7 @@ TEST(FoundationTest, SettingsAreThoseOfTheMenuBarProgram) {
     NSString* const kKey = @"TestOfBrimlet";
     NSUserDefaults* store = [[NSUserDefaults alloc] initWithSuiteName:@"com.orvellan.brimlet"];
     [store removeObjectForKey:kKey];
-    const auto defaults = platform::standardUserDefaults([](const std::string&) { FAIL(); });
+    const auto defaults = platform::standardUserDefaults([](const ORVStoringFailure&) { FAIL(); });
     EXPECT_EQ(std::nullopt, defaults->integerForKey("TestOfBrimlet"));
     [store setObject:@"2" forKey:kKey];
     EXPECT_EQ(2, defaults->integerForKey("TestOfBrimlet"));

@@ -1,10 +1,11 @@
 #pragma once
 
 // Stands in for what GNUstep lacks of a Mac's frameworks, in tests of the menu-bar shell on Linux:
-// read before every other line of the shell's sources. Each remembers what it was asked for.
+// read before every other line of the shell's sources.
 
 #import <AppKit/AppKit.h>
 
+#include <string>
 #include <vector>
 
 #undef NS_UNAVAILABLE
@@ -25,21 +26,23 @@ enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
 @property(nonatomic, getter=isHidden) BOOL hidden;
 @end
 
+@interface ORVStandInSymbol : NSImage {
+@public
+    std::string symbol;  ///< "name/description"
+}
+@end
+
 @interface NSImage (StandIn)
 + (NSImage*)imageWithSystemSymbolName:(NSString*)name
              accessibilityDescription:(NSString*)description;
 @end
 
-/// What imageWithSystemSymbolName gives.
-@interface ORVStandInSymbol : NSImage {
-    NSString* symbolName_;
-    NSString* accessibilityDescription_;
-}
-@property(nonatomic, copy) NSString* symbolName;
-@property(nonatomic, copy) NSString* accessibilityDescription;
+@interface NSFont (StandIn)
++ (NSFont*)monospacedDigitSystemFontOfSize:(CGFloat)size weight:(NSFontWeight)weight;
 @end
 
 @interface NSApplication (StandIn)
+@property(nonatomic, readonly) NSApplicationActivationPolicy activationPolicy;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 @end
 
@@ -47,13 +50,12 @@ enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
 - (instancetype)initWithSuiteName:(NSString*)name;
 @end
 
-/// The status items in the menu bar, which does not keep them alive.
-std::vector<NSStatusItem*>& ORVStandInStatusItems();
-
-NSApplicationActivationPolicy ORVStandInActivationPolicy();
-
-/// What the process is busy with; 0 for nothing.
-NSActivityOptions ORVStandInActivity();
-
-/// The name of the suite of user defaults opened last; nil before.
-NSString* ORVStandInSuiteName();
+/// What the shell asked the system for.
+inline struct ORVStandInRecord {
+    std::vector<NSStatusItem*> statusItems;  ///< In the menu bar, which does not keep them alive.
+    int setterCalls = 0;                     ///< On the status item's button and on menu items.
+    int symbols = 0;                         ///< Images that are alive.
+    NSActivityOptions activity = 0;          ///< What the process is busy with; 0 for nothing.
+    NSApplicationActivationPolicy activationPolicy = NSApplicationActivationPolicyRegular;
+    std::string suiteName;  ///< Of the user defaults opened last.
+} ORVStandIn;

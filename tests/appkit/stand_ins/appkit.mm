@@ -1,33 +1,33 @@
 #import "tests/appkit/stand_ins/appkit.h"
 
-#import <objc/runtime.h>
+#include <unistd.h>
 
 #include <cstdlib>
-#include <map>
 
 // GNUstep's own have no menu bar to work with.
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
 
-namespace {
+// clang-format off
+#define COUNTED_SETTER(Name, Type) \
+    - (void)set##Name:(Type)value { ++ORVStandIn.setterCalls; [super set##Name:value]; }
+// clang-format on
 
-// A category has no fields of its own.
-std::map<const void*, BOOL> hiddenItems;
-std::map<const void*, NSString*> labels;
-NSApplicationActivationPolicy activationPolicy = NSApplicationActivationPolicyRegular;
-NSString* suiteName = nil;
-NSActivityOptions activity = 0;
+@interface ORVStandInButton : NSStatusBarButton
+@end
 
-}  // namespace
+@implementation ORVStandInButton
 
-@implementation NSStatusBarButton (StandIn)
+COUNTED_SETTER(Title, NSString*)
+COUNTED_SETTER(ToolTip, NSString*)
+COUNTED_SETTER(Font, NSFont*)
 
 - (NSString*)accessibilityLabel {
-    return labels[self];
+    return [self alternateTitle];
 }
 
 - (void)setAccessibilityLabel:(NSString*)label {
-    [labels[self] release];
-    labels[self] = [label copy];
+    ++ORVStandIn.setterCalls;
+    [self setAlternateTitle:label];
 }
 
 @end
@@ -35,40 +35,23 @@ NSActivityOptions activity = 0;
 @interface ORVStandInStatusItem : NSStatusItem {
     NSStatusBarButton* button_;
     NSMenu* menu_;
-    CGFloat length_;
 }
-@property(nonatomic) CGFloat length;
+@property(nonatomic, retain) NSStatusBarButton* button;
 @property(nonatomic, retain) NSMenu* menu;
 @end
 
 @implementation ORVStandInStatusItem
 
-@synthesize length = length_;
+@synthesize button = button_;
 @synthesize menu = menu_;
 
-- (NSStatusBarButton*)button {
-    if (!button_) {
-        button_ = [[NSStatusBarButton alloc] initWithFrame:NSMakeRect(0, 0, 100, 22)];
-    }
-    return button_;
-}
-
 - (void)dealloc {
-    std::erase(ORVStandInStatusItems(), self);
+    std::erase(ORVStandIn.statusItems, self);
     [button_ release];
     [menu_ release];
     [super dealloc];
 }
 
-@end
-
-@implementation NSStatusItem (StandIn)
-- (NSStatusBarButton*)button {
-    return nil;
-}
-@end
-
-@interface NSStatusBar (StandIn)
 @end
 
 @implementation NSStatusBar (StandIn)
@@ -80,115 +63,126 @@ NSActivityOptions activity = 0;
 
 - (NSStatusItem*)statusItemWithLength:(CGFloat)length {
     ORVStandInStatusItem* item = [[[ORVStandInStatusItem alloc] init] autorelease];
+    item.button = [[[ORVStandInButton alloc] init] autorelease];
     item.length = length;
-    ORVStandInStatusItems().push_back(item);
+    ORVStandIn.statusItems.push_back(item);
     return item;
 }
 
 - (void)removeStatusItem:(NSStatusItem*)item {
-    std::erase(ORVStandInStatusItems(), item);
+    std::erase(ORVStandIn.statusItems, item);
 }
 
 @end
 
-@implementation NSMenuItem (StandIn)
-
-- (BOOL)isHidden {
-    return hiddenItems[self];
+@interface ORVStandInMenuItem : NSMenuItem {
+    BOOL hidden_;
 }
+@property(nonatomic, getter=isHidden) BOOL hidden;
+@end
 
-- (void)setHidden:(BOOL)hidden {
-    hiddenItems[self] = hidden;
+@implementation ORVStandInMenuItem
+
+COUNTED_SETTER(Title, NSString*)
+COUNTED_SETTER(Enabled, BOOL)
+COUNTED_SETTER(State, NSInteger)
+COUNTED_SETTER(Image, NSImage*)
+
+@synthesize hidden = hidden_;
+
+@end
+
+@implementation NSMenuItem (StandInAllocation)
++ (instancetype)alloc {
+    return self == [NSMenuItem class] ? [ORVStandInMenuItem alloc] : [super alloc];
 }
-
 @end
 
 @implementation ORVStandInSymbol
-@synthesize symbolName = symbolName_;
-@synthesize accessibilityDescription = accessibilityDescription_;
+- (void)dealloc {
+    --ORVStandIn.symbols;
+    [super dealloc];
+}
 @end
 
 @implementation NSImage (StandIn)
-
 + (NSImage*)imageWithSystemSymbolName:(NSString*)name
              accessibilityDescription:(NSString*)description {
-    ORVStandInSymbol* symbol =
-        [[[ORVStandInSymbol alloc] initWithSize:NSMakeSize(16, 16)] autorelease];
-    symbol.symbolName = name;
-    symbol.accessibilityDescription = description;
-    return symbol;
+    ORVStandInSymbol* image = [[[ORVStandInSymbol alloc] init] autorelease];
+    ++ORVStandIn.symbols;
+    image->symbol = std::string([name UTF8String]) + "/" + [description UTF8String];
+    return image;
+}
+@end
+
+@implementation NSFont (StandIn)
++ (NSFont*)monospacedDigitSystemFontOfSize:(CGFloat)size weight:(NSFontWeight)weight {
+    return weight == NSFontWeightRegular ? [NSFont userFixedPitchFontOfSize:size] : nil;
+}
+@end
+
+@implementation NSApplication (StandIn)
+
+- (NSApplicationActivationPolicy)activationPolicy {
+    return ORVStandIn.activationPolicy;
+}
+
+- (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy {
+    ORVStandIn.activationPolicy = policy;
+    return YES;
 }
 
 @end
 
-@implementation NSApplication (StandIn)
-- (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy {
-    activationPolicy = policy;
-    return YES;
+/// One process of every bundle: this one, or another when a variable says so.
+@implementation NSRunningApplication (StandIn)
+
++ (NSArray*)runningApplicationsWithBundleIdentifier:(NSString*)identifier {
+    return @[ [[[NSRunningApplication alloc] init] autorelease] ];
 }
+
+- (pid_t)processIdentifier {
+    return std::getenv("BRIMLET_SECOND_COPY") ? getppid() : getpid();
+}
+
 @end
 
 @implementation NSUserDefaults (StandIn)
 - (instancetype)initWithSuiteName:(NSString*)name {
     [self release];
-    suiteName = [name copy];
-    return [[NSUserDefaults standardUserDefaults] retain];
+    ORVStandIn.suiteName = [name UTF8String];
+    const bool isOwn = [name isEqualToString:[[NSBundle mainBundle] bundleIdentifier]];
+    return isOwn ? nil : [[NSUserDefaults standardUserDefaults] retain];
 }
 @end
 
-@interface NSProcessInfo (StandIn)
+@interface ORVStandInActivity : NSObject
+@end
+
+@implementation ORVStandInActivity
+- (void)dealloc {
+    ORVStandIn.activity = 0;
+    [super dealloc];
+}
 @end
 
 @implementation NSProcessInfo (StandIn)
 
 - (id)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason {
-    activity = options;
-    return [[[NSObject alloc] init] autorelease];
+    ORVStandIn.activity = options;
+    return [[[ORVStandInActivity alloc] init] autorelease];
 }
 
 - (void)endActivity:(id<NSObject>)ended {
-    activity = 0;
+    ORVStandIn.activity = 0;
 }
 
 @end
 
-/// In GNUstep the common modes are a mode like any other, in which no loop ever runs.
-@interface NSRunLoop (StandIn)
+/// Without the daemon that carries notifications from program to program: whether it runs, and what
+/// the others do with it, is nothing to depend on.
+@implementation NSDistributedNotificationCenter (StandIn)
++ (NSDistributedNotificationCenter*)defaultCenter {
+    return nil;
+}
 @end
-
-@implementation NSRunLoop (StandIn)
-
-+ (void)load {
-    method_exchangeImplementations(class_getInstanceMethod(self, @selector(addTimer:forMode:)),
-                                   class_getInstanceMethod(self, @selector(standInAddTimer:
-                                                                                   forMode:)));
-}
-
-- (void)standInAddTimer:(NSTimer*)timer forMode:(NSString*)mode {
-    if (![mode isEqualToString:NSRunLoopCommonModes]) {
-        [self standInAddTimer:timer forMode:mode];
-        return;
-    }
-    [self standInAddTimer:timer forMode:NSDefaultRunLoopMode];
-    [self standInAddTimer:timer forMode:NSEventTrackingRunLoopMode];
-    [self standInAddTimer:timer forMode:NSModalPanelRunLoopMode];
-}
-
-@end
-
-std::vector<NSStatusItem*>& ORVStandInStatusItems() {
-    static std::vector<NSStatusItem*> items;
-    return items;
-}
-
-NSApplicationActivationPolicy ORVStandInActivationPolicy() {
-    return activationPolicy;
-}
-
-NSActivityOptions ORVStandInActivity() {
-    return activity;
-}
-
-NSString* ORVStandInSuiteName() {
-    return suiteName;
-}
