@@ -5,9 +5,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
+#include "ctl/answers.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
+#include "text/json_text.h"
 
 namespace {
 
@@ -256,6 +259,30 @@ TEST_F(BrimletctlTest, LongQueriesAreUnknownAndFilesMayBeFull) {
     const Outcome full = run("(ulimit -f 1; for i in 1 2 3 4; do $b help; done >full)");
     EXPECT_EQ(1, full.status) << "not a signal";
     EXPECT_TRUE(full.output.ends_with("cannot write the output: File too large\n")) << full.output;
+}
+
+TEST(AnswersTest, DatesAndNumbersArePlain) {
+    const std::pair<std::int64_t, const char*> kDates[] = {
+        {0, "1970-01-01T00:00:00.000000007Z"},
+        {-62167219201, "0000-01-01T00:00:00.000000007Z"},
+        {253402300800, "9999-12-31T23:59:59.000000007Z"},
+        {std::numeric_limits<std::int64_t>::min(), "0000-01-01T00:00:00.000000007Z"},
+        {std::numeric_limits<std::int64_t>::max(), "9999-12-31T23:59:59.000000007Z"}};
+    for (const auto& [seconds, text] : kDates) {
+        EXPECT_EQ(text, ctl::utcText({seconds, 7}));
+    }
+    const std::pair<double, const char*> kNumbers[] = {{0, "0"},
+                                                       {50, "50"},
+                                                       {100, "100"},
+                                                       {12.5, "12.5"},
+                                                       {1e21,
+                                                        "1"
+                                                        "000000000000000000000"},
+                                                       {1e-7, "0.0000001"},
+                                                       {0.1 + 0.2, "0.30000000000000004"}};
+    for (const auto& [number, text] : kNumbers) {
+        EXPECT_EQ(text, text::numberJSON(number));
+    }
 }
 
 TEST_F(BrimletctlTest, ExitStatuses) {

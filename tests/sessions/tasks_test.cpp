@@ -202,6 +202,8 @@ TEST_F(TasksTest, WhoeverAsksGetsTheSameFigures) {
                           figures);
             }
         }
+        const auto latest = fresh.latestSnapshotWithError(nullptr);
+        EXPECT_EQ(latest->lastUpdated(), tasks->front().newestFile().modifiedAt);
         const auto here = fresh.snapshotForFolder("/a/b/c", nullptr);
         if (here && ORVCodexSessionSource::threadIDFromSessionURL(here->fileURL())) {
             EXPECT_EQ(described(source.snapshotForThreadID(here->threadID(), nullptr)),
