@@ -132,6 +132,75 @@ protected:
     const std::string file = std::string(".codex/sessions/") + kTask + ".jsonl";
 };
 
+/// GNUstep's common modes are a mode like any other; here it is that of an open menu.
+template <typename Condition>
+void runWhileMenuIsOpenUntil(Condition isMet) {
+    NSDate* end = [NSDate dateWithTimeIntervalSinceNow:30];
+    while (!isMet() && [end timeIntervalSinceNow] > 0) {
+        @autoreleasepool {
+            NSDate* soon = [NSDate dateWithTimeIntervalSinceNow:0.02];
+            [[NSRunLoop currentRunLoop] runMode:NSRunLoopCommonModes beforeDate:soon];
+        }
+    }
+}
+
+// First, since a turn that outlives its test would end the others.
+TEST_F(AppKitTest, ATurnOfAnyKindEndsWithItsUpdateAndItsPool) {
+    NSDate* before = [NSDate date];
+    ORVMainRunLoop loop;
+    const auto queue = ORVAppKitHost().makeSerialQueue("a.label");
+    std::unique_ptr<ORVRepeatingTimer> timer;
+    const auto kept = std::make_shared<int>();
+    const std::string kTurn = "closure on main update on main ";
+    std::string order;
+    const auto note = [&order](const char* what) {
+        order += std::string(what) + dispatch_stand_in_current_queue()->label + " ";
+        (void)[NSImage imageWithSystemSymbolName:@"left" accessibilityDescription:@"behind"];
+    };
+    const auto closure = [note, kept] { note("closure on "); };
+    loop.setTurnEnd([&] { note("update on "); });
+    const std::function<void()> kKinds[] = {
+        [&] {
+            queue->dispatch([&, kept] {
+                note("step on ");
+                EXPECT_EQ(QOS_CLASS_UTILITY, dispatch_stand_in_current_queue()->attributes.qosClass)
+                    << "reading gives way to the user";
+                loop.post(closure);
+            });
+            dispatch_stand_in_finish();
+            EXPECT_EQ("step on a.label ", order.substr(0, 16));
+            order.erase(0, 16);
+        },
+        [&] {
+            loop.postAfter(std::chrono::milliseconds(1'200), closure);
+            EXPECT_EQ(1'200'000'000U, dispatch_stand_in_run_delayed());
+        },
+        [&] {
+            timer = loop.makeRepeatingTimer(std::chrono::milliseconds(2'500), closure);
+            NSDate* fires = [[NSRunLoop currentRunLoop] limitDateForMode:NSRunLoopCommonModes];
+            EXPECT_GT(2.6, [fires timeIntervalSinceNow]);
+            EXPECT_LT(2.4, [fires timeIntervalSinceDate:before]);
+            timer = loop.makeRepeatingTimer(std::chrono::milliseconds(1), closure);
+            runWhileMenuIsOpenUntil([&] { return order.size() >= 2 * kTurn.size(); });
+            EXPECT_EQ(kTurn + kTurn, order.substr(0, 2 * kTurn.size()));
+            order.resize(kTurn.size());
+        }};
+    for (const auto& run : kKinds) {
+        SCOPED_TRACE(&run - kKinds);
+        @autoreleasepool {
+            order.clear();
+            run();
+            EXPECT_EQ(kTurn, order);
+            EXPECT_EQ(0, ORVStandIn.symbols) << "what it leaves behind ends with it";
+        }
+    }
+    timer.reset();
+    order.clear();
+    runWhileMenuIsOpenUntil([passes = 0]() mutable { return ++passes > 2; });
+    EXPECT_EQ("", order);
+    EXPECT_EQ(2, kept.use_count()) << "closures end, those of a timer with its owner";
+}
+
 TEST_F(AppKitTest, TheStatusItemFromLaunchToTheEnd) {
     launch();
     EXPECT_EQ("C– · --%", text(button().title)) << "before the first refresh can end";
@@ -212,18 +281,6 @@ TEST_F(AppKitTest, WhatIsChosenIsDoneAndShownAtOnce) {
     EXPECT_EQ("退出 Brimlet", text(shown("quitItem").title)) << "the system's language";
 }
 
-/// GNUstep's common modes are a mode like any other; here it is that of an open menu.
-template <typename Condition>
-void runWhileMenuIsOpenUntil(Condition isMet) {
-    NSDate* end = [NSDate dateWithTimeIntervalSinceNow:30];
-    while (!isMet() && [end timeIntervalSinceNow] > 0) {
-        @autoreleasepool {
-            NSDate* soon = [NSDate dateWithTimeIntervalSinceNow:0.02];
-            [[NSRunLoop currentRunLoop] runMode:NSRunLoopCommonModes beforeDate:soon];
-        }
-    }
-}
-
 TEST_F(AppKitTest, NothingWaitsForTheMenuToClose) {
     launch();
     [[NSNotificationCenter defaultCenter] postNotificationName:NSMenuDidBeginTrackingNotification
@@ -243,62 +300,6 @@ TEST_F(AppKitTest, NothingWaitsForTheMenuToClose) {
     choose("refreshItem");
     expectTitle("✓ Check Complete");
     EXPECT_FALSE(shown("focusItem").hidden);
-}
-
-TEST_F(AppKitTest, ATurnOfAnyKindEndsWithItsUpdateAndItsPool) {
-    NSDate* before = [NSDate date];
-    ORVMainRunLoop loop;
-    const auto queue = ORVAppKitHost().makeSerialQueue("a.label");
-    std::unique_ptr<ORVRepeatingTimer> timer;
-    const auto kept = std::make_shared<int>();
-    const std::string kTurn = "closure on main update on main ";
-    std::string order;
-    const auto note = [&order](const char* what) {
-        order += std::string(what) + dispatch_stand_in_current_queue()->label + " ";
-        (void)[NSImage imageWithSystemSymbolName:@"left" accessibilityDescription:@"behind"];
-    };
-    const auto closure = [note, kept] { note("closure on "); };
-    loop.setTurnEnd([&] { note("update on "); });
-    const std::function<void()> kKinds[] = {
-        [&] {
-            queue->dispatch([&, kept] {
-                note("step on ");
-                EXPECT_EQ(QOS_CLASS_UTILITY, dispatch_stand_in_current_queue()->attributes.qosClass)
-                    << "reading gives way to the user";
-                loop.post(closure);
-            });
-            dispatch_stand_in_finish();
-            EXPECT_EQ("step on a.label ", order.substr(0, 16));
-            order.erase(0, 16);
-        },
-        [&] {
-            loop.postAfter(std::chrono::milliseconds(1'200), closure);
-            EXPECT_EQ(1'200'000'000U, dispatch_stand_in_run_delayed());
-        },
-        [&] {
-            timer = loop.makeRepeatingTimer(std::chrono::milliseconds(2'500), closure);
-            NSDate* fires = [[NSRunLoop currentRunLoop] limitDateForMode:NSRunLoopCommonModes];
-            EXPECT_GT(2.6, [fires timeIntervalSinceNow]);
-            EXPECT_LT(2.4, [fires timeIntervalSinceDate:before]);
-            timer = loop.makeRepeatingTimer(std::chrono::milliseconds(1), closure);
-            runWhileMenuIsOpenUntil([&] { return order.size() >= 2 * kTurn.size(); });
-            EXPECT_EQ(kTurn + kTurn, order.substr(0, 2 * kTurn.size()));
-            order.resize(kTurn.size());
-        }};
-    for (const auto& run : kKinds) {
-        SCOPED_TRACE(&run - kKinds);
-        @autoreleasepool {
-            order.clear();
-            run();
-            EXPECT_EQ(kTurn, order);
-            EXPECT_EQ(0, ORVStandIn.symbols) << "what it leaves behind ends with it";
-        }
-    }
-    timer.reset();
-    order.clear();
-    runWhileMenuIsOpenUntil([passes = 0]() mutable { return ++passes > 2; });
-    EXPECT_EQ("", order);
-    EXPECT_EQ(2, kept.use_count()) << "closures end, those of a timer with its owner";
 }
 
 }  // namespace

@@ -90,6 +90,11 @@ COUNTED_SETTER(Image, NSImage*)
 
 @synthesize hidden = hidden_;
 
+- (void)setHidden:(BOOL)hidden {
+    ++ORVStandIn.setterCalls;
+    hidden_ = hidden;
+}
+
 @end
 
 @implementation NSMenuItem (StandInAllocation)
