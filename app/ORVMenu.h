@@ -26,8 +26,8 @@ struct ORVMenuItem {
     bool enabled = true;
     bool hidden = false;
     ORVMenuAction action = ORVMenuAction::none;
-    std::string
-        keyEquivalent;  ///< A lower-case letter, pressed with the platform's modifier; or "".
+    /// A lower-case letter, pressed with the platform's modifier key; "" for none.
+    std::string keyEquivalent;
     std::optional<std::int64_t> tag;  ///< Of a language: its mode.
     bool state = false;               ///< Checked.
     std::optional<ORVMenuImage> image;

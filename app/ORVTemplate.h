@@ -22,7 +22,7 @@ struct ORVTemplateValues {
 /// A user's own line of text about a task: "{status} {title}".
 ///
 /// Names in braces stand for values, "{{" and "}}" for braces. A value that is not known is "--".
-/// Values cannot steer a terminal; the template's own text is given back as it is.
+/// Values cannot steer a terminal; the template's own text stays as it is.
 class ORVTemplate {
 public:
     /// None for a text with a name that does not exist or a brace without its partner.

@@ -21,7 +21,7 @@ void holdStandardDescriptors();
 WriteResult writeOutput(std::string_view bytes);
 
 /// "brimletctl: " and the text, as a line on standard error; control characters made harmless.
-/// Dropped when nobody reads there: the figures matter more.
+/// The line is dropped where writing would have to wait: the figures matter more.
 void complain(std::string_view text);
 
 /// What was not understood, and where to find help: two lines on standard error.

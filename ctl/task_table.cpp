@@ -96,11 +96,9 @@ std::string line(const TaskRow& row, const Cells& cells, const Widths& widths,
     }
     text += colored(fitted(cells.gauge, widths.gauge)) + fitted(cells.age, widths.age) +
             fitted(cells.folder, widths.folder);
-    text += isColored ? bold(fitted(cells.title, widths.title)) : fitted(cells.title, widths.title);
-    while (text.ends_with(' ')) {
-        text.pop_back();
-    }
-    return text + '\n';
+    std::string title = fitted(cells.title, widths.title);
+    title.resize(title.find_last_not_of(' ') + 1);
+    return text + (isColored ? bold(title) : title) + '\n';
 }
 
 }  // namespace

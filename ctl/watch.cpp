@@ -113,7 +113,7 @@ private:
 
 int watchAsMenu(const Arguments& arguments, ORVPosixHost::Settings settings) {
     settings.request.eventsPerFile = kEventsOfAPlot;
-    // What is said while the menu is on the screen is told when the screen is given back.
+    // Complaints wait until the menu has left the screen.
     std::vector<std::string> complaints;
     ORVPosixApplication application(std::move(settings), [&](const std::string& complaint) {
         complaints.push_back(complaint);

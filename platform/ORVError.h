@@ -5,7 +5,8 @@
 #include <string>
 #include <utility>
 
-/// Why something could not be done. Never shown to the user of the menu bar, never translated.
+/// Says why something could not be done. An error is never translated and never shown in the menu;
+/// scripts and developers read it.
 struct ORVError {
     std::string domain;  ///< "Orvellan" for the program's own codes, "posix" for an errno.
     std::int64_t code = 0;
@@ -13,9 +14,10 @@ struct ORVError {
     bool operator==(const ORVError&) const = default;
 };
 
-/// A caller's place for an error; empty means that none was reported so far. A null pointer to a
-/// slot means "not interested". Success is read from a call's result, never from the slot: a slot
-/// may pass through several calls and keep the error of one that was passed over.
+/// The caller's place for an error. An empty slot means that no error was reported so far; a null
+/// pointer to a slot means that the caller does not want to know. Success is read from a call's
+/// result, never from the slot: one slot may pass through several calls, and keep the error of a
+/// file that was passed over beside a valid result.
 using ORVErrorSlot = std::optional<ORVError>;
 
 /// Puts an error into the slot in place of what stands there.

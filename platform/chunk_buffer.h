@@ -12,19 +12,19 @@ namespace platform {
 
 /// Memory for reading files piece by piece.
 ///
-/// It is taken by the first read and kept from file to file until it is given back: taking it costs
-/// more than reading a small file.
+/// The first read allocates the memory, and it is kept from file to file until releaseMemory is
+/// called: allocating it costs more than reading a small file.
 ///
-/// It begins at a page: a system call that copies to an address a few bytes behind one, where an
-/// allocator puts every large block, runs at a quarter of the speed. Its size suits a processor's
-/// second-level cache, from which a chunk is then searched.
+/// The memory begins at a page: a system call that copies to an address a few bytes after the start
+/// of a page, where an allocator puts every large block, runs at a quarter of the speed. The size
+/// suits a processor's second-level cache, from which a chunk is then searched.
 class ChunkBuffer {
 public:
     static constexpr std::size_t kChunkBytes = 128 * 1024;
 
     /// The next bytes of the file from `offset`, at most `limit` and at most a chunk; empty at the
-    /// file's end. None with the system's error when it cannot be read. Valid until the next read,
-    /// and followed by ORVByteBuffer::kReadableBytesBeyond readable bytes.
+    /// file's end. None with the system's error when it cannot be read. The bytes are valid until
+    /// the next read, and followed by ORVByteBuffer::kReadableBytesBeyond readable bytes.
     std::optional<std::string_view> read(ORVOpenFile& file, std::uint64_t offset,
                                          std::uint64_t limit, ORVErrorSlot* error);
 

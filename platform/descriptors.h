@@ -4,7 +4,8 @@
 
 /// A descriptor that somebody waits for.
 struct ORVWatchedDescriptor {
-    /// A hang-up always counts; at the other end of an output it tells of a reader that left.
+    /// A hang-up is reported whatever the interest is: for an output it means that its reader has
+    /// closed the other end.
     enum class Interest { readable, writable, hangUpOnly };
 
     int descriptor = -1;
@@ -14,11 +15,12 @@ struct ORVWatchedDescriptor {
 
 namespace platform {
 
-/// Sleeps until one of the descriptors is ready, a signal arrives, or the time is over; -1 for no
-/// end. Marks those that are ready.
+/// Sleeps until one of the descriptors is ready, a signal arrives, or the time is over (never, for
+/// -1), and marks the descriptors that are ready.
 void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds);
 
-/// Whether a write of up to PIPE_BUF bytes will not wait, asked for at most that long.
+/// Waits at most that long until up to PIPE_BUF bytes can be written without waiting, and returns
+/// whether they can.
 bool isWritable(int descriptor, int milliseconds);
 
 }  // namespace platform

@@ -19,7 +19,7 @@ struct ORVFileDate {
     auto operator<=>(const ORVFileDate&) const = default;
 };
 
-/// What the file system says of one item. A value that it does not give is absent.
+/// The attributes of one item. An attribute that the file system does not have is absent.
 struct ORVFileAttributes {
     std::optional<std::uint64_t> size;        ///< Bytes.
     std::optional<std::uint64_t> fileNumber;  ///< The inode: another number, another file.
@@ -38,8 +38,8 @@ class ORVOpenFile {
 public:
     virtual ~ORVOpenFile() = default;
 
-    /// Reads at most `capacity` bytes that begin at `offset`. Returns how many were read (0 at the
-    /// end of the file; it may be fewer than asked for), or none with the system's error stored.
+    /// Reads at most `capacity` bytes from `offset` on. Returns how many were read, which may be
+    /// fewer, and is 0 at the end of the file; none, with the system's error, when reading failed.
     virtual std::optional<std::size_t> readAt(std::uint64_t offset, char* buffer,
                                               std::size_t capacity, ORVErrorSlot* error) = 0;
 };
@@ -90,7 +90,8 @@ namespace platform {
 /// The file system of this machine.
 std::unique_ptr<ORVFiles> makeFiles();
 
-/// The whole content of a file of at most `limitBytes`; none when it is larger or cannot be read.
+/// Returns the whole content of a file of at most `limitBytes`, and none when the file is larger or
+/// cannot be read.
 std::optional<std::string> contentsOfFile(ORVFiles& files, const std::string& path,
                                           std::size_t limitBytes);
 

@@ -2,8 +2,8 @@
 
 namespace platform {
 
-/// Has the allocator give large blocks back to the system when they are freed, so that reading a
-/// long line leaves no trace in the resident memory. Called once, before anything large is
+/// Makes the allocator return large blocks to the system when they are freed, so that reading a
+/// long line does not leave the resident memory larger. Called once, before anything large is
 /// allocated.
 void returnFreedMemory();
 

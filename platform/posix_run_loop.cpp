@@ -109,7 +109,7 @@ void ORVPosixRunLoop::stop(int status) {
 }
 
 void ORVPosixRunLoop::dropClosures() {
-    // Moved out first: what they keep alive may sign off timers or post when it ends.
+    // Moved out first: the objects that they keep alive may remove timers, or post, when they end.
     std::vector<Closure> posted;
     {
         const std::lock_guard<std::mutex> lock(mutex_);

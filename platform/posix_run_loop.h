@@ -9,14 +9,14 @@
 #include "platform/descriptors.h"
 #include "platform/run_loop.h"
 
-/// A run loop of a process without a desktop: sleeps until a closure is posted, a timer is due, or
-/// a descriptor that is watched has something to say.
+/// The run loop of a process without a desktop. It sleeps until a closure is posted, a timer is
+/// due, or a watched descriptor is ready.
 class ORVPosixRunLoop final : public ORVRunLoop {
 public:
     ORVPosixRunLoop();
     ~ORVPosixRunLoop() override;
 
-    /// False where the process had no descriptors left. The loop must then not be run.
+    /// False when the process had no descriptors left for the loop; it must then not be run.
     bool isUsable() const { return wakeReadEnd_ >= 0; }
 
     void post(Closure closure) override;
@@ -26,23 +26,23 @@ public:
 
     using Interest = ORVWatchedDescriptor::Interest;
 
-    /// Calls `ready` in a turn of its own whenever the descriptor is; one watch for each
-    /// descriptor.
+    /// Calls `ready`, in a turn of its own, whenever the descriptor is ready. A descriptor has one
+    /// watch: a second call replaces it.
     void watch(int descriptor, Interest interest, Closure ready);
     void unwatch(int descriptor);
 
     /// Called at the end of every turn.
     void setTurnEnd(Closure turnEnd) { turnEnd_ = std::move(turnEnd); }
 
-    /// Wakes the loop; may be called by a signal handler. The loop then calls `wakened` in a turn.
+    /// Wakes the loop, which then calls `wakened` in a turn. A signal handler may call this.
     void wakeFromSignal();
     void setWakened(Closure wakened) { wakened_ = std::move(wakened); }
 
-    /// Runs until stop is called; returns the status given there.
+    /// Runs until stop is called, and returns the status that was passed to it.
     int run();
     void stop(int status);
 
-    /// Forgets every closure that has not run, with what it keeps alive.
+    /// Destroys every closure that has not run, and so releases the objects that they keep alive.
     void dropClosures();
 
 private:
@@ -63,7 +63,7 @@ private:
     std::vector<Closure> posted_;  ///< Guarded by mutex_.
 
     std::multimap<Clock::time_point, Closure> delayed_;
-    std::vector<Timer*> timers_;  ///< Owned by whoever made them; they sign off when destroyed.
+    std::vector<Timer*> timers_;  ///< Each removes itself when it is destroyed.
     std::map<int, Watch> watches_;
     Closure turnEnd_;
     Closure wakened_;

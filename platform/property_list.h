@@ -6,8 +6,8 @@
 
 namespace platform {
 
-/// The string that stands under `key` in a property list, XML or binary, whose root is a
-/// dictionary. None when the bytes are no such list, or the value is absent or of another type.
+/// Returns the string under `key` in the root dictionary of a property list; none when the bytes
+/// are not such a list, or the value is absent or of another type. Linux reads the XML form only.
 std::optional<std::string> propertyListString(std::string_view bytes, const std::string& key);
 
 }  // namespace platform

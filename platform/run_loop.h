@@ -4,15 +4,14 @@
 #include <functional>
 #include <memory>
 
-/// Fires again and again on the UI thread until it is destroyed.
+/// A timer that fires on the UI thread, again and again, until it is destroyed.
 class ORVRepeatingTimer {
 public:
     virtual ~ORVRepeatingTimer() = default;
 };
 
-/// The UI thread: runs closures one after the other. One closure is one turn.
-///
-/// Only post may be called from another thread.
+/// The UI thread. It runs closures one after the other; one closure is one turn. Only post may be
+/// called from another thread.
 class ORVRunLoop {
 public:
     using Closure = std::function<void()>;
@@ -25,8 +24,8 @@ public:
     /// Runs the closure once, in a turn of its own, when this time has passed.
     virtual void postAfter(std::chrono::milliseconds delay, Closure closure) = 0;
 
-    /// A timer whose first firing is one interval from now. What is due while a turn runs fires
-    /// once, afterwards.
+    /// Makes a timer that fires for the first time one interval from now. However many firings a
+    /// long turn delays, the timer fires once after it.
     [[nodiscard]] virtual std::unique_ptr<ORVRepeatingTimer> makeRepeatingTimer(
         std::chrono::milliseconds interval, Closure closure) = 0;
 };

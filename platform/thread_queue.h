@@ -12,16 +12,16 @@ class ThreadQueue final : public ORVSerialQueue {
 public:
     ThreadQueue();
 
-    /// False where the system gave no thread. Nothing that is dispatched then runs.
+    /// False when the system could not start a thread; dispatched closures are then never run.
     bool hasThread() const { return hasThread_; }
 
-    /// Closures that have not begun are dropped. The thread is left behind where it hangs in one,
-    /// and touches nothing of the queue again.
+    /// Drops the closures that have not begun. A thread that hangs in a closure is left behind, and
+    /// no longer touches the queue.
     ~ThreadQueue() override;
 
     void dispatch(std::function<void()> closure) override;
 
-    /// Waits until nothing runs; false when something still does after that time.
+    /// Waits at most that long until no closure runs or waits, and returns whether that is so.
     bool waitUntilIdle(std::chrono::milliseconds time);
 
 private:

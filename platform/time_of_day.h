@@ -7,14 +7,17 @@
 /// How a language writes the time of day, in two ways, since not every system has the data of every
 /// locale.
 struct ORVTimeFormat {
-    const char* locale;   ///< "en_US": whose medium style a system with such data takes.
-    const char* pattern;  ///< The same for `strftime`; a zero that the time begins with is left out
-                          ///< where the pattern begins with %I.
+    /// "en_US". A system that has the data of locales uses this one's medium style.
+    const char* locale;
+
+    /// The same style as a pattern for `strftime`, for systems without such data. Where it begins
+    /// with %I, a leading zero of the hour is left out.
+    const char* pattern;
 };
 
 namespace platform {
 
-/// Hours, minutes and seconds in the user's time zone.
+/// Returns hours, minutes and seconds of the date in the user's time zone.
 std::string mediumTimeOfDay(ORVFileDate date, const ORVTimeFormat& format);
 
 }  // namespace platform

@@ -13,8 +13,8 @@ class ORVUserDefaults {
 public:
     virtual ~ORVUserDefaults() = default;
 
-    /// None when nothing is stored under the key; a stored value that is no number reads as the
-    /// digits that it begins with, else as 0.
+    /// Returns the number stored under the key, and none when nothing is. A stored text counts as
+    /// the number that it begins with, else as 0.
     virtual std::optional<std::int64_t> integerForKey(std::string_view key) = 0;
 
     virtual void setInteger(std::int64_t value, std::string_view key) = 0;
@@ -34,12 +34,12 @@ using ORVStoringFailureHandler = std::function<void(const ORVStoringFailure&)>;
 /// fails.
 std::unique_ptr<ORVUserDefaults> standardUserDefaults(ORVStoringFailureHandler cannotStore);
 
-/// Where the settings are stored, for a person: a path, or the name of a domain.
+/// Returns where the settings are stored, for a person to read: a path, or the name of a domain.
 std::string placeOfUserDefaults();
 
-/// The folders that storing a setting may write in; where the settings' own does not exist yet, the
-/// one that it will be made in. Empty where the system keeps settings elsewhere, or where storing
-/// one is bound to fail.
+/// Returns the folders in which storing a setting writes: the folder of the settings or, while that
+/// does not exist, the folder in which it will be made. Empty where the system stores settings
+/// elsewhere, and where storing would be refused.
 std::vector<std::string> foldersOfUserDefaults();
 
 }  // namespace platform

@@ -1,8 +1,8 @@
 // Settings on Linux: one JSON object in "brimlet/defaults.json" of the user's configuration folder.
 // It is written beside its place and renamed over it, so that it is stored whole or not at all.
 //
-// What stands in its place may be somebody's trap or treasure: a link to a device, to another
-// user's file when root runs with that user's home, to a file of another program. Only a regular
+// The item that stands in its place may be something else: a link to a device, to another user's
+// file when root runs with that user's home, to a file of another program. Only a regular
 // file of this user that already is such an object is ever replaced; keys of others and the mode
 // stay. Everything else is left alone and named. Tests: tests/platform/linux_test.cpp.
 

@@ -267,20 +267,30 @@ std::optional<ORVJSONValue> ORVJSONReader::readObject(std::string_view text,
     if (text.size() > kMaxBytes || text.starts_with(kByteOrderMark)) {
         return std::nullopt;
     }
-    std::unique_ptr<Parser> largerParser;
-    if (text.size() > kUsualLineBytes) {
-        releaseMemory();
-        largerParser = std::make_unique<Parser>(text.size());
-    } else if (!parser_) {
-        parser_ = std::make_unique<Parser>(kUsualLineBytes);
-    }
-    const auto root = (largerParser ? largerParser : parser_)->parse(text);
+    const std::unique_ptr<Parser> ownParser = parserForThisTextAlone(text.size());
+    const auto root = (ownParser ? ownParser : parser_)->parse(text);
     if (!root || !root->is_object()) {
         return std::nullopt;
     }
     ORVJSONValue object;
     take(object, *root, shape);
     return object;
+}
+
+/// Null where the parser that is kept will do.
+std::unique_ptr<ORVJSONReader::Parser> ORVJSONReader::parserForThisTextAlone(std::size_t size) {
+    if (size > kUsualLineBytes) {
+        releaseMemory();
+        return std::make_unique<Parser>(size);
+    }
+    try {
+        if (!parser_) {
+            parser_ = std::make_unique<Parser>(kUsualLineBytes);
+        }
+        return nullptr;
+    } catch (const std::bad_alloc&) {
+        return std::make_unique<Parser>(size);  // Where memory is short, no more than it takes.
+    }
 }
 
 void ORVJSONReader::releaseMemory() {

@@ -64,5 +64,7 @@ public:
 
 private:
     class Parser;
+    std::unique_ptr<Parser> parserForThisTextAlone(std::size_t size);
+
     std::unique_ptr<Parser> parser_;
 };

@@ -28,8 +28,8 @@ std::optional<std::string> workingFolderIn(const ORVJSONValue& record) {
     return isTold ? std::optional(path) : std::nullopt;
 }
 
-/// How many bytes of the folder's path the other one has at its beginning, when it is that folder
-/// or lies in it; none otherwise. The root folder holds everything and counts as 0.
+/// The length of the holder's path when the folder is the holder itself or lies in it; none
+/// otherwise. The root folder holds everything and counts as 0.
 std::optional<std::size_t> depthOfHolder(std::string_view holder, std::string_view folder) {
     while (holder.ends_with('/')) {
         holder.remove_suffix(1);

@@ -11,7 +11,7 @@
 /// one line is under way and one waits. UI thread only.
 class ORVLineOutput {
 public:
-    /// `ended` hears, once, that no more can be written: with 0 when the reader left, else with the
+    /// `ended` is called once, when no more can be written: with 0 when the reader left, else with the
     /// errno. The loop must outlive the output.
     ORVLineOutput(ORVPosixRunLoop& loop, int descriptor, std::function<void(int)> ended);
     ~ORVLineOutput();

@@ -4,11 +4,12 @@
 #include <string_view>
 #include <utility>
 
-/// A growing run of bytes for lines of any length.
+/// A growing run of bytes, for lines of any length.
 ///
-/// Grown with `realloc`, which moves a large block without copying or touching it, where a
-/// std::string would hold the old and the new block at once. kReadableBytesBeyond bytes after the
-/// end may always be read (their values mean nothing), as vector code likes.
+/// It grows with `realloc`, which moves a large block without copying it, where a std::string would
+/// hold the old and the new block at once. Vector code may read kReadableBytesBeyond bytes past the
+/// end; their values mean nothing. Throws std::bad_alloc when memory runs out, and is unchanged
+/// then.
 class ORVByteBuffer {
 public:
     static constexpr std::size_t kReadableBytesBeyond = 64;
@@ -30,7 +31,7 @@ public:
     /// Forgets the bytes and keeps the memory for the next ones.
     void clear() { size_ = 0; }
 
-    /// Gives back memory that the bytes held do not need.
+    /// Frees the memory beyond what the bytes need.
     void shrink();
 
 private:

@@ -7,13 +7,13 @@
 
 namespace text {
 
-/// The lower-case letter of an ASCII capital; every other byte unchanged.
+/// Returns the lower-case letter of an ASCII capital, and every other byte unchanged.
 inline char lowerCasedASCII(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// Like std::string_view::find, which compares byte by byte at every occurrence of the first one;
-/// the system's search is several times as fast.
+/// Does what std::string_view::find does, several times as fast: that one compares byte by byte
+/// wherever the first byte occurs.
 inline std::size_t findBytes(std::string_view text, std::string_view part, std::size_t from = 0) {
     if (from > text.size()) {
         return std::string_view::npos;

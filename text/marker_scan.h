@@ -46,12 +46,13 @@ public:
 
 private:
     using Bytes = typename VectorOf<Width>::Bytes;
-    /// Asking whether anything was found costs as much as comparing a vector: once a block will do.
+    /// The question whether anything was found costs as much as comparing one vector, so it is
+    /// asked once for a block of several.
     static constexpr std::size_t kBlockBytes = 128;
     static constexpr std::size_t kVectors = kBlockBytes / Width;
 
-    /// Looks at a block of positions of a marker's rare byte at a time, the same for all markers,
-    /// so that they share what is loaded there.
+    /// Compares block by block. All markers look for their rare byte at the same positions, so that
+    /// they share the bytes that are loaded.
     template <std::size_t Count, bool RareByteIsShared>
     const char* scan() const {
         Bytes rare[Count];
@@ -118,7 +119,8 @@ private:
         return any != 0;
     }
 
-    /// The marker of the first position of the block at which not only the rare bytes agree.
+    /// Returns the first marker of the block that agrees as a whole, not only in its rare bytes;
+    /// null when none does.
     const char* verified(const char* block, const Bytes* agree) const {
         for (std::size_t base = 0; base < kBlockBytes; base += sizeof(std::uint64_t)) {
             std::uint64_t lanes = 0;
@@ -136,7 +138,7 @@ private:
         return nullptr;
     }
 
-    /// The end of the range, too short for a block.
+    /// Searches the end of the range, which is too short for a block, byte by byte.
     const char* scanBytes(const char* position) const {
         for (; position != end_; ++position) {
             if (const char* found = markerAround(position)) {
@@ -146,7 +148,8 @@ private:
         return end_;
     }
 
-    /// The beginning of the marker whose rare byte stands at the position; null when none does.
+    /// Returns the beginning of the marker whose rare byte stands at the position; null when none
+    /// stands there.
     const char* markerAround(const char* position) const {
         const auto before = static_cast<std::size_t>(position - begin_);
         const auto after = static_cast<std::size_t>(end_ - position);

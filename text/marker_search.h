@@ -7,16 +7,16 @@
 /// A byte string to look for.
 struct ORVMarker {
     std::string_view text;
-    /// Positions in `text` of two bytes that seldom stand at this distance from one another in the
-    /// data searched, the earlier one first. They decide the speed: a pair that is common there
-    /// costs more than half. Markers that share the first byte are cheaper to look for together.
+    /// Positions in `text` of two bytes, the earlier one first. The two decide the speed: choose a
+    /// pair that seldom stands at this distance in the data, since a common pair costs more than
+    /// half. Markers that share the byte at `rareByte` are cheaper to look for together.
     std::size_t rareByte;
     std::size_t otherRareByte;
 };
 
 namespace text {
 
-/// A marker without any type that brings functions along (see marker_scan.h).
+/// A marker made of types without functions, which marker_scan.h needs.
 struct ScannedMarker {
     const char* text;
     std::size_t size;
@@ -45,8 +45,8 @@ public:
         }
     }
 
-    /// The marker in [begin, end) whose rare byte comes first; `end` when there is none. Reads
-    /// nothing outside the range.
+    /// Returns the marker in [begin, end) whose rare byte comes first, and `end` when there is
+    /// none. Reads nothing outside the range.
     const char* find(const char* begin, const char* end) const;
 
 private:

@@ -7,10 +7,10 @@
 /// Questions about paths and names, bytes without an encoding.
 namespace text {
 
-/// What follows the last slash.
+/// Returns what follows the last slash: the item's name.
 std::string_view lastPathComponent(std::string_view path);
 
-/// The folder that holds an item whose path is absolute.
+/// Returns the folder that holds an item; its path must be absolute.
 std::string folderOf(std::string_view path);
 
 /// Whether a file's name ends in a dot and this extension, letter case disregarded. The extension

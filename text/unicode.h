@@ -14,8 +14,9 @@ bool isValidUTF8(std::string_view bytes);
 /// are equal only to themselves; the letters of such a text are then compared as ASCII.
 bool containsIgnoringCase(std::string_view text, std::string_view needle);
 
-/// The position of the first white space of a line at or after `start`: a tab or a space separator
-/// (Unicode category Zs); line ends are none. The text's length where there is none.
+/// Returns the position of the first white space of a line at or after `start`, and the text's
+/// length when there is none. White space is a tab or a space separator (Unicode category Zs); a
+/// line end is not.
 std::size_t findWhiteSpace(std::string_view text, std::size_t start = 0);
 
 /// Hands over the lines of a text, ends cut off: LF, CR, CR LF, U+0085, U+2028 and U+2029 each end

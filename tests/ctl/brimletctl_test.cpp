@@ -153,6 +153,111 @@ TEST_F(BrimletctlTest, WatchesAsLinesWithoutATerminal) {
               run("timeout 20 $b watch </dev/null | head -2").output);
 }
 
+TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
+    EXPECT_EQ(1, run("$b tasks").status);
+    EXPECT_EQ("{\"tasks\":[]}\n", run("$b tasks --json 2>/dev/null").output);
+    home.makeFolder(".codex/sessions");
+    EXPECT_EQ(0, run("$b tasks").status) << "no task is an answer";
+    makeTask();
+    const std::string second = ".codex/sessions/\x1b[31m.jsonl";
+    home.write(second, R"({"type":"session_meta","payload":{"cwd":")" + home.path("work\\t/site") +
+                           "\"}}\n" + records::tokenCount("27200"));
+    home.setDate(second, 1'000'000'100);
+    const std::string kSecond = "C0 · 10%\t2001-09-09T01:48:20.000000000Z\t" +
+                                home.path("work /site") + "\tCodex\t [31m.jsonl\n";
+    const std::string kFirst =
+        "C1 · 47%\t2001-09-09T01:46:40.250000000Z\t--\t"
+        "Fix  [31mthe \"tests\"\t" +
+        std::string(kTask) + '\n';
+    EXPECT_EQ(kSecond + kFirst, run("$b tasks").output);
+    EXPECT_EQ(kSecond, run("$b tasks --limit 1").output);
+    EXPECT_EQ("", run("$b tasks --since 1h").output);
+    EXPECT_EQ("10 27200\n47 128000\n", run("$b tasks --format '{percent} {used}'").output);
+    EXPECT_EQ(0, run("$b tasks --json | grep -q '\"folder\":null}]}$'").status);
+    home.makeFolder("work\t/site/deep");
+    EXPECT_EQ("C0 · 10%  Codex\n", run("cd work*/site/deep && $b here").output);
+    EXPECT_EQ("C0 · 10%  Codex\n", run("$b here --folder work*/site").output);
+    EXPECT_EQ("brimletctl: no task works in " + home.root() + '\n', run("$b here").output);
+    EXPECT_EQ(1, run("$b here").status);
+    EXPECT_EQ("brimletctl: cannot enter the folder nowhere: No such file or directory\n",
+              run("$b here --folder nowhere").output);
+    EXPECT_EQ(kFirst, run("CODEX_HOME=/nowhere $b --codex-home .codex/ tasks | tail -1").output);
+    EXPECT_EQ(kFirst, run("CODEX_HOME=relative $b tasks | tail -1").output);
+    EXPECT_EQ("brimletctl: there is no sessions folder /nowhere/sessions\n",
+              run("CODEX_HOME=/nowhere $b latest").output);
+    home.write(".codex/file", "");
+    EXPECT_EQ("brimletctl: cannot read the sessions folder " + home.path(".codex/file/sessions") +
+                  ": Not a directory\n",
+              run("$b latest --codex-home .codex/file").output);
+    EXPECT_EQ(1, run("$b doctor --codex-home /nowhere").status);
+    EXPECT_EQ(
+        "brimletctl watch shows no task, since none is in view in the desktop application; "
+        "brimletctl watch --latest shows: C0 · 10%  Codex\n",
+        run("$b doctor | tail -1").output);
+}
+
+TEST_F(BrimletctlTest, DrawsHistories) {
+    makeTask();
+    home.append(file, records::compacted("w2") + records::tokenCount("27200"));
+    const std::string at = R"({"at":"2026-11-24T16:45:21.)";
+    EXPECT_EQ(
+        R"({"threadID":")" + std::string(kTask) +
+            R"(","title":"Fix \u001b[31mthe \"tests\"","points":[)" + at +
+            R"(399Z","compaction":true},)" + at +
+            R"(002Z","inputTokens":128000,"contextWindow":272000,"percentage":47.05882352941176},)" +
+            at + R"(399Z","compaction":true},)" + at +
+            R"(002Z","inputTokens":27200,"contextWindow":272000,"percentage":10}]})"
+            "\n",
+        run("$b history --json").output);
+    EXPECT_EQ(0, run("$b history --svg | grep -q '</svg>'").status);
+    EXPECT_EQ("C2 · 10%  Fix  [31mthe \"tests\"\n",
+              run("LC_ALL=C.UTF-8 $b history " + std::string(kTask) + " | head -1").output);
+    EXPECT_EQ(1, run("$b history nobody").status);
+    EXPECT_EQ("{\"threadID\":null,\"title\":null,\"points\":[]}\n",
+              run("$b history nobody --json 2>/dev/null").output);
+}
+
+TEST_F(BrimletctlTest, FollowsATaskWithoutTheDesktopApplication) {
+    const std::string w = "LANGUAGE=en timeout 20 $b watch </dev/null ";
+    EXPECT_EQ("C– · --%\nC– · --%  Codex local data was not found\n",
+              run(w + "--latest | head -2").output);
+    home.makeFolder(".codex/sessions");
+    EXPECT_EQ("C– · --%\nC– · --%  Current task data is temporarily unavailable\n",
+              run(w + "--task nobody | head -2").output);
+    makeTask();
+    const std::string shown = "C– · --%\nC1 · 47%  Fix  [31mthe \"tests\"\n";
+    EXPECT_EQ(shown, run(w + "--latest | head -2").output);
+    EXPECT_EQ(shown, run(w + "--task " + std::string(kTask) + " | head -2").output);
+    EXPECT_EQ("-- --\n47 Fix  [31mthe \"tests\"\n",
+              run(w + "--latest --format '{percent} {title}' | head -2").output);
+    EXPECT_EQ(1, run(w + "--here --folder nowhere").status);
+    EXPECT_EQ(
+        R"({"text":"C– · --%","tooltip":"Current task: Reading Codex data…\nContext usage: --\n)"
+        R"(Compactions: --\nLast session update: --","class":"unknown","percentage":0})"
+        "\n"
+        R"({"text":"C1 · 47%","tooltip":"Current task: Fix  [31mthe &quot;tests&quot;\n)"
+        R"(Context usage: 128k / 272k (47%)\nCompactions: 1\n)"
+        R"(Last session update: 1:46:40)"
+        "\u202F"
+        R"(AM","class":"low","percentage":47})"
+        "\n",
+        run("TZ=UTC " + w + "--latest --waybar | head -2").output);
+}
+
+TEST_F(BrimletctlTest, LongQueriesAreUnknownAndFilesMayBeFull) {
+    makeTask();
+    EXPECT_EQ(
+        0, run("{ printf 'task '; head -c 3000000 /dev/zero | tr '\\0' x; echo; echo titles; } | "
+               "$b query | grep -q '\"unknown query\"'")
+               .status);
+    EXPECT_EQ("2\n", run("{ head -c 3000000 /dev/zero | tr '\\0' x; echo; echo titles; } | "
+                         "$b query | wc -l | tr -d ' '")
+                         .output);
+    const Outcome full = run("(ulimit -f 1; for i in 1 2 3 4; do $b help; done >full)");
+    EXPECT_EQ(1, full.status) << "not a signal";
+    EXPECT_TRUE(full.output.ends_with("cannot write the output: File too large\n")) << full.output;
+}
+
 TEST_F(BrimletctlTest, ExitStatuses) {
     for (const char* call : {"", "bogus", "latest x", "task", "task a b", "latest --json=1",
                              "query --json", "titles --bogus", "-x"}) {
@@ -173,7 +278,31 @@ TEST_F(BrimletctlTest, ExitStatuses) {
     EXPECT_EQ(1, run("test -e /dev/full || exit 1; $b titles --json >/dev/full").status);
 }
 
-#ifdef BRIMLET_IS_CONFINED
+#ifdef BRIMLET_IS_CONFINED  // The sanitizers need more memory than these tests leave.
+
+TEST_F(BrimletctlTest, MemoryThatRunsOutIsAnAnswer) {
+    makeTask();
+    const std::string large = ".codex/sessions/large.jsonl";
+    home.write(large, "");
+    home.truncate(large, 60'000'000);
+    const std::string limit = "ulimit -v 60000; ";
+    const Outcome outcome = run(limit + "$b latest");
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("brimletctl: cannot read the session file: Cannot allocate memory\n", outcome.output);
+    const Outcome answers = run(limit + "printf 'latest\ntask " + std::string(kTask) +
+                                "\nlatest\n' | $b query | cut -c 1-57");
+    EXPECT_EQ(R"({"snapshot":null,"error":{"domain":"posix","code":12,"des)"
+              "\n"
+              R"({"snapshot":{"title":"Fix \u001b[31mthe \"tests\"","threa)"
+              "\n"
+              R"({"snapshot":null,"error":{"domain":"posix","code":12,"des)"
+              "\n",
+              answers.output);
+    // A line too long to be interpreted is passed over, whatever it takes to hold it.
+    home.truncate(large, 1'000'000'000);
+    home.append(large, "\n" + records::tokenCount("136000"));
+    EXPECT_EQ("C0 · 50%  Codex\n", run("ulimit -v 300000; $b latest").output);
+}
 
 TEST_F(BrimletctlTest, TellsThatNothingIsLeftToRunWith) {
     const Outcome outcome =
