@@ -2,6 +2,7 @@
 # program's help tells; tasks are those with a title.
 
 function __brimletctl
+    command -q brimletctl; or return
     set -l words (commandline -opc)
     set -l word (commandline -ct)
     set -l commands (command brimletctl help | string replace -rf '^  ([a-z]+)( [^ ]+)? +(.+)' '$1\t$3')

@@ -6,7 +6,7 @@
 #
 # fish and zsh are left out where they are not installed.
 set -u
-PATH=$(dirname "$1"):$PATH
+PATH=$(cd "$(dirname "$1")" && pwd):$PATH
 completions=$(cd "$(dirname "$0")/../../packaging/completions" && pwd)
 HOME=$(mktemp -d)
 export PATH HOME CODEX_HOME=
@@ -74,8 +74,9 @@ if command -v fish >/dev/null; then
     fishOffers 'a $(touch pwned)/' 'here --folder a'
 fi
 
-if command -v zsh >/dev/null; then
-    # A shell in a terminal of its own; each read waits for what is expected, or for the end of the test.
+if command -v zsh >/dev/null && [ "$failed" = 0 ]; then
+    # A shell in a terminal of its own; each read waits for what is expected, if need be until ctest ends
+    # the test.
     COMPLETIONS=$completions TASK=$task zsh -f <<'END' || failed=1
 zmodload zsh/zpty
 zpty shell TERM=dumb zsh -f -i
