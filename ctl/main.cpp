@@ -14,6 +14,7 @@
 #include "ctl/commands.h"
 #include "ctl/doctor.h"
 #include "ctl/output.h"
+#include "ctl/revision.h"
 #include "ctl/watch.h"
 #include "platform/confinement.h"
 #include "platform/home_folder.h"
@@ -41,7 +42,7 @@ int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {
         case Call::help:
             return ctl::showText(ctl::helpText(arguments.helpTopic));
         case Call::version:
-            return ctl::showText("brimletctl " BRIMLET_VERSION "\n");
+            return ctl::showText("brimletctl " BRIMLET_VERSION BRIMLET_REVISION "\n");
         default:
             break;
     }

@@ -293,7 +293,9 @@ TEST_F(BrimletctlTest, ExitStatuses) {
         EXPECT_NE(std::string::npos, outcome.output.find("\nTry: brimletctl help")) << call;
     }
     EXPECT_EQ(0, run("$b --help 2>/dev/null | grep -q usage:").status);
-    EXPECT_EQ(0, run("$b --version | grep -qE '^brimletctl [0-9]+[.][0-9]+[.][0-9]+$'").status);
+    EXPECT_EQ(0,
+              run("$b --version | grep -qE '^brimletctl [0-9]+([.][0-9]+){2}( [(][0-9a-f]+[)])?$'")
+                  .status);
     EXPECT_EQ("0\n", run("exec 3>&1; { sleep 0.2; $b titles; echo $? >&3; } | true").output);
     EXPECT_EQ(
         "0\n",

@@ -1,0 +1,22 @@
+# Makes of the installed files what Debian wants to find in a package. CPack runs it before it packs.
+set(FOLDER ${CPACK_TEMPORARY_DIRECTORY}/usr/share)
+set(DOCUMENTS ${FOLDER}/doc/${CPACK_PACKAGE_NAME})
+
+file(MAKE_DIRECTORY ${FOLDER}/zsh/vendor-completions)
+file(RENAME ${FOLDER}/zsh/site-functions/_brimletctl ${FOLDER}/zsh/vendor-completions/_brimletctl)
+file(REMOVE_RECURSE ${FOLDER}/zsh/site-functions)
+
+file(READ ${DOCUMENTS}/LICENSE.md LICENCE)
+file(WRITE ${DOCUMENTS}/copyright "Copyright of the ${CPACK_PACKAGE_VENDOR}.\n\n${LICENCE}")
+file(REMOVE ${DOCUMENTS}/LICENSE.md)
+
+string(TIMESTAMP DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
+file(WRITE ${DOCUMENTS}/changelog
+"${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}) unstable; urgency=medium
+
+  * Release ${CPACK_PACKAGE_VERSION}; CHANGELOG.md tells what is in it.
+
+ -- ${CPACK_PACKAGE_CONTACT}  ${DATE}
+")
+execute_process(COMMAND gzip -9n ${DOCUMENTS}/changelog ${FOLDER}/man/man1/brimletctl.1
+                COMMAND_ERROR_IS_FATAL ANY)

@@ -1,0 +1,21 @@
+# What is installed beside the programs: the man page, completions and documentation, and on Linux the
+# licences of what is linked in from the system.
+include(GNUInstallDirs)
+
+install(FILES man/brimletctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES completions/brimletctl.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME brimletctl)
+install(FILES completions/brimletctl.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+install(FILES completions/_brimletctl DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+
+file(GLOB PAGES ${PROJECT_SOURCE_DIR}/docs/*.md)
+install(FILES ${PAGES} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(FILES ../README.md ../CHANGELOG.md ../LICENSE.md ../SECURITY.md
+        DESTINATION ${CMAKE_INSTALL_DOCDIR})
+if(NOT APPLE)
+    foreach(LIBRARY ncurses pugixml)
+        install(FILES /usr/share/doc/lib${LIBRARY}-dev/copyright OPTIONAL
+                DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${LIBRARY}.txt)
+    endforeach()
+endif()

@@ -1,0 +1,19 @@
+# Writes the header that names the commit which is built, where this is a checkout, and leaves it as it
+# is when nothing has changed:
+#
+#     cmake -DSOURCE=FOLDER -DHEADER=FILE -P scripts/revision.cmake
+
+# The first line of the answer is empty at the top of a checkout. Below it, the sources may have been
+# unpacked into one of another project.
+execute_process(COMMAND git -C ${SOURCE} rev-parse --show-prefix --short=7 HEAD
+                OUTPUT_VARIABLE ANSWER ERROR_QUIET RESULT_VARIABLE FAILURE)
+set(REVISION "")
+if(FAILURE EQUAL 0 AND ANSWER MATCHES "^\n([0-9a-f]+)\n$")
+    set(REVISION " (${CMAKE_MATCH_1})")
+endif()
+file(CONFIGURE OUTPUT ${HEADER} @ONLY CONTENT [[
+#pragma once
+
+/// The commit in parentheses, behind a space, or "". Written by the build.
+#define BRIMLET_REVISION "@REVISION@"
+]])
