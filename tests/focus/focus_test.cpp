@@ -159,6 +159,8 @@ TEST_F(FocusTest, FilesAreFollowed) {
     EXPECT_EQ(kInOther, focus()) << "its windows do not";
     disk.remove("/logs");
     EXPECT_EQ("2", focus());
+    disk.append("/logs/empty.log", "");
+    EXPECT_EQ(kInOther, focus()) << "nor does it end with the last of them";
 }
 
 TEST_F(FocusTest, ErrorsAreToldBesideTheState) {

@@ -33,6 +33,7 @@ TEST_F(SessionSnapshotTest, ATaskIsTheSumOfItsFilesAndShowsTheNewestOnesUsage) {
             disk.setDate(fileOf(task, day), 1'000 + static_cast<std::int64_t>(age), 500);
         }
         EXPECT_EQ(kCases[i].title, title(task));
+        EXPECT_EQ(title(task).ends_with("50%"), snapshot(task)->contextUsage().has_value());
         EXPECT_EQ(fileOf(task, "a"), snapshot(task)->fileURL());
         EXPECT_EQ((ORVFileDate{1'002, 500}), snapshot(task)->lastUpdated());
     }
