@@ -1,3 +1,6 @@
+// A menu keeps its items at their addresses: surfaces and the delegate point at them.
+// Tests: tests/app/app_delegate_test.cpp.
+
 #include "app/ORVMenu.h"
 
 ORVMenuItem* ORVMenu::add(const std::string& field) {

@@ -1,3 +1,6 @@
+// How old a file is, from dates that may be any number at all.
+// Tests: tests/app/template_test.cpp.
+
 #include "app/age.h"
 
 #include <algorithm>

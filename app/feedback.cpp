@@ -1,5 +1,6 @@
-// What the refresh command shows of itself: checking, then complete or failed for a moment, both in
-// the menu bar and on the command. Feedback is drawn over whatever is rendered meanwhile.
+// What the refresh command shows of itself: checking, then complete or failed for a moment, both
+// in the menu bar and on the command. Feedback is drawn over whatever is rendered meanwhile.
+// Tests: tests/app/app_delegate_test.cpp.
 
 #include "app/ORVAppDelegate.h"
 

@@ -1,4 +1,5 @@
 // The menu: built once, filled with texts by key, and what its items do.
+// Tests: tests/app/app_delegate_test.cpp.
 
 #include "app/ORVAppDelegate.h"
 

@@ -1,5 +1,6 @@
 // The main loop: every two seconds, and whenever the user asks, one refresh reads files on the
 // refresh queue; its results come back to the UI thread and are rendered there.
+// Tests: tests/app/app_delegate_test.cpp.
 
 #include "app/ORVAppDelegate.h"
 

@@ -1,6 +1,6 @@
 // What a refresh reads, and the one place where it is decided which task is shown. Where the user
 // has named a task the logs are not read, and a focus state is made up that lets the menu say why
-// nothing is shown. Tests: tests/app/app_test.cpp.
+// nothing is shown. Tests: tests/app/refresh_step_test.cpp.
 
 #include "app/refresh_step.h"
 

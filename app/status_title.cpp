@@ -1,3 +1,6 @@
+// The short title of a task. It is the same in every language, since there is no room for words.
+// Tests: tests/app/app_delegate_test.cpp.
+
 #include "app/status_title.h"
 
 #include <array>

@@ -1,3 +1,6 @@
+// Which folder the agent uses. A relative $CODEX_HOME is ignored: it would mean another folder in
+// every working folder. Tests: tests/ctl/brimletctl_test.cpp.
+
 #include "ctl/codex_home.h"
 
 #include <unistd.h>

@@ -1,3 +1,6 @@
+// Colours by the eight that every terminal lets its user choose.
+// Tests: tests/ctl/brimletctl_test.cpp.
+
 #include "ctl/coloring.h"
 
 #include <unistd.h>

@@ -1,4 +1,5 @@
-// Every command and option, once. Tests: tests/ctl/arguments_test.cpp, tests/packaging/manual_test.
+// Every command and option, once. Tests: tests/ctl/arguments_test.cpp,
+// tests/packaging/manual_test.sh.
 
 #include "ctl/command_table.h"
 

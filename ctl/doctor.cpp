@@ -1,5 +1,5 @@
 // Looks at every place that the program reads, and tells what is missing from what may not be read.
-// Tests: tests/ctl/doctor_test.cpp.
+// Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/doctor.h"
 
@@ -144,7 +144,7 @@ private:
         const auto defaults = platform::standardUserDefaults([](const ORVStoringFailure&) {});
         const ORVLocalizer localizer(*defaults);
         const bool isChosen = localizer.languageMode() != ORVLanguageModeSystem;
-        tell("Language", std::string(localizer.locale()) +
+        tell("Language", localizer.languageName() +
                              (isChosen ? ", as chosen; " : ", the system's; ") + "stored in " +
                              platform::placeOfUserDefaults());
     }

@@ -1,4 +1,5 @@
 // brimletctl: the figures of Brimlet for terminals, scripts and status bars.
+// Tests: tests/ctl/brimletctl_test.cpp.
 
 #include <signal.h>
 #include <stdlib.h>

@@ -1,3 +1,6 @@
+// Writes with system calls, not with a stream, so that a reader that left and a full disk are
+// told apart. Tests: tests/ctl/brimletctl_test.cpp.
+
 #include "ctl/output.h"
 
 #include <fcntl.h>

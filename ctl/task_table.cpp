@@ -1,5 +1,5 @@
-// The table that `tasks` shows on a terminal. Columns that do not fit are left out from the right,
-// but for the title, which takes what is left.
+// The table that `tasks` shows on a terminal. Columns that do not fit are left out from the
+// right, but for the title, which takes what is left. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/task_table.h"
 

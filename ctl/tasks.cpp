@@ -1,6 +1,6 @@
 // All tasks. They are read by as many threads as there are processors, each with a source of its
 // own, so that nothing is shared but the list and the place in it; the answer does not depend on
-// their number. Tests: tests/ctl/tasks_test.cpp.
+// their number. Tests: tests/ctl/brimletctl_test.cpp, tests/sessions/tasks_test.cpp.
 
 #include <signal.h>
 #include <unistd.h>

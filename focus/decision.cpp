@@ -1,4 +1,5 @@
 // The one question that the application asks of the logs, answered from the current event.
+// Tests: tests/focus/focus_test.cpp.
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "platform/home_folder.h"

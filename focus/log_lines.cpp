@@ -1,7 +1,8 @@
 // What the lines of the desktop application's log mean. Owner-sync lines name the route that a
-// window shows; render-state lines report whether the window is primary, focused and visible; both
-// name the window by its web contents. An activity line names the thread that became active and
-// speaks for itself while its window is unknown or has no route.
+// window shows; render-state lines report whether the window is primary, focused and visible;
+// both name the window by its web contents. An activity line names the thread that became active
+// and speaks for itself while its window is unknown or has no route.
+// Tests: tests/focus/focus_test.cpp.
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "focus/markers.h"

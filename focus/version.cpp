@@ -1,4 +1,4 @@
-// The installed desktop application and its version.
+// The installed desktop application and its version. Tests: tests/focus/focus_test.cpp.
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "platform/property_list.h"

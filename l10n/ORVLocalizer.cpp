@@ -1,3 +1,6 @@
+// The choice of a language, stored under one key that every version of the program shares.
+// Tests: tests/l10n/localizer_test.cpp.
+
 #include "l10n/ORVLocalizer.h"
 
 #include <algorithm>

@@ -34,6 +34,9 @@ public:
     /// The language that the choice amounts to: never ORVLanguageModeSystem.
     ORVLanguageMode effectiveLanguageMode() const;
 
+    /// The name of the effective language, in that language.
+    std::string languageName() const { return stringForKey(language().nameKey); }
+
     /// "zh_CN" or "en_US", for dates.
     std::string locale() const { return timeFormat().locale; }
     const ORVTimeFormat& timeFormat() const { return language().timeFormat; }

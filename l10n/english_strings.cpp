@@ -1,4 +1,4 @@
-// Every text that can be seen, in English.
+// Every text that can be seen, in English. Tests: tests/l10n/localizer_test.cpp.
 
 #include "l10n/ORVLocalizer.h"
 

@@ -1,3 +1,6 @@
+// The table of languages; a further one is a row here and a file of texts.
+// Tests: tests/l10n/localizer_test.cpp.
+
 #include "l10n/languages.h"
 
 #include <algorithm>

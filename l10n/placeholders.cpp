@@ -1,3 +1,6 @@
+// Fills texts without a printf format from a table, which a mistake in a text could turn into a
+// crash. Tests: tests/app/app_delegate_test.cpp.
+
 #include "l10n/placeholders.h"
 
 namespace l10n {

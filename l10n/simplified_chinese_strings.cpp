@@ -1,4 +1,4 @@
-// Every text that can be seen, in Simplified Chinese.
+// Every text that can be seen, in Simplified Chinese. Tests: tests/l10n/localizer_test.cpp.
 
 #include "l10n/ORVLocalizer.h"
 

@@ -1,3 +1,5 @@
+// Page-aligned memory for reads; the header says why. Tests: tests/sessions/reading_test.cpp.
+
 #include "platform/chunk_buffer.h"
 
 #include <algorithm>

@@ -6,6 +6,7 @@
 // No memory can be made executable any more, so no library can be loaded later. Nothing needs it:
 // the user is looked up before, and where the locale's characters would need a module of glibc
 // (GBK, say), the menu is written in ASCII, which glibc reads without the module.
+// Tests: tests/platform/confinement_test.cpp.
 
 #include <asm/ioctls.h>
 #include <asm/termbits.h>

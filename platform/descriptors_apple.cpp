@@ -1,5 +1,6 @@
-// By select, since poll fails on a Mac's terminals. Select cannot tell of a hang-up alone; a kernel
-// queue can, and is itself a descriptor that select waits for.
+// By select, since poll fails on a Mac's terminals. Select cannot tell of a hang-up alone; a
+// kernel queue can, and is itself a descriptor that select waits for.
+// Tests: tests/platform/descriptors_test.cpp, over a kernel queue that is stood in for.
 
 #include <sys/event.h>
 #include <sys/select.h>

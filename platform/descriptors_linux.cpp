@@ -1,4 +1,5 @@
 // By poll, which tells of a hang-up without being asked.
+// Tests: tests/platform/descriptors_test.cpp.
 
 #include <poll.h>
 

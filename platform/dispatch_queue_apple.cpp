@@ -1,3 +1,6 @@
+// Closures on libdispatch's queues, each in a pool of its own for objects of the system.
+// Tests: tests/appkit/appkit_test.mm.
+
 #include "platform/dispatch_queue.h"
 
 #include <dispatch/dispatch.h>

@@ -1,3 +1,6 @@
+// The home folder, without a socket where that can be: a name service may open one.
+// Tests: tests/platform/linux_test.cpp.
+
 #include "platform/home_folder.h"
 
 #include <pwd.h>

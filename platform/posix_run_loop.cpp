@@ -1,3 +1,6 @@
+// A loop that sleeps in one call for everything: posted closures and signals wake it through a
+// pipe. Tests: tests/shells/shells_test.cpp.
+
 #include "platform/posix_run_loop.h"
 
 #include <fcntl.h>

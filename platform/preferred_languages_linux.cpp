@@ -1,4 +1,5 @@
-// The environment's languages: those of LANGUAGE, a list with colons, else the locale of messages.
+// The environment's languages: those of LANGUAGE, a list with colons, else the locale of
+// messages. Tests: tests/platform/linux_test.cpp.
 
 #include <cstdlib>
 #include <string_view>

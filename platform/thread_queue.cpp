@@ -1,3 +1,6 @@
+// One thread that outlives its queue when it hangs: both share the state, and the thread alone
+// frees it. Tests: tests/shells/shells_test.cpp.
+
 #include "platform/thread_queue.h"
 
 #include <condition_variable>

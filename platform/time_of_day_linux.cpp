@@ -1,4 +1,5 @@
 // By the pattern: the C library's own locales are missing on a bare machine.
+// Tests: tests/platform/linux_test.cpp.
 
 #include <array>
 #include <ctime>

@@ -1,5 +1,6 @@
 // The title index: "session_index.jsonl" in the Codex home, to which the agent appends a line at
 // every rename. Read whole, and again only when its date changed.
+// Tests: tests/sessions/snapshots_test.cpp.
 
 #include "sessions/ORVCodexSessionSource.h"
 #include "text/byte_buffer.h"

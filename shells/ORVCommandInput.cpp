@@ -1,3 +1,6 @@
+// Commands from a descriptor that may send any bytes, at any speed.
+// Tests: tests/shells/shells_test.cpp, fuzz/commands.cpp.
+
 #include "shells/ORVCommandInput.h"
 
 #include <unistd.h>

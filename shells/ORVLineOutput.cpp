@@ -1,3 +1,6 @@
+// A slow reader must not stop the application: a line waits, and a newer one takes its place.
+// Tests: tests/shells/shells_test.cpp.
+
 #include "shells/ORVLineOutput.h"
 
 #include <limits.h>

@@ -1,3 +1,5 @@
+// What all surfaces of one line share. Tests: tests/ctl/brimletctl_test.cpp.
+
 #include "shells/ORVLineSurface.h"
 
 #include <cstdlib>

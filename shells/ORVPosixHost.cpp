@@ -1,3 +1,6 @@
+// Makes the reading thread, and takes from it the right to write before it reads anything.
+// Tests: tests/platform/confinement_test.cpp.
+
 #include "shells/ORVPosixHost.h"
 
 #include <cstdlib>

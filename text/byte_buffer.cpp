@@ -1,3 +1,5 @@
+// Memory for lines by realloc; the header says why. Tests: tests/text/marked_lines_test.cpp.
+
 #include "text/byte_buffer.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// UUIDs as names and log lines hold them. Tests: tests/sessions/discovery_test.cpp,
+// tests/focus/focus_test.cpp.
+
 #include "text/identifiers.h"
 
 #include <algorithm>

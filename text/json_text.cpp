@@ -1,4 +1,5 @@
 // JSON as scripts read it: one value at a time, no spaces, strings in valid UTF-8.
+// Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "text/json_text.h"
 

@@ -1,3 +1,7 @@
+// Searches a chunk as a whole and cuts out only the lines in which something was found: most
+// lines of a session file are never looked at one by one.
+// Tests: tests/text/marked_lines_test.cpp.
+
 #include "text/marked_lines.h"
 
 #include <algorithm>

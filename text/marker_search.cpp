@@ -1,3 +1,6 @@
+// Chooses the width of the vectors once, by the processor.
+// Tests: tests/text/marked_lines_test.cpp.
+
 #include "text/marker_search.h"
 
 #include "text/marker_scan.h"

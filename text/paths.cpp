@@ -1,3 +1,6 @@
+// Names and folders of paths by bytes; std::filesystem would order and compare by component.
+// Tests: tests/text/unicode_test.cpp.
+
 #include "text/paths.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// UTF-8 through utf8proc. Plain ASCII, which most text is, is passed over eight bytes at a time.
+// Tests: tests/text/unicode_test.cpp.
+
 #include "text/unicode.h"
 
 #include <utf8proc.h>

@@ -1,4 +1,5 @@
 // The history in a terminal: which events share a column, and the characters that draw them.
+// Tests: tests/shells/history_test.cpp.
 
 #include "shells/history/history_plot.h"
 

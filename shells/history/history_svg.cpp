@@ -1,4 +1,5 @@
 // The history as a picture for pages: the columns of the plot as one stepped line.
+// Tests: tests/shells/history_test.cpp.
 
 #include "shells/history/history_svg.h"
 

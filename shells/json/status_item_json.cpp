@@ -1,3 +1,6 @@
+// The whole status item as one line; scripts rely on its keys and their order.
+// Tests: tests/ctl/brimletctl_test.cpp.
+
 #include "shells/json/status_item_json.h"
 
 #include <utility>

@@ -1,3 +1,6 @@
+// The status item as status bars read it, whose texts are markup there.
+// Tests: tests/ctl/brimletctl_test.cpp.
+
 #include "shells/json/waybar_json.h"
 
 #include <algorithm>

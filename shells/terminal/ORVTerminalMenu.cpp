@@ -1,3 +1,6 @@
+// The status item and its menu, drawn with curses; keys go to the delegate.
+// Tests: tests/shells/terminal_test.cpp.
+
 #define NCURSES_NOMACROS  // Its macros have the names of members: move, clear, erase.
 #include "shells/terminal/ORVTerminalMenu.h"
 

@@ -1,3 +1,6 @@
+// What the menu says, before there is a frame: a mark, a text, and the key at the right.
+// Tests: tests/shells/terminal_test.cpp.
+
 #include "shells/terminal/menu_lines.h"
 
 #include <string_view>

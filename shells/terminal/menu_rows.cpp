@@ -1,3 +1,6 @@
+// Lays the bar, the menu and the plot out on a screen, and chooses what a low screen leaves out.
+// Tests: tests/shells/terminal_test.cpp.
+
 #include "shells/terminal/menu_rows.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// For text that is written once; the menu asks curses. Tests: tests/ctl/brimletctl_test.cpp.
+
 #include "shells/terminal/screen_size.h"
 
 #include <sys/ioctl.h>

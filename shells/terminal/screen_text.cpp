@@ -1,3 +1,6 @@
+// Counts columns by the C library's table, which curses uses: any other breaks frames.
+// Tests: tests/shells/terminal_test.cpp.
+
 #include "shells/terminal/screen_text.h"
 
 #include <wchar.h>

@@ -1,3 +1,6 @@
+// The status item and its menu, drawn with curses; keys go to the delegate.
+// Tests: tests/shells/terminal_test.cpp.
+
 #define NCURSES_NOMACROS
 #include "shells/terminal/terminal_modes.h"
 
