@@ -7,8 +7,12 @@ file(RENAME ${FOLDER}/zsh/site-functions/_brimletctl ${FOLDER}/zsh/vendor-comple
 file(REMOVE_RECURSE ${FOLDER}/zsh/site-functions)
 
 file(READ ${DOCUMENTS}/LICENSE.md LICENCE)
-file(WRITE ${DOCUMENTS}/copyright "Copyright of the ${CPACK_PACKAGE_VENDOR}.\n\n${LICENCE}")
+file(WRITE ${DOCUMENTS}/copyright "Copyright 2026 ${CPACK_PACKAGE_VENDOR}\n\n${LICENCE}")
 file(REMOVE ${DOCUMENTS}/LICENSE.md)
+
+# As a shared library ncurses would be resident in the calls that show no menu, too.
+file(WRITE ${FOLDER}/lintian/overrides/${CPACK_PACKAGE_NAME}
+     "${CPACK_PACKAGE_NAME}: embedded-library ncurses *\n")
 
 string(TIMESTAMP DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 file(WRITE ${DOCUMENTS}/changelog
