@@ -2,6 +2,7 @@
 # with what scripts/check-macos has put into build/macos.
 
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES BRIMLET_PROCESSOR)
+set(CMAKE_INSTALL_LIBDIR lib)  # Else asked of a compiler that is not known so early.
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_PROCESSOR ${BRIMLET_PROCESSOR})
 
