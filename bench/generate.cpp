@@ -162,7 +162,7 @@ private:
     /// The folder stands before the instructions or behind them.
     void firstLine() {
         const std::string folder =
-            R"("cwd":")" + home_ + "/work/project-" + std::to_string(task_ % 50) + "\",";
+            R"("cwd":")" + home_ + "/code/project-" + std::to_string(task_ % 50) + "\",";
         std::string instructions = R"("instructions":")";
         prose_.append(instructions, random_.between(0, 24'000));
         instructions += "\",";

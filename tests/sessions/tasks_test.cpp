@@ -61,17 +61,17 @@ TEST_F(TasksTest, ATaskIsAllFilesWhoseNamesHoldItsIdentifier) {
 
 TEST_F(TasksTest, TheDeepestFolderWinsAmongEqualsTheNewestFile) {
     const auto quoted = [&](const std::string& folder) { return "\"/" + folder + '"'; };
-    disk.makeFolder("/work/site/deep");
-    disk.realPaths["/link/site"] = "/work/site";
+    disk.makeFolder("/code/site/deep");
+    disk.realPaths["/link/site"] = "/code/site";
     makeTask("root", 90, sessionMeta("\"/\""));
-    makeTask("work", 80, sessionMeta(quoted("work")));
-    makeTask("old-site", 10, sessionMeta(quoted("work/site")));
+    makeTask("code", 80, sessionMeta(quoted("code")));
+    makeTask("old-site", 10, sessionMeta(quoted("code/site")));
     makeTask("site", 20, sessionMeta(quoted("link/site/")));
     makeTask("gone", 99, sessionMeta(quoted("gone")));
-    EXPECT_EQ("site.jsonl", taskIn("work/site/deep")) << "as it really is, through the link";
-    EXPECT_EQ("site.jsonl", taskIn("work/site"));
-    EXPECT_EQ("work.jsonl", taskIn("work"));
-    EXPECT_EQ("work.jsonl", taskIn("work/sit")) << "a name is not the beginning of another";
+    EXPECT_EQ("site.jsonl", taskIn("code/site/deep")) << "as it really is, through the link";
+    EXPECT_EQ("site.jsonl", taskIn("code/site"));
+    EXPECT_EQ("code.jsonl", taskIn("code"));
+    EXPECT_EQ("code.jsonl", taskIn("code/sit")) << "a name is not the beginning of another";
     EXPECT_EQ("root.jsonl", taskIn("elsewhere"));
     EXPECT_EQ("gone.jsonl", taskIn("gone")) << "as it is written";
     disk.remove("/codex/sessions/root.jsonl");
