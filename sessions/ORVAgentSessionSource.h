@@ -8,21 +8,23 @@
 #include "platform/ORVError.h"
 #include "sessions/ORVSessionSnapshot.h"
 
-/// What the application asks of an agent's session data. Refresh queue only.
+/// The questions that the application asks about an agent's session data. Used on the refresh queue
+/// only.
 class ORVAgentSessionSource {
 public:
     virtual ~ORVAgentSessionSource() = default;
 
-    /// The task of the most recently written session file. None, without an error, where there is
-    /// no session file.
+    /// Returns the task of the most recently written session file. Returns none, without an error,
+    /// when there is no session file.
     [[nodiscard]] virtual std::optional<ORVSessionSnapshot> latestSnapshotWithError(
         ORVErrorSlot* error) = 0;
 
-    /// The task with this identifier, summed over all its session files. None, always with an error
-    /// in the slot unless a file lacks a size or a date, when any of them cannot be read.
+    /// Returns the task with this identifier, summed over all its session files. Returns none when
+    /// any of the files cannot be read; the slot then holds an error, unless the reason is that the
+    /// file system tells no size or no date.
     [[nodiscard]] virtual std::optional<ORVSessionSnapshot> snapshotForThreadID(
         std::string_view threadID, ORVErrorSlot* error) = 0;
 
-    /// Titles by thread identifier.
+    /// Returns the titles of all tasks by thread identifier.
     [[nodiscard]] virtual std::map<std::string, std::string> threadTitles() = 0;
 };

@@ -19,7 +19,8 @@
 
 /// A task: all session files whose names hold its identifier.
 struct ORVTask {
-    /// As the newest file's name writes it. The whole name of a file that holds no identifier.
+    /// The identifier as the newest file's name writes it. A file whose name holds none is a task
+    /// by itself, and its whole name stands here.
     std::string threadID;
     std::vector<ORVWalkedFile> files;  ///< Oldest first, equal dates by path; never empty.
 
@@ -29,12 +30,12 @@ struct ORVTask {
 /// The session files of the Codex application: finds those of a task, follows them as they grow,
 /// and sums up what their records say.
 ///
-/// Lives as long as the program and keeps its place in every file that it ever read. Refresh queue
-/// only; nothing is locked. What a failed call had read before it failed is kept.
+/// A source lives as long as the program and keeps its place in every file that it ever read. It is
+/// used on the refresh queue only and locks nothing. A call that fails keeps what it had read.
 class ORVCodexSessionSource final : public ORVAgentSessionSource {
 public:
-    /// The Codex home is the folder ".codex" in the user's home. The collaborators must outlive the
-    /// source.
+    /// Without `codexHome` the Codex home is the folder ".codex" in the user's home. `files` and
+    /// `clock` must outlive the source.
     ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock);
     ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock, std::string codexHome);
 
@@ -46,114 +47,117 @@ public:
     std::optional<ORVSessionSnapshot> snapshotForThreadID(std::string_view threadID,
                                                           ORVErrorSlot* error) override;
 
-    /// One file alone, brought up to date. None without an error when the file has no size or date.
+    /// Reads on in one file and returns its figures alone. Returns none, without an error, when the
+    /// file system tells no size or no date of the file.
     std::optional<ORVSessionSnapshot> snapshotForSessionURL(const std::string& url,
                                                             ORVErrorSlot* error);
 
     // Discovery (discovery.cpp)
 
-    /// The folder below which the session files are.
+    /// Returns the folder below which all session files stand.
     std::string sessionsFolder() const;
 
-    /// The session file with the latest modification date; of equal ones the first that the walk
-    /// met. None, without an error, where there is no session file.
+    /// Returns the session file with the latest modification date; among equal dates, the one that
+    /// the walk met first. Returns none, without an error, when there is no session file.
     std::optional<std::string> latestSessionURLWithError(ORVErrorSlot* error);
 
-    /// Every session file whose name contains the identifier, letter case disregarded; oldest
-    /// first, equal dates by path. Empty, without an error, where there is none. While the newest
-    /// file's folder keeps its date, an answer is good for ten seconds.
+    /// Returns every session file whose name contains the identifier, letter case disregarded:
+    /// oldest first, equal dates by path. The list is empty, without an error, when there is no
+    /// such file. An answer is kept for ten seconds while the newest file's folder keeps its date.
     std::vector<std::string> sessionURLsForThreadID(std::string_view threadID, ORVErrorSlot* error);
 
-    /// The newest of them.
+    /// Returns the newest of these files.
     std::optional<std::string> sessionURLForThreadID(std::string_view threadID,
                                                      ORVErrorSlot* error);
 
-    /// The first thing in the file's name that has the form of a thread identifier, as written.
+    /// Returns the first part of the file's name that has the form of a thread identifier, in the
+    /// letter case in which it stands there.
     static std::optional<std::string> threadIDFromSessionURL(std::string_view url);
 
     // Tasks (tasks.cpp)
 
-    /// Every task, the one with the newest file first, equal dates by path. None, with an error,
-    /// where the sessions folder cannot be walked.
+    /// Returns every task, the one with the newest file first, equal dates by path. Returns none,
+    /// with an error, when the sessions folder cannot be walked.
     std::optional<std::vector<ORVTask>> tasksWithError(ORVErrorSlot* error);
 
-    /// The figures that snapshotForThreadID gives for the task's identifier. Keeps the memory for
-    /// reading, for the next of many tasks.
+    /// Returns the figures that snapshotForThreadID returns for the task's identifier. The memory
+    /// for reading stays allocated, because a caller asks about many tasks in turn.
     std::optional<ORVSessionSnapshot> snapshotForTask(const ORVTask& task, ORVErrorSlot* error);
 
-    /// Forgets what was read of every session file: for a caller that asks about each of many tasks
-    /// once.
+    /// Forgets what was read of every session file. A caller that asks about each of many tasks
+    /// once calls this after each, so that memory does not grow with their number.
     void forgetFiles();
 
     // Working folders (working_folders.cpp)
 
-    /// The folder that the task of this session file works in: the string payload.cwd of the file's
-    /// first line, when that is a record of the type "session_meta" and the string an absolute
-    /// path. None for every other file. Read once per file, and kept.
+    /// Returns the folder that the task of this session file works in: the string payload.cwd of
+    /// the file's first line, when that line is a record of the type "session_meta" and the string
+    /// an absolute path. Returns none for every other file. A first line is read once and kept.
     std::optional<std::string> workingFolderForSessionURL(const std::string& url);
 
-    /// The same for the task's newest file. Keeps the memory for reading, for the next of many
-    /// tasks.
+    /// Returns the same for the task's newest file. The memory for reading stays allocated, because
+    /// a caller asks about many tasks in turn.
     std::optional<std::string> workingFolderForTask(const ORVTask& task);
 
-    /// Of the tasks that work in this folder or in one that holds it, the one with the deepest
-    /// folder; among equals the one with the newest file. `folder` is a real path. None, without an
-    /// error, where no task does.
+    /// Returns a task that works in this folder or in one that holds it: of several, the one with
+    /// the deepest folder, and among equals the one with the newest file. `folder` is an absolute
+    /// path without links. Returns none, without an error, when no task works there.
     std::optional<ORVSessionSnapshot> snapshotForFolder(const std::string& folder,
                                                         ORVErrorSlot* error);
 
     // Histories (history.cpp)
 
-    /// From now on what happens is recorded while files are read, at most this many events of each
-    /// file: where there are more, neighbours are merged. Called before anything is read.
+    /// Makes the source record what happens in every file that it reads, at most this many events
+    /// of each: when there are more, neighbours are merged. Must be called before anything is read.
     void keepHistories(std::size_t eventsPerFile) { eventsPerFile_ = eventsPerFile; }
 
-    /// What happened in the task since its beginning, files oldest first, as of its last snapshot;
-    /// null where there was none. A compaction that several files tell of is told once.
+    /// Returns what happened in the task from its beginning to its last snapshot, the oldest file's
+    /// events first; null when no snapshot was made. A compaction that stands in several files
+    /// occurs once.
     std::shared_ptr<const ORVHistory> historyForThreadID(std::string_view threadID) const;
 
     // Titles (titles.cpp)
 
     std::map<std::string, std::string> threadTitles() override;
 
-    /// The file that holds them.
+    /// Returns the path of the file that holds the titles.
     std::string titleIndexPath() const;
 
     // Reading (reading.cpp)
 
-    /// Reads what the file holds between the state's offset and `fileSize`, a size read from the
-    /// file's attributes just before, and interprets the complete lines in it. False with the
-    /// system's error when the file cannot be opened or read; what was read before stays. A file
-    /// that turns out shorter is no failure: the next call tries again. Keeps the memory for
-    /// reading for the task's next file; a snapshot's end gives it back.
+    /// Reads what the file holds between the state's offset and `fileSize`, which comes from the
+    /// file's attributes of this moment, and interprets the complete lines in it. Returns false,
+    /// with the system's error, when the file cannot be opened or read; the state then keeps what
+    /// was read before. A file that turns out to be shorter is no failure, and the next call tries
+    /// again. The memory for reading stays allocated until the snapshot that needs it is made.
     bool updateState(ORVSessionParseState& state, const std::string& url, std::uint64_t fileSize,
                      ORVErrorSlot* error);
 
     // Interpretation (interpretation.cpp)
 
-    /// Lets one line, without its line feed, change the state. Never fails: a line that cannot be
-    /// used changes nothing. The reader leaves out lines that cannot matter. After the line
-    /// ORVByteBuffer::kReadableBytesBeyond bytes must be readable.
+    /// Interprets one line, without its line feed. A line that cannot be understood leaves the
+    /// state as it is. ORVByteBuffer::kReadableBytesBeyond bytes after the line must be readable.
     void consumeLine(std::string_view line, ORVSessionParseState& state);
 
     /// Whether a "compacted" record has every key of the current format.
     static bool isValidCurrentCompactionObject(const ORVJSONValue& object,
                                                const ORVJSONValue& payload);
 
-    /// What tells one compaction from another; none for an anonymous one.
+    /// Returns what tells one compaction from another; none for a compaction without such a mark.
     static std::optional<std::string> compactionIdentifierForObject(const ORVJSONValue& object,
                                                                     const ORVJSONValue& payload,
                                                                     bool isCurrent);
 
-    /// A number from 0 to 2^63 without a fraction; never a boolean or a string.
+    /// Whether the value is a number from 0 to 2^63 without a fraction. A boolean and a string are
+    /// not numbers.
     static bool isNonnegativeIntegerNumber(const ORVJSONValue& value);
     static bool isPositiveIntegerNumber(const ORVJSONValue& value);
 
     static bool dataContainsUTF8(std::string_view data, std::string_view needle);
 
 private:
-    /// What a task's files come to. Summing up a million compactions at every refresh would be
-    /// felt, so it is done only after one of the files changed.
+    /// The sums over a task's files. They are made anew only after one of the files has changed,
+    /// because adding up a million compactions at every refresh would be felt.
     struct Totals {
         std::vector<std::uint64_t> revisions;  ///< Of the files' states, in their order.
         std::int64_t compactionCount = 0;
@@ -161,11 +165,11 @@ private:
         std::shared_ptr<const ORVHistory> history;           ///< Null unless histories are kept.
     };
 
-    /// What the first line of a file said.
+    /// The working folder that the first line of a file names, and the file that it was read from.
     struct WorkingFolder {
         std::uint64_t fileNumber = 0;
         ORVFileDate modifiedAt;
-        bool isFinal = false;  ///< The line has ended, or is longer than any that counts.
+        bool isFinal = false;  ///< The line has ended, or is longer than any that is read.
         std::optional<std::string> path;
     };
 
@@ -177,7 +181,8 @@ private:
                                                std::string_view threadID, ORVErrorSlot* error);
 
     // Discovery (discovery.cpp)
-    std::optional<std::vector<ORVWalkedFile>> sessionFilesWithError(ORVErrorSlot* error);
+    bool walkSessionFiles(std::string_view threadID, const ORVFiles::FileVisitor& visit,
+                          ORVErrorSlot* error);
     bool cachedSearchHolds(const std::string& threadID);
     std::vector<std::string> searchSessionURLs(const std::string& threadID, ORVErrorSlot* error);
     std::optional<ORVFileDate> dateOfFolderHolding(const std::string& url);
@@ -218,9 +223,11 @@ private:
     const std::string codexHome_;
     ORVJSONReader jsonReader_;
     platform::ChunkBuffer chunkBuffer_;
-    ORVByteBuffer spareLine_;  ///< Empty; its memory goes from file to file while many are read.
+    /// Empty. A file's pending line borrows its memory while the file is read, so that reading many
+    /// files does not allocate for each.
+    ORVByteBuffer spareLine_;
 
-    /// By path. An entry is replaced when its file is.
+    /// By path. An entry is made anew when another file takes the path.
     std::unordered_map<std::string, ORVSessionParseState> states_;
     std::uint64_t lastRevision_ = 0;
     std::size_t eventsPerFile_ = 0;
@@ -232,13 +239,14 @@ private:
     std::map<std::string, std::string> titleIndex_;
     std::optional<ORVFileDate> titleIndexModifiedAt_;
 
-    /// The last full search of each thread identifier, as the caller wrote it. An entry is made by
-    /// a search that finds files and removed by one that finds none.
+    /// The result of a search for a task's files.
     struct Search {
         std::vector<std::string> urls;  ///< Oldest first; never empty.
-        /// Of the folder of the newest file, right after the search.
+        /// The date that the newest file's folder had right after the search.
         std::optional<ORVFileDate> directoryModifiedAt;
         ORVClock::TimePoint searchedAt;
     };
+    /// The last search for each thread identifier, in the caller's spelling. A search that finds
+    /// files makes an entry, and one that finds none removes it.
     std::map<std::string, Search, std::less<>> searches_;
 };

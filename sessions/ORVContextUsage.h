@@ -8,13 +8,14 @@ public:
     ORVContextUsage(std::int64_t inputTokens, std::int64_t contextWindow)
         : inputTokens_(inputTokens), contextWindow_(contextWindow) {}
 
-    /// Tokens, from the token count's "input_tokens"; 1 or more.
+    /// Returns the tokens of the turn, "input_tokens" of the token count; 1 or more.
     std::int64_t inputTokens() const { return inputTokens_; }
 
-    /// Tokens, from the token count's "model_context_window"; 1 or more.
+    /// Returns the tokens that the window holds, "model_context_window"; 1 or more.
     std::int64_t contextWindow() const { return contextWindow_; }
 
-    /// Percent. Above 100 where a turn exceeded the window; 0 without a window.
+    /// Returns the tokens of the turn in percent of the window. A turn that exceeded the window
+    /// gives more than 100; a window of less than one token gives 0.
     double percentage() const {
         if (contextWindow_ < 1) {
             return 0.0;

@@ -6,13 +6,15 @@
 
 #include "sessions/ORVContextUsage.h"
 
-/// One step in the life of a task's context window, as the records of its session files told it.
+/// One step in the life of a task's context window: a token count that was understood, or a
+/// compaction that was counted.
 struct ORVHistoryEvent {
-    /// The record's "timestamp", as written: valid UTF-8 of any kind, "" where it is no string.
-    /// ISO 8601 in UTC where the agent wrote it: "2026-11-24T16:45:21.002Z".
+    /// The record's "timestamp", unchanged. The agent writes ISO 8601 in UTC,
+    /// "2026-11-24T16:45:21.002Z"; another writer may have put any UTF-8 text there. "" when the
+    /// record has no such string.
     std::string at;
 
-    /// What a token count set the usage to. None for a compaction that was counted.
+    /// The usage that the token count gave. None for a compaction.
     std::optional<ORVContextUsage> usage;
 
     bool isCompaction() const { return !usage; }

@@ -9,8 +9,8 @@
 #include "sessions/ORVContextUsage.h"
 #include "sessions/status_codes.h"
 
-/// What one refresh found out about a task. Immutable; made on the refresh queue and moved to the
-/// UI thread.
+/// The figures of a task at the moment of one refresh. A snapshot does not change; it is made on
+/// the refresh queue and moved to the UI thread.
 class ORVSessionSnapshot {
 public:
     ORVSessionSnapshot(std::string title, std::string threadID, std::string fileURL,
@@ -26,26 +26,27 @@ public:
           compactionStatus_(compactionStatus),
           lastUpdated_(lastUpdated) {}
 
-    /// UTF-8, from the title index; "Codex" for a task without a title. Any characters, also ones
-    /// that would steer a terminal.
+    /// Returns the title from the title index, and "Codex" for a task without one. It is valid
+    /// UTF-8 but may hold any characters, even ones that would steer a terminal.
     const std::string& title() const { return title_; }
 
-    /// As the caller asked for it, else as in the file's name; the whole file name where that holds
-    /// no identifier. Bytes of any kind.
+    /// Returns the identifier in the spelling of the caller who asked for it, else in that of the
+    /// file's name. When the name holds no identifier, it is the whole name. It may hold any bytes.
     const std::string& threadID() const { return threadID_; }
 
-    /// Absolute path of the session file with the latest figures. Bytes as the system gave them.
+    /// Returns the absolute path of the task's newest session file, in the system's bytes.
     const std::string& fileURL() const { return fileURL_; }
 
-    /// Distinct compactions over all session files of the task.
+    /// Returns how many different compactions the task's session files tell of.
     std::int64_t compactionCount() const { return compactionCount_; }
 
-    /// Of the newest file. May hold an older figure while contextStatus is incompatible.
+    /// Returns the usage that the newest file tells. While contextStatus is incompatible it may be
+    /// that of an earlier turn.
     const std::optional<ORVContextUsage>& contextUsage() const { return contextUsage_; }
     ORVContextStatus contextStatus() const { return contextStatus_; }
     ORVCompactionStatus compactionStatus() const { return compactionStatus_; }
 
-    /// Modification date of the newest file.
+    /// Returns the modification date of the newest file.
     ORVFileDate lastUpdated() const { return lastUpdated_; }
 
 private:

@@ -1,5 +1,5 @@
-// Finds session files by their names, kinds and dates; never opens one. The per-task search is
-// kept for ten seconds, so that most refreshes of the task in view walk no folder.
+// Finds session files by their names, kinds and dates, without opening any. The result of a search
+// for a task is kept for ten seconds, so that most refreshes of the task in view walk no folder.
 // Tests: tests/sessions/discovery_test.cpp.
 
 #include <algorithm>
@@ -18,8 +18,6 @@ namespace {
 constexpr std::chrono::seconds kSearchReuse(10);
 constexpr std::string_view kExtension = "jsonl";
 
-void passOver(ORVError&&) {}  // A folder that cannot be read holds no files for us.
-
 }  // namespace
 
 ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock)
@@ -37,36 +35,33 @@ std::string ORVCodexSessionSource::sessionsFolder() const {
     return codexHome_ + "/sessions";
 }
 
-std::optional<std::vector<ORVWalkedFile>> ORVCodexSessionSource::sessionFilesWithError(
-    ORVErrorSlot* error) {
-    std::vector<ORVWalkedFile> found;
-    const bool started = files_.walk(
+/// Visits the session files whose names hold the identifier, letter case disregarded. Returns
+/// false, with an error, when the sessions folder cannot be walked.
+bool ORVCodexSessionSource::walkSessionFiles(std::string_view threadID,
+                                             const ORVFiles::FileVisitor& visit,
+                                             ORVErrorSlot* error) {
+    const bool isWalked = files_.walk(
         sessionsFolder(),
-        [](std::string_view name) { return text::hasExtension(name, kExtension); },
-        [&](ORVWalkedFile&& file) { found.push_back(std::move(file)); }, passOver);
-    if (!started) {
+        [&](std::string_view name) {
+            return text::hasExtension(name, kExtension) &&
+                   (threadID.empty() || text::containsIgnoringCase(name, threadID));
+        },
+        visit, [](ORVError&&) {});  // A folder that cannot be read counts as empty.
+    if (!isWalked) {
         storeError(error, sessions::sessionsDirectoryMissing());
-        return std::nullopt;
     }
-    return found;
+    return isWalked;
 }
 
 std::optional<std::string> ORVCodexSessionSource::latestSessionURLWithError(ORVErrorSlot* error) {
     std::optional<ORVWalkedFile> latest;
-    const bool started = files_.walk(
-        sessionsFolder(),
-        [](std::string_view name) { return text::hasExtension(name, kExtension); },
-        [&](ORVWalkedFile&& file) {
-            if (!latest || file.modifiedAt > latest->modifiedAt) {
-                latest = std::move(file);
-            }
-        },
-        passOver);
-    if (!started) {
-        storeError(error, sessions::sessionsDirectoryMissing());
-        return std::nullopt;
-    }
-    return latest ? std::optional(std::move(latest->path)) : std::nullopt;
+    const auto keepLatest = [&](ORVWalkedFile&& file) {
+        if (!latest || file.modifiedAt > latest->modifiedAt) {
+            latest = std::move(file);
+        }
+    };
+    const bool isWalked = walkSessionFiles("", keepLatest, error);
+    return isWalked && latest ? std::optional(std::move(latest->path)) : std::nullopt;
 }
 
 std::vector<std::string> ORVCodexSessionSource::sessionURLsForThreadID(std::string_view threadID,
@@ -89,7 +84,7 @@ bool ORVCodexSessionSource::cachedSearchHolds(const std::string& threadID) {
         return false;
     }
     const auto directoryDate = dateOfFolderHolding(newest);
-    // A clock that was set back makes the age negative, which is as good as young.
+    // A clock that was set back makes the age negative, which counts as young.
     return directoryDate && search.directoryModifiedAt == directoryDate &&
            clock_.now() - search.searchedAt < kSearchReuse;
 }
@@ -97,15 +92,8 @@ bool ORVCodexSessionSource::cachedSearchHolds(const std::string& threadID) {
 std::vector<std::string> ORVCodexSessionSource::searchSessionURLs(const std::string& threadID,
                                                                   ORVErrorSlot* error) {
     std::vector<ORVWalkedFile> candidates;
-    const bool started = files_.walk(
-        sessionsFolder(),
-        [&](std::string_view name) {
-            return text::hasExtension(name, kExtension) &&
-                   text::containsIgnoringCase(name, threadID);
-        },
-        [&](ORVWalkedFile&& file) { candidates.push_back(std::move(file)); }, passOver);
-    if (!started) {
-        storeError(error, sessions::sessionsDirectoryMissing());
+    const auto take = [&](ORVWalkedFile&& file) { candidates.push_back(std::move(file)); };
+    if (!walkSessionFiles(threadID, take, error)) {
         return {};
     }
     if (candidates.empty()) {

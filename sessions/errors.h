@@ -2,7 +2,7 @@
 
 #include "platform/ORVError.h"
 
-/// The errors that the program creates itself. Every other error is the platform's, unchanged.
+/// The errors that the program creates itself. Every other error comes unchanged from the system.
 namespace sessions {
 
 inline constexpr char kErrorDomain[] = "Orvellan";

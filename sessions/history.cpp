@@ -1,5 +1,5 @@
-// What happened in a task, recorded by the interpreter while it reads (interpretation.cpp), so that
-// a history cannot disagree with the figures. Tests: tests/sessions/tasks_test.cpp.
+// Histories. interpretation.cpp records each event while it counts it, so that a history cannot
+// disagree with the figures. Tests: tests/sessions/tasks_test.cpp.
 
 #include <unordered_set>
 #include <utility>
@@ -16,15 +16,15 @@ bool isUsage(const ORVRecordedEvent& recorded) {
     return !recorded.event.isCompaction();
 }
 
-/// Puts the higher of two usages in the place of the first.
+/// Keeps the higher of two usages as the first.
 void merge(ORVRecordedEvent& first, ORVRecordedEvent&& second) {
     if (heightOf(second) >= heightOf(first)) {
         first = std::move(second);
     }
 }
 
-/// Merges usages that are neighbours, two by two. Compactions stay, unless they are most of what is
-/// left: then every other one goes.
+/// Merges neighbouring usages two by two. Compactions stay, unless most of the remaining events are
+/// compactions: then every second one is dropped.
 void thinOut(std::vector<ORVRecordedEvent>& history) {
     const std::size_t before = history.size();
     std::vector<ORVRecordedEvent> kept;

@@ -1,6 +1,6 @@
-// What the records of a session file mean. Takes complete lines from reading.cpp, in file order;
-// counts every compaction once and keeps the usage of the latest turn. Most lines that reach it
-// only talk about compactions: they are conversation and change nothing.
+// What the records of a session file mean. reading.cpp passes complete lines in file order; each
+// compaction is counted once, and the usage of the latest turn is kept. Some of the lines are
+// conversation that merely mentions compaction; they change nothing.
 // Tests: tests/sessions/interpretation_test.cpp.
 
 #include <algorithm>
@@ -40,7 +40,7 @@ const ORVJSONShape& recordShape() {
 
 using Kind = ORVJSONValue::Kind;
 
-/// The value of a JSON number that is whole and from 0 to 2^63; none for every other value. A
+/// Returns a JSON number that is whole and from 0 to 2^63, and none for every other value. A
 /// literal with a fraction or an exponent counts as the nearest double, so 3.0 and 1e3 are whole.
 std::optional<std::uint64_t> wholeNumber(const ORVJSONValue& value) {
     constexpr std::uint64_t kLargest = std::uint64_t{1} << 63U;
@@ -55,11 +55,11 @@ std::optional<std::uint64_t> wholeNumber(const ORVJSONValue& value) {
         return std::nullopt;
     }
     const auto natural = static_cast<std::uint64_t>(real);
-    // Doubles beyond 2^53 have no fraction, so the way there and back is exact.
+    // Doubles beyond 2^53 have no fraction, so converting there and back is exact.
     return static_cast<double>(natural) == real ? std::optional(natural) : std::nullopt;
 }
 
-/// Figures are signed; the one integer beyond them that counts as a number is 2^63.
+/// Figures are signed, so 2^63, the largest number that counts, becomes 2^63 - 1.
 std::int64_t signedFigure(std::uint64_t number) {
     constexpr auto kLargest = std::numeric_limits<std::int64_t>::max();
     return static_cast<std::int64_t>(std::min(number, static_cast<std::uint64_t>(kLargest)));
@@ -80,14 +80,16 @@ void ORVCodexSessionSource::consumeLine(std::string_view line, ORVSessionParseSt
     const std::string_view type = (*object)["type"].text;
     const ORVJSONValue& payloadType = payload["type"];
     const bool isEvent = type == "event_msg";
+    const bool isTokenCount = isEvent && payloadType.text == kTokenCount;
     const bool isLegacy = isEvent && payloadType.text == "context_compacted";
     const bool isCurrent = type == "compacted" && isValidCurrentCompactionObject(*object, payload);
     // An event without a type counts as one about compaction.
     const bool isAboutCompaction =
-        mentionsCompaction(type) ||
-        (isEvent && (payloadType.kind != Kind::string || mentionsCompaction(payloadType.text)));
-    // A word that stands in the record only by JSON escapes does not count, so the bytes decide;
-    // they are asked last, because few lines get this far and most are long.
+        !isTokenCount &&
+        (isEvent ? payloadType.kind != Kind::string || mentionsCompaction(payloadType.text)
+                 : mentionsCompaction(type));
+    // The word must stand in the line's bytes: one that is written with JSON escapes does not
+    // count. This is checked last, because few lines get here and most of them are long.
     if (isAboutCompaction && dataContainsUTF8(line, kCompact)) {
         if (isLegacy || isCurrent) {
             const auto identifier = compactionIdentifierForObject(*object, payload, isCurrent);
@@ -99,14 +101,14 @@ void ORVCodexSessionSource::consumeLine(std::string_view line, ORVSessionParseSt
             state.compactionStatus = ORVCompactionStatusIncompatible;
         }
     }
-    if (isEvent && payloadType.text == kTokenCount && dataContainsUTF8(line, kTokenCount)) {
+    if (isTokenCount && dataContainsUTF8(line, kTokenCount)) {
         if (consumeTokenCount(payload, state)) {
             record(*object, state.contextUsage, "", state);
         }
     }
 }
 
-/// Whether the compaction was counted: each identifier is once.
+/// Counts a compaction and returns whether it was a new one: each identifier counts once.
 bool ORVCodexSessionSource::consumeCompaction(const std::optional<std::string>& identifier,
                                               ORVSessionParseState& state) {
     state.sawCompactionSignal = true;
@@ -123,7 +125,7 @@ bool ORVCodexSessionSource::consumeCompaction(const std::optional<std::string>& 
     return true;
 }
 
-/// Whether the usage was set.
+/// Takes the usage of a turn and returns whether there was one.
 bool ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
                                               ORVSessionParseState& state) {
     const ORVJSONValue& info = payload["info"];
@@ -137,7 +139,7 @@ bool ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
         return false;
     }
     if (*inputTokens == 0) {
-        // Written after a compaction, before the next answer: no figure of its own.
+        // The agent writes this after a compaction, before the next answer: it tells no usage.
         if (!state.contextUsage) {
             state.contextStatus = ORVContextStatusWaiting;
         }

@@ -19,9 +19,9 @@ namespace {
 
 static_assert(ORVByteBuffer::kReadableBytesBeyond >= simdjson::SIMDJSON_PADDING);
 
-/// The parser's buffers are made for lines of this length at once: memory that is not touched costs
-/// nothing, and growing would hold the old and the new buffers together. Only a longer line gets
-/// larger ones, for its own time.
+/// The parser's buffers are made for lines of this length at the beginning: memory that is never
+/// touched costs nothing, and growing would hold the old and the new buffers together. A longer
+/// line gets a parser of its own.
 constexpr std::size_t kUsualLineBytes = 4 * 1024 * 1024;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -35,8 +35,8 @@ const ORVJSONShape* wantedField(const ORVJSONShape& shape, std::string_view key)
     return found == shape.fields.end() ? nullptr : &*found;
 }
 
-/// Adds a field to an object, in place of an earlier one with the same key. The reference is valid
-/// until the next field is added.
+/// Adds a field to an object, in the place of an earlier field with the same key. The reference is
+/// valid until the next field is added.
 ORVJSONValue& addMember(ORVJSONValue& object, const ORVJSONShape& shape) {
     for (ORVJSONMember& member : object.members) {
         if (member.shape == &shape) {
@@ -44,12 +44,15 @@ ORVJSONValue& addMember(ORVJSONValue& object, const ORVJSONShape& shape) {
             return member.value;
         }
     }
-    return object.members.emplace_back(ORVJSONMember{&shape, {}}).value;
+    ORVJSONMember& member = object.members.emplace_back();
+    member.shape = &shape;
+    return member.value;
 }
 
 void take(ORVJSONValue& value, const dom::element& element, const ORVJSONShape& shape);
 
 void takeFields(ORVJSONValue& value, const dom::object& object, const ORVJSONShape& shape) {
+    value.members.reserve(shape.fields.size());
     for (const dom::key_value_pair field : object) {
         if (const ORVJSONShape* wanted = wantedField(shape, field.key)) {
             take(addMember(value, *wanted), field.value, *wanted);
@@ -95,8 +98,8 @@ void take(ORVJSONValue& value, const dom::element& element, const ORVJSONShape& 
     }
 }
 
-/// Whether the refusal proves that the text is no standard JSON, or nested too deep. Every other
-/// refusal may be due to the parser's own limits.
+/// Whether the refusal proves that the text is not standard JSON, or is nested too deep. Every
+/// other refusal may come from the parser's own limits.
 bool provesNoJSON(simdjson::error_code refusal) {
     switch (refusal) {
         case simdjson::TAPE_ERROR:
@@ -115,7 +118,7 @@ bool provesNoJSON(simdjson::error_code refusal) {
     }
 }
 
-/// How many containers are open at the deepest place of the text.
+/// Returns how many containers are open at the deepest place of the text.
 std::size_t nestingOf(std::string_view text) {
     std::size_t deepest = 0;
     std::size_t depth = 0;
@@ -139,14 +142,14 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Removes the digits that the text begins with; false where it begins with none.
+/// Removes the digits at the beginning of the text; returns false when there are none.
 bool skipDigits(std::string_view& text) {
     const std::size_t count = std::min(text.find_first_not_of("0123456789"), text.size());
     text.remove_prefix(count);
     return count > 0;
 }
 
-/// Whether the whole text is a number as JSON writes it.
+/// Whether the whole text is a number in JSON's notation.
 bool isNumberLiteral(std::string_view text) {
     const auto skip = [&text](std::string_view characters) {
         const bool isThere =
@@ -170,8 +173,8 @@ bool isNumberLiteral(std::string_view text) {
     return text.empty();
 }
 
-/// Whether the literal may be one that the parser cannot hold: every shorter one without an
-/// exponent fits into 64 bits.
+/// Whether the parser may be unable to hold the number: without an exponent, every shorter one fits
+/// into 64 bits.
 bool mayBeTooLarge(std::string_view literal) {
     constexpr std::size_t kDigitsThatFit = 18;
     return literal.size() > kDigitsThatFit || literal.find_first_of("eE") != std::string_view::npos;
@@ -188,8 +191,8 @@ public:
         }
     }
 
-    /// The root of the text; it refers into the parser until the next call. None for what is no
-    /// JSON. kReadableBytesBeyond bytes must be readable after the text.
+    /// Returns the root of the text, which refers to the parser's memory until the next call, and
+    /// none for a text that is not JSON.
     std::optional<dom::element> parse(std::string_view text) {
         const auto root = parseOnce(text);
         if (root || provesNoJSON(refusal_)) {
@@ -206,7 +209,7 @@ private:
     std::optional<dom::element> parseOnce(std::string_view text) {
         auto root = parseToDepth(text);
         if (refusal_ == simdjson::DEPTH_ERROR && nestingOf(text) == kMaxDepth) {
-            // The parser counts one level more below a container that is not empty.
+            // The library counts one level more below a container that is not empty.
             allowDepth(kMaxDepth + 1);
             root = parseToDepth(text);
             allowDepth(kMaxDepth);
@@ -227,8 +230,9 @@ private:
         return refusal_ == simdjson::SUCCESS ? std::optional(root) : std::nullopt;
     }
 
-    /// Puts "0.500…" in the place of every number outside of strings that the parser refuses by
-    /// itself, leaving the text's length. What follows the text's `size` bytes stays.
+    /// Overwrites every number that the parser refuses even by itself with "0.500…" of the same
+    /// length. `size` is the length of the JSON text, which the readable bytes follow. Returns
+    /// whether there was such a number.
     bool replaceNumbersThatCannotBeHeld(std::string& text, std::size_t size) {
         bool isChanged = false;
         bool isInString = false;
@@ -277,7 +281,7 @@ std::optional<ORVJSONValue> ORVJSONReader::readObject(std::string_view text,
     return object;
 }
 
-/// Null where the parser that is kept will do.
+/// Returns a parser for a text that the kept one cannot take, else null.
 std::unique_ptr<ORVJSONReader::Parser> ORVJSONReader::parserForThisTextAlone(std::size_t size) {
     if (size > kUsualLineBytes) {
         releaseMemory();
@@ -289,7 +293,7 @@ std::unique_ptr<ORVJSONReader::Parser> ORVJSONReader::parserForThisTextAlone(std
         }
         return nullptr;
     } catch (const std::bad_alloc&) {
-        return std::make_unique<Parser>(size);  // Where memory is short, no more than it takes.
+        return std::make_unique<Parser>(size);  // Memory is short: take what this text needs.
     }
 }
 

@@ -8,7 +8,8 @@
 #include <variant>
 #include <vector>
 
-/// Which fields of a JSON object are wanted; everything else is checked and passed over.
+/// Names the fields of a JSON object that are wanted. Everything else is checked for correctness
+/// and passed over.
 struct ORVJSONShape {
     std::string_view key;
     bool keepsText = false;  ///< Whether the text of a string is wanted, not only its kind.
@@ -23,30 +24,31 @@ struct ORVJSONValue {
 
     Kind kind = Kind::absent;
 
-    /// Of a string that the shape keeps: decoded, valid UTF-8. Empty for everything else.
+    /// The decoded text of a string that the shape keeps, in valid UTF-8; "" for every other value.
     std::string text;
 
-    /// Of a number: an integer from 0 to 2^64 - 1 exactly, every other one as the nearest double.
-    /// A number that neither of the two can hold reads as 0.5, a double that is never whole.
+    /// The value of a number: an integer from 0 to 2^64 - 1 exactly, every other number as the
+    /// nearest double. A number that neither of the two can hold reads as 0.5, which is not whole
+    /// either.
     std::variant<std::uint64_t, double> number;
 
-    /// Of an object: the wanted fields that it has. Where a key occurs more than once, the last.
+    /// The wanted fields of an object. Of a key that occurs more than once, the last counts.
     std::vector<ORVJSONMember> members;
 
-    /// A field of an object; an absent value where there is none.
+    /// Returns a field of an object, and an absent value when the object has no such field.
     const ORVJSONValue& operator[](std::string_view key) const;
 };
 
 struct ORVJSONMember {
-    const ORVJSONShape* shape;
-    ORVJSONValue value;
+    const ORVJSONShape* shape = nullptr;
+    ORVJSONValue value = {};
 };
 
-/// Parses lines of JSON. Accepts a text that is one object of standard JSON, whatever its numbers,
-/// nested at most kMaxDepth levels and at most kMaxBytes long, and nothing else.
+/// Parses lines of JSON. It accepts a text that is one object of standard JSON, whatever its
+/// numbers, nested at most kMaxDepth levels and at most kMaxBytes long, and nothing else.
 ///
-/// Runs out of memory with std::bad_alloc: a line of many small values takes up to 13 times its
-/// length while it is parsed.
+/// While it is parsed, a line of many small values takes up to 13 times its length of memory;
+/// std::bad_alloc is thrown when there is not as much.
 class ORVJSONReader {
 public:
     static constexpr std::size_t kMaxDepth = 512;
@@ -55,11 +57,11 @@ public:
     ORVJSONReader();
     ~ORVJSONReader();
 
-    /// The wanted fields of the object, or none. ORVByteBuffer::kReadableBytesBeyond bytes after
-    /// the text must be readable.
+    /// Returns the wanted fields of the object, and none for a text that is not accepted.
+    /// ORVByteBuffer::kReadableBytesBeyond bytes after the text must be readable.
     std::optional<ORVJSONValue> readObject(std::string_view text, const ORVJSONShape& shape);
 
-    /// Frees the memory that parsing took.
+    /// Frees the parser's memory, which otherwise stays for the next line.
     void releaseMemory();
 
 private:

@@ -2,14 +2,14 @@
 
 #include "text/marker_search.h"
 
-/// The words by which the lines of a session file are chosen. A line that holds none of them cannot
-/// change any figure, and is passed over without being cut out or parsed.
+/// The words that select lines of a session file. A line without any of them cannot change a
+/// figure; it is passed over without being cut out or parsed.
 namespace sessions {
 
 inline constexpr std::string_view kCompact = "compact";
 inline constexpr std::string_view kTokenCount = "token_count";
 
-/// The pairs of bytes were measured on session files: "m…a" and "k…_".
+/// The rare bytes, "m…a" and "k…_", are those that were fastest on session files.
 inline constexpr ORVMarker kMarkers[] = {{kCompact, 2, 5}, {kTokenCount, 2, 5}};
 
 }  // namespace sessions

@@ -1,7 +1,6 @@
 // Follows a session file as it grows: only appended bytes are read, and every complete line is
-// interpreted once. Takes the size from the attributes that the snapshot read; keeps the rule that
-// a state belongs to one file: another inode or a shorter file starts a fresh one.
-// Tests: tests/sessions/reading_test.cpp.
+// interpreted once. A state belongs to one file: another inode or a smaller size begins a fresh
+// one. Tests: tests/sessions/reading_test.cpp.
 
 #include <cerrno>
 #include <new>
@@ -52,7 +51,7 @@ bool ORVCodexSessionSource::updateState(ORVSessionParseState& state, const std::
     try {
         return readOn(state, url, *file, fileSize, error);
     } catch (const std::bad_alloc&) {
-        // What the file took is freed; it is read from its beginning when it is tried again.
+        // Frees the file's memory. The next attempt reads the file from its beginning.
         state = ORVSessionParseState{};
         state.outOfMemory = {fileSize, clock_.now()};
         releaseReadingMemory();
@@ -61,7 +60,7 @@ bool ORVCodexSessionSource::updateState(ORVSessionParseState& state, const std::
     }
 }
 
-/// Whether memory ran out for the file a short while ago, and nothing has changed since: reading
+/// Whether memory ran out for the file a short while ago, and its size is still the same. Reading
 /// gigabytes in vain at every refresh would be felt.
 bool ORVCodexSessionSource::isOutOfMemory(const ORVSessionParseState& state,
                                           std::uint64_t fileSize) const {

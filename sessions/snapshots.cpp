@@ -1,5 +1,5 @@
-// Assembles snapshots: one file at a time, then a whole task. The context figures are those of the
-// task's newest file; compactions are summed over all its files, each identifier once.
+// Assembles snapshots, of one file and of a whole task. A task's context figures are those of its
+// newest file; its compactions are counted over all its files, each identifier once.
 // Tests: tests/sessions/snapshots_test.cpp.
 
 #include <unordered_set>
@@ -73,7 +73,7 @@ const ORVCodexSessionSource::Totals& ORVCodexSessionSource::totalsOfTask(
     if (found == totals_.end()) {
         found = totals_.emplace(std::string(threadID), Totals{}).first;
     }
-    // A revision belongs to one state only, so equal ones mean the same files, too.
+    // A revision belongs to one state only, so equal revisions mean the same files as well.
     if (found->second.revisions != revisions) {
         found->second = sumOfFiles(urls);
         found->second.revisions = std::move(revisions);

@@ -1,5 +1,5 @@
-// All tasks at once, from the names of the session files. A name holds the identifier of its task,
-// and that of a segment behind it when the task was taken back to an earlier point.
+// All tasks at once, from the names of the session files. A name holds the identifier of its task;
+// after the task was taken back to an earlier point, that of a segment follows it.
 // Tests: tests/sessions/tasks_test.cpp.
 
 #include <algorithm>
@@ -13,8 +13,8 @@
 
 namespace {
 
-/// Every thread identifier in the file's name, in lower case: identifiers that differ in letter
-/// case only name the same task.
+/// Returns every thread identifier in the file's name, in lower case, because letter case does not
+/// tell tasks apart.
 std::vector<std::string> identifiersIn(const ORVWalkedFile& file) {
     const std::string_view name = text::lastPathComponent(file.path);
     std::vector<std::string> identifiers;
@@ -32,7 +32,7 @@ std::vector<std::string> identifiersIn(const ORVWalkedFile& file) {
     return identifiers;
 }
 
-/// An identifier as the file's name writes it.
+/// Returns an identifier in the letter case of the file's name.
 std::string spellingIn(std::string_view path, const std::string& identifier) {
     const std::string_view name = text::lastPathComponent(path);
     const auto found = std::search(name.begin(), name.end(), identifier.begin(), identifier.end(),
@@ -53,15 +53,16 @@ bool comesBefore(const ORVTask& a, const ORVTask& b) {
 }  // namespace
 
 std::optional<std::vector<ORVTask>> ORVCodexSessionSource::tasksWithError(ORVErrorSlot* error) {
-    auto files = sessionFilesWithError(error);
-    if (!files) {
+    std::vector<ORVWalkedFile> files;
+    const auto take = [&](ORVWalkedFile&& file) { files.push_back(std::move(file)); };
+    if (!walkSessionFiles("", take, error)) {
         return std::nullopt;
     }
-    std::sort(files->begin(), files->end(), isOlder);
+    std::sort(files.begin(), files.end(), isOlder);
     std::vector<std::vector<std::string>> identifiers;
     std::unordered_map<std::string, std::size_t> positions;  // In `tasks`, by identifier.
     std::vector<ORVTask> tasks;
-    for (const ORVWalkedFile& file : *files) {
+    for (const ORVWalkedFile& file : files) {
         identifiers.push_back(identifiersIn(file));
         if (identifiers.back().empty()) {
             tasks.push_back({std::string(text::lastPathComponent(file.path)), {file}});
@@ -69,11 +70,11 @@ std::optional<std::vector<ORVTask>> ORVCodexSessionSource::tasksWithError(ORVErr
             tasks.emplace_back();
         }
     }
-    for (std::size_t i = 0; i < files->size(); ++i) {
+    for (std::size_t i = 0; i < files.size(); ++i) {
         for (const std::string& identifier : identifiers[i]) {
             const auto position = positions.find(identifier);
             if (position != positions.end()) {
-                tasks[position->second].files.push_back((*files)[i]);
+                tasks[position->second].files.push_back(files[i]);
             }
         }
     }

@@ -1,5 +1,5 @@
 // The title index: "session_index.jsonl" in the Codex home, to which the agent appends a line at
-// every rename. Read whole, and again only when its date changed.
+// every rename. It is read as a whole, and again only when its date has changed.
 // Tests: tests/sessions/snapshots_test.cpp.
 
 #include "sessions/ORVCodexSessionSource.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Some hundred thousand tasks. A larger file is no index; it counts as unreadable.
+/// Enough for some hundred thousand tasks. A larger file counts as unreadable.
 constexpr std::size_t kIndexLimitBytes = 64 * 1024 * 1024;
 
 const ORVJSONShape& entryShape() {
@@ -35,14 +35,14 @@ std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTit
     const std::string& path) {
     const auto attributes = files_.attributesOfItem(path, nullptr);
     if (!attributes || attributes->size.value_or(0) > kIndexLimitBytes) {
-        return std::nullopt;  // Without reading so much in vain again and again.
+        return std::nullopt;  // Its first 64 MB would be read in vain at every refresh.
     }
     auto text = platform::contentsOfFile(files_, path, kIndexLimitBytes);
     if (!text || !text::isValidUTF8(*text)) {
         return std::nullopt;
     }
     const std::size_t length = text->size();
-    text->append(ORVByteBuffer::kReadableBytesBeyond, ' ');  // As the JSON reader wants it.
+    text->append(ORVByteBuffer::kReadableBytesBeyond, ' ');  // The JSON reader needs them.
     std::map<std::string, std::string> titles;
     text::forEachLine(std::string_view(*text).substr(0, length), [&](std::string_view line) {
         const auto entry = jsonReader_.readObject(line, entryShape());

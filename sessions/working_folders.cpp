@@ -1,5 +1,5 @@
-// Which folder a task works in: the first line of a session file says it, once for all. Tasks are
-// found by folder from there. Tests: tests/sessions/tasks_test.cpp.
+// Which folder a task works in, as the first line of its session file says, and which task works in
+// a given folder. Tests: tests/sessions/tasks_test.cpp.
 
 #include <algorithm>
 #include <new>
@@ -12,11 +12,11 @@
 
 namespace {
 
-/// The agent's first lines have some 25 KB: they hold its instructions. A longer one than this
-/// tells no folder.
+/// The agent's first lines hold its instructions and have some 25 KB. A line that is longer than
+/// this limit names no folder.
 constexpr std::size_t kFirstLineLimitBytes = 1024 * 1024;
 
-/// Most first lines are read with one call.
+/// Enough to read most first lines with one system call.
 constexpr std::uint64_t kFirstReadBytes = 32 * 1024;
 
 const ORVJSONShape& firstRecordShape() {
@@ -31,8 +31,8 @@ std::optional<std::string> workingFolderIn(const ORVJSONValue& record) {
     return isTold ? std::optional(path) : std::nullopt;
 }
 
-/// The length of the holder's path when the folder is the holder itself or lies in it; none
-/// otherwise. The root folder holds everything and counts as 0.
+/// Returns the length of the holder's path when the folder is the holder itself or lies in it, else
+/// none. The root folder holds everything and has the length 0.
 std::optional<std::size_t> depthOfHolder(std::string_view holder, std::string_view folder) {
     while (holder.ends_with('/')) {
         holder.remove_suffix(1);
@@ -43,7 +43,8 @@ std::optional<std::size_t> depthOfHolder(std::string_view holder, std::string_vi
     return holds ? std::optional(holder.size()) : std::nullopt;
 }
 
-/// Compares folders with one folder, each as it is written and as it really is.
+/// Compares the working folders of tasks with one folder, by their paths as written and, when those
+/// do not match, by their paths without links. Each path is looked up once.
 class Comparison {
 public:
     Comparison(ORVFiles& files, const std::string& folder) : files_(files), folder_(folder) {}
@@ -88,7 +89,7 @@ const ORVCodexSessionSource::WorkingFolder& ORVCodexSessionSource::workingFolder
     const std::string& url, std::uint64_t fileNumber, ORVFileDate modifiedAt) {
     WorkingFolder& known = workingFolders_[url];
     const bool isSameFile = known.fileNumber == fileNumber;
-    // A first line that has not ended is looked at again when the file has changed.
+    // A first line that had not ended is read again when the file has changed.
     if (!isSameFile || (!known.isFinal && known.modifiedAt != modifiedAt)) {
         known = readWorkingFolder(url, chunkBuffer_, jsonReader_);
         known.fileNumber = fileNumber;
@@ -122,8 +123,8 @@ ORVCodexSessionSource::WorkingFolder ORVCodexSessionSource::readWorkingFolder(
     return result;
 }
 
-/// Spares opening the file again: reading.cpp calls this with the beginning of a file that it reads
-/// for its figures.
+/// reading.cpp passes the beginning of every file that it reads for its figures, which spares
+/// opening the file a second time.
 void ORVCodexSessionSource::takeWorkingFolder(const std::string& url,
                                               const ORVSessionParseState& state,
                                               std::string_view firstChunk) {
@@ -138,8 +139,8 @@ void ORVCodexSessionSource::takeWorkingFolder(const std::string& url,
     }
 }
 
-/// Reads the first lines of very many files ahead, on all processors: of twenty thousand it would
-/// be felt. One thread takes every n-th file, and the results are stored when all have ended.
+/// Reads the first lines of very many files on all processors, since one after the other would be
+/// felt. Each of n threads takes every n-th file; the results are stored when all have ended.
 void ORVCodexSessionSource::readWorkingFoldersAhead(const std::vector<ORVTask>& tasks) {
     constexpr std::size_t kWorthThreads = 1'000;
     std::vector<const ORVWalkedFile*> files;
