@@ -13,11 +13,11 @@
 #include "l10n/ORVLocalizer.h"
 #include "sessions/ORVCodexSessionSource.h"
 
-/// The application: owns everything for the whole run, refreshes every two seconds and on demand,
-/// and decides what the status item and its menu show.
+/// The application. It owns everything for the whole run, refreshes every two seconds and on
+/// demand, and decides what the status item and its menu show.
 ///
-/// UI thread only, but for the two sources, which the refresh queue alone touches once they are
-/// made. Closures under way keep it alive.
+/// It is used on the UI thread only, but for its two sources, which belong to the refresh queue
+/// once they are made. Closures that have not run yet keep it alive.
 class ORVAppDelegate final : public std::enable_shared_from_this<ORVAppDelegate> {
 public:
     /// The host must outlive the delegate.
@@ -28,20 +28,21 @@ public:
     /// Builds the whole application and begins the first refresh. Called once.
     void applicationDidFinishLaunching();
 
-    /// Shows English, whatever language is chosen, on a surface that can show no other characters
-    /// than ASCII. Called before the launch.
+    /// Shows English whatever language is chosen, for a surface that can only show ASCII. Must be
+    /// called before the launch.
     void showOnlyEnglish() { showsOnlyEnglish_ = true; }
 
-    /// The one entry point of the cycle. At most one refresh runs; a request that comes meanwhile
-    /// begins none. The sender is the refresh item when the user asked, else null.
+    /// Begins a refresh unless one is under way, which then serves this request as well. The sender
+    /// is the refresh item when the user asked for it, else null.
     void refresh(const ORVMenuItem* sender);
 
     // Menu (menu.cpp)
 
-    /// Does what a click on the item does: nothing where it is disabled or has no action.
+    /// Does what a click on the item does: nothing when the item is disabled or has no action.
     void chooseItem(ORVMenuItem& item);
 
-    /// The same for the item with this name, or with this key equivalent. False when there is none.
+    /// Do the same for the item with this name, or with this key equivalent; they return false when
+    /// there is no such item.
     bool chooseItemNamed(std::string_view field);
     bool performKeyEquivalent(std::string_view key);
 
@@ -55,47 +56,49 @@ public:
 
     void renderSnapshot(const ORVSessionSnapshot& snapshot);
 
-    /// What stands there while there is no snapshot.
+    /// Shows why there is no snapshot.
     void renderFocusState(const ORVCodexFocusState& focusState);
 
-    /// "999", "1k", "12.3k": thousands without a decimal where the next is less than 0.05 away.
+    /// Returns "999", "1k", "12.3k": the decimal is left out when a whole number of thousands is
+    /// less than 0.05 away.
     static std::string formattedTokenCount(std::int64_t count);
 
-    /// One line for a status bar: the menu bar's title, two spaces, and the task's title or,
-    /// without a task, the focus line. The title alone while feedback is on display.
+    /// Returns one line for a status bar: the menu bar's title, two spaces, and the task's title
+    /// or, without a task, the focus line. While feedback is on display it is the title alone.
     std::string statusLine() const;
 
-    /// The menu's lines about the task that are visible, from top to bottom.
+    /// Returns the visible menu lines about the task, from top to bottom.
     std::vector<std::string> informationLines() const;
 
-    /// What a screen reader says of the status item, whose title is made for the eye: the program's
-    /// name, then for a task the lines about context and compactions, else the title and the focus
-    /// line, or the feedback on display.
+    /// Returns what a screen reader says in place of the title, which is made for the eye: the
+    /// program's name, then for a task the lines about context and compactions, else the title and
+    /// the focus line, or the feedback on display.
     std::string spokenStatus() const;
 
     // Refresh feedback (feedback.cpp)
 
-    /// Puts feedback on display, without an end.
+    /// Displays the feedback text with this key until further notice.
     void showManualRefreshFeedbackForKey(const std::string& key);
 
-    /// Puts feedback on display and ends it after 1.2 seconds, unless newer feedback took its
+    /// Displays the feedback text with this key for 1.2 seconds, or until newer feedback takes its
     /// place.
     void finishManualRefreshFeedbackWithKey(const std::string& key);
 
-    /// Draws the feedback on display, if any, over what was just rendered.
+    /// Draws the feedback on display, if there is any, over what was just rendered.
     void applyManualRefreshFeedbackIfNeeded();
 
     const ORVStatusItem& statusItem() const { return statusItem_; }
 
-    // What the last refresh found out of the task shown; none while none is.
+    // What the last refresh found out about the task that is shown; none when no task is shown.
     const std::optional<ORVSessionSnapshot>& lastSnapshot() const { return lastSnapshot_; }
     const std::optional<std::string>& lastFolder() const { return lastFolder_; }
     const std::shared_ptr<const ORVHistory>& lastHistory() const { return lastHistory_; }
 
-    /// Why no task is shown, in words; "" while one is, and before the first refresh is done.
+    /// Returns, in words, why no task is shown; "" while one is, and before the first refresh ends.
     std::string focusLine() const { return focusItem_->hidden ? "" : focusItem_->title; }
 
-    /// "zh_CN" or "en_US": the language of what is shown. From the launch on.
+    /// Return the locale of the language that is shown, "zh_CN" or "en_US", and its way to write
+    /// the time. Must be called after the launch.
     std::string locale() const { return localizer_->locale(); }
     const ORVTimeFormat& timeFormat() const { return localizer_->timeFormat(); }
 
@@ -128,7 +131,7 @@ private:
     ORVMenuItem* updatedItem_ = nullptr;
     ORVMenuItem* sourceItem_ = nullptr;
     ORVMenuItem* privacyItem_ = nullptr;
-    ORVMenuItem* refreshItem_ = nullptr;  ///< Also tells a manual refresh, by its identity.
+    ORVMenuItem* refreshItem_ = nullptr;  ///< The sender of every manual refresh.
     ORVMenuItem* quitItem_ = nullptr;
     ORVMenuItem* languageItem_ = nullptr;
     ORVMenuItem* systemLanguageItem_ = nullptr;
@@ -153,5 +156,5 @@ private:
     bool manualRefreshPending_ = false;  ///< The user waits for the results of a refresh.
     bool manualRefreshFeedbackActive_ = false;
     std::optional<std::string> manualRefreshFeedbackKey_;
-    std::uint64_t manualRefreshFeedbackGeneration_ = 0;  ///< Tells a reset that is out of date.
+    std::uint64_t manualRefreshFeedbackGeneration_ = 0;  ///< Counts what was put on display.
 };

@@ -9,7 +9,8 @@
 #include "platform/run_loop.h"
 #include "platform/user_defaults.h"
 
-/// What the application needs from outside: one for every surface, and one for tests.
+/// Everything that the application needs from its surroundings. The Mac's shell and the command
+/// line implement it, and so do the tests.
 class ORVAppHost {
 public:
     virtual ~ORVAppHost() = default;
@@ -17,20 +18,20 @@ public:
     virtual ORVUserDefaults& standardUserDefaults() = 0;
     virtual std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) = 0;
 
-    /// The UI thread.
+    /// Returns the loop of the UI thread.
     virtual ORVRunLoop& runLoop() = 0;
 
-    /// Used by the sources, on the refresh queue only.
+    // The sources use these two on the refresh queue.
     virtual ORVFiles& files() = 0;
     virtual const ORVClock& clock() = 0;
 
-    /// The folder that holds the sessions and their titles.
+    /// Returns the folder that holds the sessions and their titles.
     virtual std::string codexHome() { return ORVCodexSessionSource::defaultCodexHome(); }
 
-    /// Which task is shown, and what else the surface shows of it. Asked once, when the application
-    /// begins.
+    /// Returns which task is shown and what else the surface shows of it. The application asks
+    /// once, at its launch.
     virtual ORVRefreshRequest refreshRequest() { return {}; }
 
-    /// Ends the application's event loop. UI thread.
+    /// Ends the application's event loop. Called on the UI thread.
     virtual void terminate() = 0;
 };

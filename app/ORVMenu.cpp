@@ -1,5 +1,4 @@
-// A menu keeps its items at their addresses: surfaces and the delegate point at them.
-// Tests: tests/app/app_delegate_test.cpp.
+// Adds items to a menu. Tests: tests/app/app_delegate_test.cpp.
 
 #include "app/ORVMenu.h"
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-/// The status item and its menu without a platform: everything that a surface shows. The delegate
-/// changes it on the UI thread; a surface looks at it at the end of a turn and never changes it.
+/// The status item and its menu as plain data: everything that a surface shows. The delegate
+/// changes them on the UI thread; a surface reads them at the end of a turn and never changes them.
 
-/// A system symbol, and what a screen reader says of it.
+/// A system symbol, and what a screen reader says in its place.
 struct ORVMenuImage {
     std::string name;
     std::string description;
@@ -21,22 +21,23 @@ enum class ORVMenuAction { none, refresh, terminate, changeLanguage };
 struct ORVMenu;
 
 struct ORVMenuItem {
-    std::string field;  ///< Name of the delegate's field that holds it; "" for a separator.
+    std::string field;  ///< The item's name, as scripts choose it; "" for a separator.
     std::string title;
     bool enabled = true;
     bool hidden = false;
     ORVMenuAction action = ORVMenuAction::none;
     /// A lower-case letter, pressed with the platform's modifier key; "" for none.
     std::string keyEquivalent;
-    std::optional<std::int64_t> tag;  ///< Of a language: its mode.
-    bool state = false;               ///< Checked.
+    std::optional<std::int64_t> tag;  ///< The language mode that the item chooses.
+    bool state = false;               ///< Whether the item has a check mark.
     std::optional<ORVMenuImage> image;
     std::unique_ptr<ORVMenu> submenu;
 
     bool isSeparator() const { return field.empty(); }
 };
 
-/// Items from top to bottom. They are made once and keep their addresses.
+/// Items from top to bottom. They are made once and keep their addresses, since surfaces and the
+/// delegate point at them.
 struct ORVMenu {
     std::vector<std::unique_ptr<ORVMenuItem>> items;
 
@@ -46,7 +47,8 @@ struct ORVMenu {
 
 struct ORVStatusItem {
     std::string title;  ///< The text in the menu bar.
-    /// The share of the context window in use that the title tells; none where it tells none.
+    /// The percentage in the title: how much of the context window is in use. None when the title
+    /// has none.
     std::optional<double> percentage;
     std::string toolTip;
     std::unique_ptr<ORVMenu> menu;

@@ -1,9 +1,8 @@
-// Templates of users. Tests: tests/app/template_test.cpp.
+// The names of a template, and how its text is taken to pieces. Tests: tests/app/template_test.cpp.
 
 #include "app/ORVTemplate.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "app/age.h"
 #include "app/status_title.h"
@@ -12,17 +11,6 @@
 namespace {
 
 constexpr const char* kUnknown = "--";
-
-/// Ten cells, filled in proportion.
-std::string bar(double percentage) {
-    constexpr int kCells = 10;
-    const int filled = static_cast<int>(std::lround(std::clamp(percentage, 0.0, 100.0) / kCells));
-    std::string text;
-    for (int cell = 0; cell < kCells; ++cell) {
-        text += cell < filled ? "█" : "░";
-    }
-    return text;
-}
 
 std::string compactions(const ORVSessionSnapshot& snapshot) {
     const bool isKnown = snapshot.compactionStatus() == ORVCompactionStatusValid;
@@ -37,7 +25,7 @@ using Values = ORVTemplateValues;
 using Snapshot = ORVSessionSnapshot;
 using Usage = ORVContextUsage;
 
-/// A name and the one function of these that gives its value.
+/// A name and the function that returns its value; exactly one of the three is set.
 struct Name {
     std::string_view name;
     std::string (*ofValues)(const Values&) = nullptr;
@@ -54,7 +42,7 @@ constexpr Name kNames[] = {
     {"used", nullptr, nullptr, [](const Usage& u) { return std::to_string(u.inputTokens()); }},
     {"window", nullptr, nullptr, [](const Usage& u) { return std::to_string(u.contextWindow()); }},
     {"left", nullptr, nullptr, left},
-    {"bar", nullptr, nullptr, [](const Usage& u) { return bar(u.percentage()); }},
+    {"bar", nullptr, nullptr, [](const Usage& u) { return app::bar(u.percentage()); }},
     {"updated", nullptr,
      [](const Snapshot& s, const Values& v) {
          return platform::mediumTimeOfDay(s.lastUpdated(), v.timeFormat);

@@ -9,11 +9,11 @@
 #include "platform/time_of_day.h"
 #include "sessions/ORVSessionSnapshot.h"
 
-/// What a template is filled from. The pointers must be valid while it is filled.
+/// What a template is filled from. `snapshot` must be valid while it is filled.
 struct ORVTemplateValues {
     std::string status;                            ///< The status-item title.
-    const ORVSessionSnapshot* snapshot = nullptr;  ///< Null where no task is shown.
-    std::string titleWithoutTask = "--";           ///< Stands for the title where none is.
+    const ORVSessionSnapshot* snapshot = nullptr;  ///< Null when no task is shown.
+    std::string titleWithoutTask = "--";           ///< Takes the title's place when none is shown.
     std::optional<std::string> folder;
     ORVClock::TimePoint now;
     ORVTimeFormat timeFormat;
@@ -22,13 +22,13 @@ struct ORVTemplateValues {
 /// A user's own line of text about a task: "{status} {title}".
 ///
 /// Names in braces stand for values, "{{" and "}}" for braces. A value that is not known is "--".
-/// Values cannot steer a terminal; the template's own text stays as it is.
+/// Characters that would steer a terminal are taken out of values, but not of the template's text.
 class ORVTemplate {
 public:
-    /// None for a text with a name that does not exist or a brace without its partner.
+    /// Returns none for a text with an unknown name or a single brace.
     static std::optional<ORVTemplate> parse(std::string_view text);
 
-    /// All names, as an explanation for people: "{status}, {title}, …".
+    /// Returns all names as people write them: "{status}, {title}, …".
     static std::string names();
 
     bool wants(std::string_view name) const;
@@ -36,7 +36,7 @@ public:
     std::string filled(const ORVTemplateValues& values) const;
 
 private:
-    /// A name, or text that stands for itself.
+    /// A name, or a piece of the template's own text.
     struct Piece {
         std::string text;
         bool isName;

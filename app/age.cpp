@@ -1,4 +1,4 @@
-// How old a file is, from dates that may be any number at all.
+// The age of a file, computed without overflow: an inode may hold any number of seconds.
 // Tests: tests/app/template_test.cpp.
 
 #include "app/age.h"
@@ -8,7 +8,6 @@
 namespace app {
 
 std::chrono::seconds age(ORVFileDate date, ORVClock::TimePoint now) {
-    // Any number of seconds may stand in an inode: nothing on the way may overflow.
     const std::int64_t today =
         std::chrono::floor<std::chrono::seconds>(now.time_since_epoch()).count();
     constexpr std::int64_t kLongAgo = std::int64_t{1} << 60U;

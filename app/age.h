@@ -8,10 +8,10 @@
 
 namespace app {
 
-/// How long ago the date was; nothing for a date in the future.
+/// Returns how long ago the date was; 0 for a date in the future.
 std::chrono::seconds age(ORVFileDate date, ORVClock::TimePoint now);
 
-/// The same in its largest unit, rounded down: "12s", "3m", "2h", "5d".
+/// Returns the same in its largest unit, rounded down: "12s", "3m", "2h", "5d".
 std::string ageText(ORVFileDate date, ORVClock::TimePoint now);
 
 }  // namespace app

@@ -1,5 +1,5 @@
-// What the refresh command shows of itself: checking, then complete or failed for a moment, both
-// in the menu bar and on the command. Feedback is drawn over whatever is rendered meanwhile.
+// What the menu bar and the refresh item show after the user has asked for a refresh: "checking",
+// then for a moment whether it succeeded. Feedback is drawn over whatever is rendered meanwhile.
 // Tests: tests/app/app_delegate_test.cpp.
 
 #include "app/ORVAppDelegate.h"
@@ -35,7 +35,7 @@ void ORVAppDelegate::finishManualRefreshFeedbackWithKey(const std::string& key) 
     const std::uint64_t generation = manualRefreshFeedbackGeneration_;
     host_.runLoop().postAfter(kFeedbackTime, [self = shared_from_this(), generation] {
         if (self->manualRefreshFeedbackGeneration_ != generation) {
-            return;  // Newer feedback owns the display.
+            return;  // Newer feedback is on display.
         }
         self->manualRefreshFeedbackActive_ = false;
         self->manualRefreshFeedbackKey_.reset();

@@ -109,7 +109,7 @@ void ORVAppDelegate::applyLocalization() {
     }
     setTitleAndImage(*refreshItem_, text("refresh"), "arrow.clockwise");
     quitItem_->title = text("quit");
-    // The choice decides, not the language that it amounts to.
+    // The check mark shows the choice, which may be "the system's language".
     for (const auto& item : languageItem_->submenu->items) {
         item->state = item->tag == localizer_->languageMode();
     }

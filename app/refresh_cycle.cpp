@@ -52,7 +52,7 @@ void ORVAppDelegate::finishRefresh(ORVRefreshResults&& results) {
     manualRefreshPending_ = false;
     lastFocusState_ = std::move(results.focusState);
     lastError_ = std::move(results.error);
-    lastSnapshot_ = std::move(results.snapshot);  // A stale one is never kept.
+    lastSnapshot_ = std::move(results.snapshot);  // Without a snapshot the old one goes, too.
     lastFolder_ = std::move(results.folder);
     lastHistory_ = std::move(results.history);
     if (lastSnapshot_) {

@@ -1,5 +1,5 @@
-// What a refresh reads, and the one place where it is decided which task is shown. Where the user
-// has named a task the logs are not read, and a focus state is made up that lets the menu say why
+// What a refresh reads, and the only place that decides which task is shown. When the user has
+// named a task, the logs are not read, and a focus state is made up that makes the menu say why
 // nothing is shown. Tests: tests/app/refresh_step_test.cpp.
 
 #include "app/refresh_step.h"
@@ -40,7 +40,7 @@ ORVRefreshResults refreshOfChosenTask(const ORVShownTask& task, ORVCodexSessionS
     ORVErrorSlot error;
     auto snapshot = snapshotOf(task, source, &error);
     ORVCodexFocusState focusState = focusStateFor(snapshot, error);
-    return {std::move(focusState), std::move(snapshot), std::move(error), std::nullopt, nullptr};
+    return {std::move(focusState), std::move(snapshot), std::move(error)};
 }
 
 }  // namespace
@@ -60,12 +60,10 @@ ORVRefreshResults refreshFromFiles(const ORVRefreshRequest& request,
         }
         return results;
     } catch (const std::bad_alloc&) {
-        // A source frees what a file took; this is for what is left, a walk over very many files.
-        return {{ORVCodexFocusStatusTaskInView, std::nullopt, std::nullopt, ""},
-                std::nullopt,
-                platform::posixError(ENOMEM),
-                std::nullopt,
-                nullptr};
+        // The sources handle a file that is too large for the memory. This is for everything else,
+        // such as a walk over very many files.
+        return {.focusState = {ORVCodexFocusStatusTaskInView, std::nullopt, std::nullopt, ""},
+                .error = platform::posixError(ENOMEM)};
     }
 }
 
@@ -77,7 +75,7 @@ ORVRefreshResults refreshFromFiles(ORVCodexFocusLogSource& focusSource,
     if (focusState.status() == ORVCodexFocusStatusTaskInView) {
         snapshot = source.snapshotForThreadID(*focusState.threadID(), &error);
     }
-    return {std::move(focusState), std::move(snapshot), std::move(error), std::nullopt, nullptr};
+    return {std::move(focusState), std::move(snapshot), std::move(error)};
 }
 
 }  // namespace app

@@ -11,10 +11,10 @@
 /// Which task is shown.
 struct ORVShownTask {
     enum class Choice {
-        inView,      ///< The one that the desktop application has in view.
-        latest,      ///< That of the most recently written session file.
-        identified,  ///< The one with the thread identifier in `value`.
-        inFolder,    ///< The one that works in the folder whose real path is in `value`.
+        inView,      ///< The task that the desktop application has in view.
+        latest,      ///< The task of the most recently written session file.
+        identified,  ///< The task whose thread identifier is in `value`.
+        inFolder,    ///< The task that works in the folder whose real path is in `value`.
     };
 
     Choice choice = Choice::inView;
@@ -25,27 +25,28 @@ struct ORVShownTask {
 struct ORVRefreshRequest {
     ORVShownTask task;
     bool wantsFolder = false;
-    std::size_t eventsPerFile = 0;  ///< Of the task's history, at most; 0 for no history.
+    std::size_t eventsPerFile = 0;  ///< The longest history of a file; 0 for no history.
 };
 
 /// What one refresh found out.
 struct ORVRefreshResults {
     ORVCodexFocusState focusState;
-    std::optional<ORVSessionSnapshot> snapshot;
-    ORVErrorSlot error;                 ///< May stand beside a snapshot.
-    std::optional<std::string> folder;  ///< The snapshot's task works there.
-    std::shared_ptr<const ORVHistory> history;
+    std::optional<ORVSessionSnapshot> snapshot = {};
+    ORVErrorSlot error = {};                         ///< May stand beside a snapshot.
+    std::optional<std::string> folder = {};          ///< Where the snapshot's task works.
+    std::shared_ptr<const ORVHistory> history = {};  ///< Null when it was not asked for.
 };
 
 namespace app {
 
-/// The part of a refresh that reads files. Refresh queue only.
+/// Does the part of a refresh that reads files. Called on the refresh queue.
 ORVRefreshResults refreshFromFiles(const ORVRefreshRequest& request,
                                    ORVCodexFocusLogSource& focusSource,
                                    ORVCodexSessionSource& source);
 
-/// Follows the task in view: asks which one is and, only if one is, for its snapshot. Both write
-/// into one slot, so the error is the session source's if it reported one, else the focus source's.
+/// Asks which task is in view and, if there is one, for its snapshot. Both sources write into one
+/// slot, so the error is that of the session source if it reported one, else that of the focus
+/// source.
 ORVRefreshResults refreshFromFiles(ORVCodexFocusLogSource& focusSource,
                                    ORVAgentSessionSource& source);
 

@@ -1,5 +1,5 @@
-// What the results of a refresh look like: the menu bar's title and the menu's information lines.
-// Each rendering sets every text that it owns, so that none of an earlier one survives.
+// How the results of a refresh are shown: the menu bar's title and the menu's information lines.
+// Each rendering sets all of these texts, so that no text of an earlier one survives.
 // Tests: tests/app/app_delegate_test.cpp.
 
 #include <array>
@@ -40,7 +40,7 @@ void ORVAppDelegate::renderSnapshot(const ORVSessionSnapshot& snapshot) {
         contextItem_->title =
             l10n::filled(text("context_format"), {formattedTokenCount(usage->inputTokens()),
                                                   formattedTokenCount(usage->contextWindow()),
-                                                  printed("%.0f", usage->percentage())});
+                                                  app::wholePercent(usage->percentage())});
     } else {
         contextItem_->title =
             text(snapshot.contextStatus() == ORVContextStatusIncompatible ? "context_incompatible"

@@ -1,9 +1,11 @@
-// The short title of a task. It is the same in every language, since there is no room for words.
+// The short title of a task, and what else shows figures without words.
 // Tests: tests/app/app_delegate_test.cpp.
 
 #include "app/status_title.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 namespace app {
@@ -17,6 +19,16 @@ std::string wholePercent(double percentage) {
     std::array<char, 64> text{};
     std::snprintf(text.data(), text.size(), "%.0f", percentage);
     return text.data();
+}
+
+std::string bar(double percentage) {
+    constexpr int kCells = 10;
+    const auto filled = std::lround(std::clamp(percentage, 0.0, 100.0) / kCells);
+    std::string cells;
+    for (int cell = 0; cell < kCells; ++cell) {
+        cells += cell < filled ? "█" : "░";
+    }
+    return cells;
 }
 
 std::string statusItemTitle(const ORVSessionSnapshot& snapshot) {

@@ -4,7 +4,6 @@
 #include "ctl/task_table.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "app/age.h"
 #include "app/status_title.h"
@@ -22,15 +21,9 @@ constexpr int kGaugeCells = 10;
 constexpr int kWidestFolder = 20;
 constexpr int kLeastTitle = 12;
 
-std::string gauge(const ORVSessionSnapshot& snapshot, const terminal::Screen& screen) {
+std::string gauge(const ORVSessionSnapshot& snapshot) {
     const ORVContextUsage* usage = app::shownUsage(snapshot);
-    const double share = usage ? std::clamp(usage->percentage(), 0.0, 100.0) / 100 : 0;
-    const int filled = static_cast<int>(std::lround(share * kGaugeCells));
-    std::string cells;
-    for (int cell = 0; cell < kGaugeCells; ++cell) {
-        cells += screen.showsUnicode ? (cell < filled ? "█" : "░") : (cell < filled ? "#" : ".");
-    }
-    return cells;
+    return app::bar(usage ? usage->percentage() : 0);
 }
 
 /// How wide each column is; 0 for one that is left out.
@@ -53,7 +46,7 @@ struct Cells {
 
 Cells cellsOf(const TaskRow& row, ORVClock::TimePoint now, const terminal::Screen& screen) {
     const auto shown = [&](std::string_view text) { return terminal::shown(text, screen); };
-    return {shown(app::statusItemTitle(row.snapshot)), gauge(row.snapshot, screen),
+    return {shown(app::statusItemTitle(row.snapshot)), shown(gauge(row.snapshot)),
             app::ageText(row.snapshot.lastUpdated(), now),
             shown(text::lastPathComponent(row.folder)), shown(row.snapshot.title())};
 }

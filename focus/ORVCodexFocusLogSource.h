@@ -16,57 +16,61 @@
 
 /// Decides from the desktop application's logs which task is in view.
 ///
-/// Lives as long as the program. Of all the events that the logs have told, one is current: the one
-/// with the greatest time stamp, among equal ones the one read last. It stays until a newer one is
-/// read, also when its window loses the focus or its file goes away. Refresh queue only; nothing is
-/// locked.
+/// A source lives as long as the program. It is used on the refresh queue only and locks nothing.
+/// Of all events in the logs, one is current: the one with the greatest time stamp, and among equal
+/// ones the one that was read last. It stays current until a newer one is read, even when its
+/// window loses the focus or its file is removed.
 class ORVCodexFocusLogSource {
 public:
-    /// The logs of this user's desktop application. `files` must outlive the source.
+    /// Without paths, a source reads the logs of this user's desktop application. `files` must
+    /// outlive the source.
     explicit ORVCodexFocusLogSource(ORVFiles& files);
     ORVCodexFocusLogSource(ORVFiles& files, std::string logsRoot);
     ORVCodexFocusLogSource(ORVFiles& files, std::string logsRoot, std::string codexInfoPlistURL);
 
-    /// Where the logs and the installed application's property list are looked for.
+    /// Return the paths at which the logs and the installed application's property list are looked
+    /// for.
     const std::string& logsRoot() const { return logsRoot_; }
     const std::string& infoPlistPath() const { return codexInfoPlistURL_; }
 
     // Decision (decision.cpp)
 
-    /// Which task the user has in view.
+    /// Returns which task the user has in view.
     ///
-    /// Reads only what was appended since the last call; the first call that finds a log reads all
-    /// of it. Always answers: what cannot be read is passed over, and the answer rests on the lines
-    /// read so far. The system's error may then stand in *error beside a valid state.
+    /// A call reads only what was appended since the last one; the first call that finds a log
+    /// reads all of it. There is always an answer: a log that cannot be read is passed over, and
+    /// the answer rests on the lines read so far. *error may then hold the system's error beside a
+    /// valid state.
     ORVCodexFocusState currentFocusStateWithError(ORVErrorSlot* error);
 
     // Installed version (version.cpp)
 
-    /// Where the installed application's Info.plist is, or would be.
+    /// Returns the path of the installed application's Info.plist, and when none is installed, the
+    /// path at which it would stand.
     static std::string installedCodexInfoPlistURL(ORVFiles& files);
 
-    /// "CFBundleShortVersionString" of that file, read anew at every call; none when it is absent
-    /// or no string.
+    /// Returns "CFBundleShortVersionString" of that file, which is read at every call; none when
+    /// the key is absent or its value is not a string.
     std::optional<std::string> installedCodexVersion();
 
     // Log lines (log_lines.cpp)
 
-    /// Lets one line that holds a marker (markers.h), without its line feed, change the file's
-    /// windows and the current event.
+    /// Interprets one line that holds a marker (markers.h), without its line feed. The line may
+    /// change the file's windows and the current event.
     void consumeLineData(std::string_view line, ORVFocusLogFileState& fileState);
 
-    /// What an activity line, in valid UTF-8, says by itself, whatever its window; null for every
-    /// other line.
+    /// Returns the event of an activity line as if its window were unknown, and null for every
+    /// other line. The line must be valid UTF-8.
     static std::shared_ptr<ORVFocusLogEvent> eventFromLineData(std::string_view line);
 
-    /// What follows the first "field=" of the line, up to white space; none where it is absent. The
-    /// field's name may be the end of a longer word.
+    /// Returns what follows the first "field=" of the line, up to white space; none when the line
+    /// has no such field. The field's name may be the end of a longer word.
     static std::optional<std::string_view> valueForField(std::string_view field,
                                                          std::string_view line);
 
     static bool isValidThreadID(std::string_view text);
 
-    /// Makes the event the current one unless its time stamp sorts before that one's.
+    /// Makes the event current unless its time stamp sorts before that of the current event.
     void acceptEventIfNewer(std::shared_ptr<ORVFocusLogEvent> event);
 
 private:
@@ -94,7 +98,7 @@ private:
     const std::string logsRoot_;
     const std::string codexInfoPlistURL_;
     std::unordered_map<std::string, ORVFocusLogFileState> fileStates_;  ///< By path.
-    std::shared_ptr<ORVFocusLogEvent> latestEvent_;  ///< Shared with the window that it came from.
+    std::shared_ptr<ORVFocusLogEvent> latestEvent_;  ///< Current; shared with its window.
     bool initialized_ = false;
     platform::ChunkBuffer chunkBuffer_;  ///< Holds memory only while the logs are read.
 };

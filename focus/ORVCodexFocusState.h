@@ -9,12 +9,12 @@ enum ORVCodexFocusStatus : std::int64_t {
     ORVCodexFocusStatusTaskInView = 0,
     ORVCodexFocusStatusNewTask = 1,          ///< The task in view has no thread yet.
     ORVCodexFocusStatusLogsUnavailable = 2,  ///< There is no desktop log.
-    ORVCodexFocusStatusNoFocusRecord = 3,    ///< The logs have told of no task so far.
+    ORVCodexFocusStatusNoFocusRecord = 3,    ///< No task stands in the logs so far.
     ORVCodexFocusStatusIncompatible = 4,     ///< The latest record had an unexpected shape.
 };
 
-/// Which task the user has in view, or why none is. Immutable; made on the refresh queue and moved
-/// to the UI thread.
+/// Which task the user has in view, or why none is. A state does not change; it is made on the
+/// refresh queue and moved to the UI thread.
 class ORVCodexFocusState {
 public:
     ORVCodexFocusState(ORVCodexFocusStatus status, std::optional<std::string> threadID,
@@ -26,13 +26,15 @@ public:
 
     ORVCodexFocusStatus status() const { return status_; }
 
-    /// A valid thread identifier, as the log wrote it. Present exactly for a task in view.
+    /// Returns a valid thread identifier in the log's spelling when a task is in view, else none.
     const std::optional<std::string>& threadID() const { return threadID_; }
 
-    /// Of the installed application's Info.plist; with every status, where it can be read.
+    /// Returns the version in the installed application's Info.plist, whatever the status; none
+    /// when it cannot be read.
     const std::optional<std::string>& codexVersion() const { return codexVersion_; }
 
-    /// A fixed text for the status. For diagnosis, never shown.
+    /// Returns a fixed text for the status, for scripts and developers. It is not shown in the
+    /// menu.
     const std::string& message() const { return message_; }
 
 private:

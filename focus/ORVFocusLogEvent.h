@@ -3,11 +3,11 @@
 #include <optional>
 #include <string>
 
-/// What one log line said of the task in view. Exactly one of threadID, waitingForThread and
+/// What one log line says about the task in view. Exactly one of threadID, waitingForThread and
 /// incompatibleFormat is set.
 struct ORVFocusLogEvent {
-    /// First word of the line, compared as a string and never read as a date. Rewritten when the
-    /// event's window takes the focus again.
+    /// The first word of the line. It is compared as a string and never read as a date. When the
+    /// event's window takes the focus again, the word of that line takes its place.
     std::string timestamp;
 
     std::optional<std::string> threadID;

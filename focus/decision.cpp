@@ -1,4 +1,4 @@
-// The one question that the application asks of the logs, answered from the current event.
+// Turns the current event into the answer to the application's question: which task is in view.
 // Tests: tests/focus/focus_test.cpp.
 
 #include "focus/ORVCodexFocusLogSource.h"

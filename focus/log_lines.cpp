@@ -1,7 +1,7 @@
-// What the lines of the desktop application's log mean. Owner-sync lines name the route that a
-// window shows; render-state lines report whether the window is primary, focused and visible;
-// both name the window by its web contents. An activity line names the thread that became active
-// and speaks for itself while its window is unknown or has no route.
+// What the lines of the desktop application's log mean. An owner-sync line names the route that a
+// window shows, a render-state line tells whether the window is primary, focused and visible; both
+// name the window by its web contents. An activity line names the thread that became active; it
+// counts by itself while its window is unknown or has no route.
 // Tests: tests/focus/focus_test.cpp.
 
 #include "focus/ORVCodexFocusLogSource.h"
@@ -16,7 +16,8 @@ std::string_view timestampOf(std::string_view line) {
     return line.substr(0, text::findWhiteSpace(line));
 }
 
-/// A field's value, and "" where it is absent: for fields of which neither says anything.
+/// Returns a field's value, and "" when the line has no such field: for fields whose empty value
+/// means as little as a missing one.
 std::string_view valueOrEmpty(std::string_view field, std::string_view line) {
     return ORVCodexFocusLogSource::valueForField(field, line).value_or(std::string_view());
 }
@@ -89,8 +90,8 @@ std::shared_ptr<ORVFocusLogEvent> ORVCodexFocusLogSource::routeEventFromLine(
     return event;
 }
 
-/// The window that a render-state or activity line is about, brought up to what the line says of
-/// it; null for one that is still unknown.
+/// Updates the window that a render-state or activity line is about, and returns it; null when that
+/// window is still unknown.
 ORVFocusWindowState* ORVCodexFocusLogSource::updateWindow(ORVFocusLogFileState& fileState,
                                                           std::string_view line) {
     const std::string_view webContentsID = valueOrEmpty("rendererWebContentsId", line);
@@ -114,7 +115,7 @@ ORVFocusWindowState* ORVCodexFocusLogSource::updateWindow(ORVFocusLogFileState& 
     window->visible = visible == "true";
     const bool tookFocus = !wasFocused && window->focused && window->primary && window->visible;
     if (tookFocus && window->routeEvent) {
-        // The route that is in view again is as recent as the moment the window took the focus.
+        // The route is in view again from the moment at which its window took the focus.
         window->routeEvent->timestamp = timestampOf(line);
     }
     return window;

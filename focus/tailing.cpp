@@ -98,7 +98,7 @@ bool ORVCodexFocusLogSource::updateFileState(ORVFocusLogFileState& fileState,
         return readOn(fileState, *file, fileSize, error);
     } catch (const std::bad_alloc&) {
         constexpr int kAMinute = 30;
-        fileState = ORVFocusLogFileState{};  // Frees what the file took.
+        fileState = ORVFocusLogFileState{};  // Frees the file's memory.
         fileState.refreshesToPassOver = kAMinute;
         chunkBuffer_.releaseMemory();
         storeError(error, platform::posixError(ENOMEM));

@@ -8,7 +8,7 @@ namespace {
 constexpr const char* kInfoPlistPaths[] = {"/Applications/Codex.app/Contents/Info.plist",
                                            "/Applications/ChatGPT.app/Contents/Info.plist"};
 
-/// No property list of an application is larger; a larger file is none.
+/// No application's property list is nearly as large. A larger file counts as absent.
 constexpr std::size_t kInfoPlistLimitBytes = 256 * 1024;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The choice of a language, stored under one key that every version of the program shares.
+// The choice of a language. It is stored under one key that every version of the program shares.
 // Tests: tests/l10n/localizer_test.cpp.
 
 #include "l10n/ORVLocalizer.h"

@@ -8,40 +8,42 @@
 #include "l10n/languages.h"
 #include "platform/user_defaults.h"
 
-/// The language of every visible text: chosen by the user, else by the system. UI thread only.
+/// Chooses the language of every visible text: the user's choice, else the system's. Used on the UI
+/// thread only.
 class ORVLocalizer {
 public:
-    /// With the system's preferred languages of this moment. The defaults must outlive the
-    /// localizer; a stored number that is not a language mode counts as the system's mode, and is
-    /// left as it stands.
+    /// Takes the system's preferred languages of this moment. The defaults must outlive the
+    /// localizer. A stored number that is not a language mode counts as the system's mode and stays
+    /// stored.
     explicit ORVLocalizer(ORVUserDefaults& userDefaults);
 
-    /// `preferredLanguages`: language tags, most preferred first; only the first is asked.
+    /// `preferredLanguages` holds language tags, the most preferred first; only that one counts.
     ORVLocalizer(ORVUserDefaults& userDefaults, std::vector<std::string> preferredLanguages);
 
     static bool isValidLanguageMode(std::int64_t mode);
 
-    /// The user's choice.
+    /// Returns the user's choice.
     ORVLanguageMode languageMode() const { return languageMode_; }
 
-    /// Takes effect at once and is stored. A number that is not a language mode is ignored.
+    /// Stores the choice, which takes effect at once. A number that is not a language mode is
+    /// ignored.
     void setLanguageMode(std::int64_t mode);
 
-    /// From here on the effective language is English; the choice is kept, and stored, all the
-    /// same.
+    /// Makes English the effective language from now on. The user's choice is still kept and
+    /// stored.
     void showOnlyEnglish() { showsOnlyEnglish_ = true; }
 
-    /// The language that the choice amounts to: never ORVLanguageModeSystem.
+    /// Returns the mode of the language that is shown; it is never ORVLanguageModeSystem.
     ORVLanguageMode effectiveLanguageMode() const;
 
-    /// The name of the effective language, in that language.
+    /// Returns the name of the language that is shown, in that language.
     std::string languageName() const { return stringForKey(language().nameKey); }
 
-    /// "zh_CN" or "en_US", for dates.
+    /// Return the locale of that language, "zh_CN" or "en_US", and its way to write the time.
     std::string locale() const { return timeFormat().locale; }
     const ORVTimeFormat& timeFormat() const { return language().timeFormat; }
 
-    /// The text in the effective language; the key itself where there is none.
+    /// Returns the text in the language that is shown, and the key itself when it has no text.
     std::string stringForKey(std::string_view key) const;
 
     static const ORVStringTable& englishStrings();

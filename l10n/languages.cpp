@@ -1,4 +1,4 @@
-// The table of languages; a further one is a row here and a file of texts.
+// The table of languages. To add one, add a row here and a file of texts.
 // Tests: tests/l10n/localizer_test.cpp.
 
 #include "l10n/languages.h"
@@ -11,7 +11,7 @@
 namespace l10n {
 namespace {
 
-/// Plain beginnings: a bare "zh", Taiwan and Hong Kong read English.
+/// A bare "zh", Taiwan and Hong Kong are not among them: their readers get English.
 constexpr std::string_view kSimplifiedChineseTags[] = {"zh-hans", "zh-cn", "zh-sg"};
 
 // The patterns are those of the Unicode locale data; the space before AM and PM is a narrow one

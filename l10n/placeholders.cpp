@@ -1,5 +1,5 @@
-// Fills texts without a printf format from a table, which a mistake in a text could turn into a
-// crash. Tests: tests/app/app_delegate_test.cpp.
+// Fills placeholders by hand: printf with a format from a table would turn a mistake in a text into
+// a crash. Tests: tests/app/app_delegate_test.cpp.
 
 #include "l10n/placeholders.h"
 

@@ -6,7 +6,8 @@
 
 namespace l10n {
 
-/// Fills a text's placeholders (%@, %ld, %.0f) with these values in turn; "%%" is a percent sign.
+/// Returns the text with these values in the place of its placeholders (%@, %ld, %.0f), in turn;
+/// "%%" becomes a percent sign.
 std::string filled(std::string_view text, std::initializer_list<std::string> values);
 
 }  // namespace l10n
