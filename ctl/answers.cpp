@@ -1,3 +1,4 @@
+// Writes answers from values that are already known; nothing is read here but a template's folder.
 // Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/answers.h"
@@ -44,8 +45,7 @@ Fields fieldsOf(const ORVSessionSnapshot& snapshot) {
 }  // namespace
 
 std::string utcText(ORVFileDate date) {
-    // The date of an inode may be any number. The first or last second of a year with four digits
-    // stands for one before or after them.
+    // An inode may hold any number of seconds.
     constexpr std::int64_t kFirstSecond = -62167219200;  // 0000-01-01T00:00:00Z
     constexpr std::int64_t kLastSecond = 253402300799;   // 9999-12-31T23:59:59Z
     const std::time_t seconds = std::clamp(date.seconds, kFirstSecond, kLastSecond);

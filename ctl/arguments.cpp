@@ -1,6 +1,6 @@
-// The command line, by getopt: an argument parser that brings the standard streams along would make
-// up a tenth of the program's resident memory. getopt finds the options; which of them a command
-// takes, and what is near to a mistake, is decided here. Tests: tests/ctl/arguments_test.cpp.
+// Reads the command line with getopt. A library that needs the standard streams would add a tenth
+// to the program's resident memory. getopt finds the options; this file decides which of them a
+// command takes, and suggests a name for a mistyped one. Tests: tests/ctl/arguments_test.cpp.
 
 #include "ctl/arguments.h"
 
@@ -15,7 +15,7 @@
 namespace ctl {
 namespace {
 
-/// How many letters must be changed, added or removed to make one word of the other.
+/// Returns how many letters must be changed, added or removed to turn one word into the other.
 std::size_t distance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
@@ -29,7 +29,8 @@ std::size_t distance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
-/// "; did you mean --json?", or "" where no name is near. `table` holds commands or options.
+/// Returns "; did you mean --json?", and "" when no name is near. `table` holds commands or
+/// options.
 template <typename Table>
 std::string suggestion(std::string_view word, Table table, const std::string& prefix) {
     constexpr std::size_t kFar = 3;
@@ -52,7 +53,7 @@ bool isNumber(std::string_view text) {
            text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-/// "30m", "2h", "7d".
+/// Reads a time span such as "30m", "2h" or "7d".
 std::optional<std::chrono::seconds> timeSpan(std::string_view text) {
     if (text.empty() || !isNumber(text.substr(0, text.size() - 1))) {
         return std::nullopt;
@@ -70,7 +71,7 @@ std::optional<std::chrono::seconds> timeSpan(std::string_view text) {
     }
 }
 
-/// Takes one command line to pieces.
+/// Reads one command line. The first mistake is kept.
 class Parser {
 public:
     Parser(int count, char** arguments) : count_(count), arguments_(arguments) {}
@@ -93,7 +94,7 @@ private:
         }
     }
 
-    /// The first word that is a command's name, so that a mistake in an option can name it.
+    /// Finds the first word that is a command's name, so that a mistake in an option can name it.
     void findCommandName() {
         for (int i = 1; i < count_ && !command_; ++i) {
             command_ = findCommand(arguments_[i]);
@@ -258,7 +259,7 @@ private:
         result_.hasThreadID = true;
     }
 
-    /// What one option says of another.
+    /// Checks that the options fit the command and each other.
     void checkTogether() {
         if (mistake_ || !command_ || result_.call == Call::help || result_.call == Call::version) {
             return;
@@ -278,7 +279,7 @@ private:
     const int count_;
     char** const arguments_;
     const Command* command_ = nullptr;
-    std::string taken_;  ///< Letters of the options, in their order.
+    std::string taken_;  ///< The letters of the options in the order of the command line.
     Arguments result_;
     std::optional<Mistake> mistake_;
 };

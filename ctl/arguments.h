@@ -10,7 +10,7 @@
 #include "app/ORVTemplate.h"
 #include "app/refresh_step.h"
 
-/// What a command line of brimletctl asks for.
+/// Reads the command line of brimletctl.
 namespace ctl {
 
 enum class Call {
@@ -38,23 +38,22 @@ struct Arguments {
     Format format = Format::text;
     std::optional<ORVTemplate> ownTemplate;  ///< With Format::ownTemplate.
 
-    std::string threadID;  ///< Of `task`; of `history`, where hasThreadID.
+    std::string threadID;  ///< For `task`; for `history` if hasThreadID.
     bool hasThreadID = false;
-    ORVShownTask shownTask;                     ///< Of `watch`; its folder is in `folder`.
-    std::string folder = ".";                   ///< Of `here` and `watch --here`, as written.
-    std::size_t limit = 20;                     ///< Of `tasks`; 0 for all.
-    std::optional<std::chrono::seconds> since;  ///< Of `tasks`: no task that is older.
+    ORVShownTask shownTask;    ///< For `watch`; the folder of --here is in `folder`.
+    std::string folder = ".";  ///< For `here` and `watch --here`, as written.
+    std::size_t limit = 20;    ///< For `tasks`: the most tasks, or 0 for all.
+    std::optional<std::chrono::seconds> since;  ///< For `tasks`: the greatest age.
 
-    std::optional<std::string> codexHome;  ///< As written; none where the option is missing.
+    std::optional<std::string> codexHome;  ///< As written; none without the option.
     Coloring coloring = Coloring::automatic;
     std::string helpTopic;  ///< A command's name, or "" for all of them.
 };
 
-/// Why a command line was not understood: a sentence for a person, and the command that it seems to
-/// be about, or "".
+/// Why a command line was not understood.
 struct Mistake {
-    std::string text;
-    std::string command;
+    std::string text;     ///< A sentence for a person.
+    std::string command;  ///< The command that the line seems to be about, or "".
 };
 
 std::variant<Arguments, Mistake> parseArguments(int count, char** arguments);

@@ -1,4 +1,4 @@
-// Colours by the eight that every terminal lets its user choose.
+// Colours text with the eight colours that the user of a terminal can choose.
 // Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/coloring.h"
@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cstdlib>
+
+#include "shells/terminal/screen.h"
 
 namespace ctl {
 namespace {
@@ -26,15 +28,15 @@ bool isColored(Coloring coloring, int descriptor) {
 }
 
 std::string coloredByPercentage(std::string_view text, double percentage) {
-    return wrapped(percentage < 60 ? "32" : percentage < 85 ? "33" : "31", text);
+    const terminal::Fullness fullness = terminal::fullnessOf(percentage);
+    return wrapped(fullness == terminal::Fullness::low      ? "32"
+                   : fullness == terminal::Fullness::middle ? "33"
+                                                            : "31",
+                   text);
 }
 
 std::string bold(std::string_view text) {
     return wrapped("1", text);
-}
-
-std::string dimmed(std::string_view text) {
-    return wrapped("2", text);
 }
 
 }  // namespace ctl

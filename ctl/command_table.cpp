@@ -1,5 +1,5 @@
-// Every command and option, once. Tests: tests/ctl/arguments_test.cpp,
-// tests/packaging/manual_test.sh.
+// The tables of commands and options, and the help that is made from them.
+// Tests: tests/ctl/arguments_test.cpp, tests/packaging/manual_test.sh.
 
 #include "ctl/command_table.h"
 

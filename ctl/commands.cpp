@@ -1,4 +1,4 @@
-// The calls that answer once about one task, or about none. Tests: tests/ctl/brimletctl_test.cpp.
+// The short commands, and what all commands need to end. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/commands.h"
 

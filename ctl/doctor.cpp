@@ -1,5 +1,5 @@
-// Looks at every place that the program reads, and tells what is missing from what may not be read.
-// Tests: tests/ctl/brimletctl_test.cpp.
+// Looks at every place that the program reads. What is missing and what may not be read are told
+// apart. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/doctor.h"
 
@@ -21,8 +21,8 @@ namespace {
 struct Found {
     std::size_t count = 0;
     std::optional<ORVWalkedFile> newest;
-    ORVErrorSlot failure;  ///< Of the folder itself, or the first of one below it.
-    bool isFolder = false;
+    ORVErrorSlot failure;   ///< The error of the folder itself, or of the first one below it.
+    bool isFolder = false;  ///< Whether the folder itself could be read.
 };
 
 class Examination {
@@ -65,7 +65,7 @@ private:
         return found;
     }
 
-    /// "missing", or why it cannot be read; "" for what can.
+    /// Returns "missing", or why something cannot be read; "" when it can.
     static std::string trouble(const ORVErrorSlot& failure) {
         if (!failure) {
             return "";

@@ -6,7 +6,8 @@
 
 namespace ctl {
 
-/// What was looked at, what was found, and what `watch` would show. 0 when a task can be shown.
+/// Shows every place that the program reads, what was found there, and what `watch` would show.
+/// Returns kAnswered when a task can be shown, else kNothingToShow.
 int examine(Sources& sources, const CodexHome& home, const ORVConfinement& confinement);
 
 }  // namespace ctl

@@ -1,5 +1,5 @@
-// A task's history as JSON, drawn, or as SVG. Tests: tests/ctl/brimletctl_test.cpp, and of the
-// drawing tests/shells/history_test.cpp.
+// Shows a task's history, drawn, as SVG or as JSON. Tests: tests/ctl/brimletctl_test.cpp; those of
+// the drawings are in tests/shells/history_test.cpp.
 
 #include <unistd.h>
 
@@ -54,7 +54,8 @@ std::string drawnHistory(const ORVSessionSnapshot& snapshot, const ORVHistory& h
                                  screen.showsUnicode};
     for (const history::PlotRow& row : history::plot(history, size)) {
         const bool hasColor = isColored && row.level;
-        text += (hasColor ? coloredByPercentage(row.text, *row.level) : row.text) + '\n';
+        text +=
+            row.label + (hasColor ? coloredByPercentage(row.text, *row.level) : row.text) + '\n';
     }
     return text;
 }

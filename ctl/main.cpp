@@ -26,9 +26,9 @@ namespace {
 
 using ctl::Call;
 
-/// Only the menu has something to store.
+/// Gives up every right that the call does not need. Only `watch` stores a setting.
 ORVConfinement confineProcess(Call call) {
-    // Asking for the home folder may take a socket, so it is asked for before, and once.
+    // Looking up the home folder may need a socket, so this is done before, and once.
     const std::string home = platform::homeFolder();
     if (!home.empty()) {
         setenv("HOME", home.c_str(), 1);
@@ -78,7 +78,8 @@ int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {
 
 int main(int count, char** values) {
     ctl::holdStandardDescriptors();
-    // A reader that leaves, and a file that may not grow, show in the result of a write.
+    // Without these signals, the result of a write tells that the reader has closed its end, or
+    // that the file has reached its largest size.
     signal(SIGPIPE, SIG_IGN);
     signal(SIGXFSZ, SIG_IGN);
     platform::returnFreedMemory();

@@ -1,5 +1,5 @@
-// Writes with system calls, not with a stream, so that a reader that left and a full disk are
-// told apart. Tests: tests/ctl/brimletctl_test.cpp.
+// Writes with system calls rather than with a stream, to tell a reader that has closed its end from
+// a full disk. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/output.h"
 
@@ -16,14 +16,14 @@
 namespace ctl {
 namespace {
 
-/// 0, or the errno of the failure.
+/// Returns 0, or the errno of the failure.
 int writeAll(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t count = write(descriptor, bytes.data(), bytes.size());
         if (count >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(count));
         } else if (errno == EAGAIN) {
-            platform::isWritable(descriptor, -1);  // Somebody else made it non-blocking.
+            platform::isWritable(descriptor, -1);  // Another process made it non-blocking.
         } else if (errno != EINTR) {
             return errno;
         }

@@ -1,5 +1,5 @@
-// Queries from standard input, each answered with a JSON line before the next is read. The sources
-// live as long as the program: reading positions, caches and the current focus event carry over.
+// Answers queries from standard input, each with a line of JSON before the next is read. The
+// sources live as long as the program, so that a later query reads only what was appended since.
 // Tests: tests/ctl/brimletctl_test.cpp, fuzz/commands.cpp.
 
 #include <cerrno>
@@ -53,8 +53,8 @@ std::string answer(Sources& sources, const std::string& query) {
     return unknownQuery();
 }
 
-/// A source frees what a file took when memory runs out; this is for what is left: an answer of
-/// very many titles.
+/// The sources handle a file that is too large for the memory. This is for everything else, such as
+/// an answer of very many titles.
 std::string answerWithinMemory(Sources& sources, const std::string& query) {
     try {
         return answer(sources, query);
@@ -63,8 +63,8 @@ std::string answerWithinMemory(Sources& sources, const std::string& query) {
     }
 }
 
-/// The next line without its line feed; none at the end of the input. What a longer line has beyond
-/// the longest query is dropped, but for one byte, which makes it an unknown one.
+/// Returns the next line without its line feed, and none at the end of the input. Of a line that is
+/// too long one byte more than the longest query is kept, so that it becomes an unknown query.
 std::optional<std::string> nextLine(std::FILE* input) {
     std::string line;
     int c = getc_unlocked(input);

@@ -1,5 +1,5 @@
-// The table that `tasks` shows on a terminal. Columns that do not fit are left out from the
-// right, but for the title, which takes what is left. Tests: tests/ctl/brimletctl_test.cpp.
+// The table that `tasks` shows on a terminal. On a narrow one the folder is left out first, then
+// the gauge, then the age; the title takes the rest. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/task_table.h"
 
@@ -26,7 +26,7 @@ std::string gauge(const ORVSessionSnapshot& snapshot) {
     return app::bar(usage ? usage->percentage() : 0);
 }
 
-/// How wide each column is; 0 for one that is left out.
+/// The width of each column; 0 for a column that is left out.
 struct Widths {
     int status = 0;
     int gauge = kGaugeCells;
@@ -35,7 +35,7 @@ struct Widths {
     int title = 0;
 };
 
-/// The cells of one task as they would be with all the room in the world.
+/// The cells of one task at their full width.
 struct Cells {
     std::string status;
     std::string gauge;

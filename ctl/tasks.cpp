@@ -1,6 +1,6 @@
-// All tasks. They are read by as many threads as there are processors, each with a source of its
-// own, so that nothing is shared but the list and the place in it; the answer does not depend on
-// their number. Tests: tests/ctl/brimletctl_test.cpp, tests/sessions/tasks_test.cpp.
+// Shows all tasks. As many threads as there are processors read them, each with a source of its
+// own; they share nothing but the list of tasks and the place in it, so that the answer does not
+// depend on their number. Tests: tests/ctl/brimletctl_test.cpp, tests/sessions/tasks_test.cpp.
 
 #include <signal.h>
 #include <unistd.h>
@@ -28,7 +28,7 @@
 namespace ctl {
 namespace {
 
-/// What was found out about one task.
+/// The answer for one task.
 struct ReadTask {
     std::optional<ORVSessionSnapshot> snapshot;
     std::optional<std::string> folder;
@@ -44,7 +44,7 @@ void clearProgressAndDie(int signalNumber) {
     raise(signalNumber);
 }
 
-/// Says how far it has come to a person who has waited for half a second.
+/// Tells a person at a terminal how many tasks have been read.
 class Progress {
 public:
     explicit Progress(std::size_t total) : total_(total), isWanted_(isatty(STDERR_FILENO) != 0) {}
@@ -91,7 +91,7 @@ public:
                 threads.emplace_back([this] { readTasks(); });
             }
         } catch (const std::system_error&) {
-            // Fewer will do, and this thread where there are none.
+            // Fewer threads do it as well; without any, this one does.
         }
         if (threads.empty()) {
             readTasks();
@@ -139,7 +139,7 @@ private:
 
     const std::vector<ORVTask>& tasks_;
     const std::string& codexHome_;
-    std::vector<ReadTask> results_;  ///< One thread writes each.
+    std::vector<ReadTask> results_;  ///< Each is written by one thread.
     std::atomic<std::size_t> next_ = 0;
     std::mutex mutex_;
     std::condition_variable changed_;

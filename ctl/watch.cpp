@@ -1,5 +1,5 @@
-// Chooses the surface of the running application: the menu on a terminal, else lines of one of four
-// kinds. Tests: tests/ctl/brimletctl_test.cpp, on the program.
+// Runs the application with the menu on a terminal, else with lines of text, JSON, Waybar's JSON or
+// the user's template. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/watch.h"
 
@@ -26,7 +26,7 @@
 namespace ctl {
 namespace {
 
-/// So many events of a file make a plot that is finer than any terminal.
+/// More events than any terminal has columns.
 constexpr std::size_t kEventsOfAPlot = 4096;
 
 void performCommand(ORVAppDelegate& delegate, const std::string& line) {
@@ -52,7 +52,7 @@ std::string filledTemplate(const ORVTemplate& ownTemplate, const ORVAppDelegate&
     return ownTemplate.filled(values);
 }
 
-/// The line of this moment.
+/// Returns the line to show at this moment.
 std::string lineFor(const Arguments& arguments, const ORVAppDelegate& delegate) {
     switch (arguments.format) {
         case Format::json:
@@ -70,7 +70,7 @@ void complainOfOutput(int failure) {
     complain("cannot write the output: " + platform::posixError(failure).description);
 }
 
-/// Whether a person can type here and sees the lines: on a terminal without a menu.
+/// Whether a person sees the lines and can type here.
 bool hasPersonAtLines() {
     return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) && tcgetpgrp(STDIN_FILENO) == getpgrp();
 }

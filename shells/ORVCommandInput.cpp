@@ -1,4 +1,4 @@
-// Commands from a descriptor that may send any bytes, at any speed.
+// Reads commands from a descriptor that may send any bytes at any speed.
 // Tests: tests/shells/shells_test.cpp, fuzz/commands.cpp.
 
 #include "shells/ORVCommandInput.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// No command is nearly as long. Of a longer line the rest is dropped, so that it costs no memory.
+/// No command is nearly as long. The rest of a longer line is dropped, so that it takes no memory.
 constexpr std::size_t kLongestLine = 4'096;
 
 }  // namespace

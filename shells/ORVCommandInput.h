@@ -5,11 +5,11 @@
 
 #include "platform/posix_run_loop.h"
 
-/// Reads commands, one a line, from a descriptor; each is handed over in a turn of its own. The end
-/// of the input ends the commands and nothing else. UI thread only.
+/// Reads commands, one a line, from a descriptor and passes each to a function in a turn of the
+/// loop. The end of the input ends the commands, not the application. Used on the UI thread only.
 class ORVCommandInput {
 public:
-    /// The loop must outlive the input, and the input the turns that it posted.
+    /// The loop must outlive the input, and the input every turn that it posted.
     ORVCommandInput(ORVPosixRunLoop& loop, int descriptor,
                     std::function<void(const std::string& line)> command);
     ~ORVCommandInput();
@@ -24,5 +24,5 @@ private:
     const int descriptor_;
     const std::function<void(const std::string&)> command_;
     std::string pending_;
-    bool lineIsTooLong_ = false;  ///< Its beginning is kept; what follows is dropped.
+    bool lineIsTooLong_ = false;  ///< The rest of the line is dropped.
 };

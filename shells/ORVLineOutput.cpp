@@ -1,5 +1,5 @@
-// A slow reader must not stop the application: a line waits, and a newer one takes its place.
-// Tests: tests/shells/shells_test.cpp.
+// A slow reader must not stop the application: a line waits for it, and a newer line takes the
+// place of one that waits. Tests: tests/shells/shells_test.cpp.
 
 #include "shells/ORVLineOutput.h"
 
@@ -32,7 +32,7 @@ void ORVLineOutput::show(const std::string& line) {
 }
 
 void ORVLineOutput::writeWhatFits() {
-    // A pipe that is ready takes as many bytes at once without waiting.
+    // A pipe that is ready takes this many bytes without waiting.
     constexpr std::size_t kAtOnce = PIPE_BUF;
     while (!hasEnded_ && hasMore() && platform::isWritable(descriptor_, 0)) {
         if (underWay_.empty()) {

@@ -1,4 +1,4 @@
-// What all surfaces of one line share. Tests: tests/ctl/brimletctl_test.cpp.
+// Connects an output of lines with the application. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "shells/ORVLineSurface.h"
 

@@ -6,12 +6,12 @@
 #include "shells/ORVLineOutput.h"
 #include "shells/ORVPosixApplication.h"
 
-/// A surface that is one line on standard output, written whenever it changed: of text, of JSON, or
-/// of whatever a status bar reads. Ends the application when its reader leaves.
+/// A surface that writes one line, of text or of JSON, whenever that line has changed. It ends the
+/// application when the reader closes its end.
 class ORVLineSurface final : public ORVSurface {
 public:
-    /// `line` gives the line of this moment, without a line feed. `outputEnded` gets the errno of a
-    /// write that failed, before the application ends with 1.
+    /// `line` returns the line to show at this moment, without a line feed. When a write fails,
+    /// `outputEnded` is called with the errno, and the application ends with status 1.
     ORVLineSurface(ORVPosixApplication& application, int descriptor,
                    std::function<std::string()> line, std::function<void(int)> outputEnded);
 

@@ -1,4 +1,4 @@
-// Signals, the loop's beginning and its end. Tests: tests/ctl/brimletctl_test.cpp, on the program.
+// Handles signals, begins the loop and ends it. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "shells/ORVPosixApplication.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-// For the signal handlers, which can reach nothing else.
+// Signal handlers can use global variables only.
 ORVPosixRunLoop* signalledLoop = nullptr;
 volatile sig_atomic_t endWasAskedFor = 0;
 
@@ -22,7 +22,8 @@ void wake(int) {
     signalledLoop->wakeFromSignal();
 }
 
-/// A signal that the parent has ignored (nohup; a script's job in the background) stays ignored.
+/// Installs a handler. A signal that the parent process ignores stays ignored: nohup and a script's
+/// background jobs rely on it.
 void handle(int signalNumber, void (*handler)(int)) {
     struct sigaction inherited {};
     sigaction(signalNumber, nullptr, &inherited);
@@ -80,10 +81,10 @@ int ORVPosixApplication::run(ORVSurface& surface) {
     const int status = loop.run();
     surface.close();
     if (!host_.readerIsIdle()) {
-        _exit(status);  // The thread that hangs still uses the application.
+        _exit(status);  // The thread that hangs still uses the application's memory.
     }
     for (const int signalNumber : kEndingSignals) {
-        handle(signalNumber, SIG_IGN);  // The end is under way.
+        handle(signalNumber, SIG_IGN);  // The program is ending already.
     }
     for (const int signalNumber : {SIGWINCH, SIGCONT}) {
         handle(signalNumber, SIG_DFL);

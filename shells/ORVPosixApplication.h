@@ -8,24 +8,26 @@
 #include "shells/ORVPosixHost.h"
 #include "shells/ORVSurface.h"
 
-/// Runs the whole application with a surface in a process without a desktop, until the user, a
-/// signal or a reader that left ends it. A new surface begins here: it implements ORVSurface, reads
-/// the delegate's status item, and hands what the user does to the delegate. One per process, since
-/// signals reach the one that was made last. UI thread only.
+/// Runs the whole application with one surface in a process without a desktop, until the user, a
+/// signal or the end of its output stops it.
+///
+/// To add a surface, implement ORVSurface: it shows the delegate's status item and passes what the
+/// user does to the delegate. A process has one application, because signals reach the one that was
+/// made last. Used on the UI thread only.
 class ORVPosixApplication {
 public:
-    /// `complain` gets what the user should know, a sentence at a time.
+    /// `complain` is called with each sentence that the user should read.
     ORVPosixApplication(ORVPosixHost::Settings settings,
                         const std::function<void(const std::string&)>& complain);
 
     ORVAppDelegate& delegate() { return *delegate_; }
     ORVPosixRunLoop& runLoop() { return host_.runLoop(); }
 
-    /// Runs until the end and returns the exit status. Leaves by _exit while a read of a file
-    /// hangs.
+    /// Runs until the application is stopped and returns the exit status. When a read of a file
+    /// hangs at that moment, the process is ended by _exit instead.
     int run(ORVSurface& surface);
 
-    /// Handles the signal by waking the loop, which then has the surface redrawn.
+    /// Makes this signal redraw the surface.
     static void redrawOn(int signalNumber);
 
 private:

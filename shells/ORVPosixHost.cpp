@@ -1,4 +1,4 @@
-// Makes the reading thread, and takes from it the right to write before it reads anything.
+// Makes the reading thread, which gives up the right to write before it reads anything.
 // Tests: tests/platform/confinement_test.cpp.
 
 #include "shells/ORVPosixHost.h"

@@ -8,17 +8,18 @@
 #include "platform/posix_run_loop.h"
 #include "platform/thread_queue.h"
 
-/// The application's host in a process without a desktop: a loop over descriptors and a thread.
+/// The application's host in a process without a desktop: a loop over descriptors, and one thread
+/// that reads files.
 class ORVPosixHost final : public ORVAppHost {
 public:
-    /// What the user has asked for on the command line.
+    /// What the user asks for on the command line.
     struct Settings {
         std::string codexHome;
         ORVRefreshRequest request;
     };
 
-    /// `complain` gets what the user should know, each thing once at most. Without a thread for the
-    /// queue the loop ends at once.
+    /// `complain` is called with each sentence that the user should read. When the system gives no
+    /// thread for the queue, the loop ends at once.
     ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
                  std::unique_ptr<ORVUserDefaults> userDefaults,
                  std::function<void(const std::string&)> complain);
@@ -32,8 +33,8 @@ public:
     ORVRefreshRequest refreshRequest() override { return settings_.request; }
     void terminate() override { runLoop_.stop(0); }
 
-    /// Waits a moment for a read under way; false while it hangs. The process must then be left
-    /// without destroying anything that it uses.
+    /// Waits a moment for the reading thread to finish and returns whether it did. When it did not,
+    /// nothing that it uses may be destroyed.
     bool readerIsIdle();
 
 private:

@@ -1,18 +1,19 @@
 #pragma once
 
-/// Where the status item and its menu appear. Called on the UI thread by ORVPosixApplication, which
-/// runs the program with one surface.
+/// The place where the status item and its menu appear. ORVPosixApplication runs the program with
+/// one surface and calls it on the UI thread.
 class ORVSurface {
 public:
     virtual ~ORVSurface() = default;
 
-    /// Shows what changed; called at the end of every turn.
+    /// Shows what has changed. Called at the end of every turn of the loop.
     virtual void show() = 0;
 
-    /// Shows everything anew: a signal told that the terminal was resized, or taken up again after
-    /// a stop.
+    /// Shows everything anew. Called when the terminal was resized, and when the process goes on
+    /// after it was stopped.
     virtual void redraw() {}
 
-    /// Leaves everything as it was found. Called once, when the program ends.
+    /// Puts everything back into the state in which it was found. Called once, when the program
+    /// ends.
     virtual void close() = 0;
 };

@@ -6,7 +6,7 @@
 #include "app/ORVAppHost.h"
 #include "platform/main_run_loop.h"
 
-/// The application's host in a Mac's menu bar.
+/// The application's host on a Mac with a desktop.
 class ORVAppKitHost final : public ORVAppHost {
 public:
     ORVAppKitHost();

@@ -1,3 +1,6 @@
+// Connects the application with AppKit and Grand Central Dispatch.
+// Tests: tests/appkit/appkit_test.mm.
+
 #include "shells/appkit/ORVAppKitHost.h"
 
 #import <AppKit/AppKit.h>

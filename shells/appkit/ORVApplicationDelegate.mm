@@ -1,3 +1,5 @@
+// Starts the application when AppKit is ready. Tests: tests/appkit/appkit_test.mm.
+
 #import "shells/appkit/ORVApplicationDelegate.h"
 
 @implementation ORVApplicationDelegate

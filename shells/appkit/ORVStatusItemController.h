@@ -9,28 +9,29 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-/// A menu item in the menu bar and the one that it shows.
+/// An item of the delegate's menu and the native item that shows it.
 struct ORVShownMenuItem {
-    ORVMenuItem* item;                  ///< Owned by the application's delegate.
-    NSMenuItem* shown;                  ///< Owned by its menu.
-    std::optional<ORVMenuImage> image;  ///< As shown; a native image does not tell its name.
+    ORVMenuItem* item;  ///< Owned by the application's delegate.
+    NSMenuItem* shown;  ///< Owned by its menu.
+    std::optional<ORVMenuImage>
+        image;  ///< The image on display; an NSImage does not tell its name.
 };
 
-/// The status item in the menu bar and its menu: copies of what the application's delegate decides.
-/// Clicks go back to the delegate. Main thread only.
+/// Copies the status item and its menu, which the application's delegate decides, into the menu
+/// bar, and passes clicks to the delegate. Used on the main thread only.
 @interface ORVStatusItemController : NSObject {
     ORVAppDelegate* delegate_;
     NSStatusItem* statusItem_;
     std::vector<ORVShownMenuItem> items_;
 }
 
-/// Adds the status item to the menu bar. The delegate was launched and outlives the controller.
+/// Adds the status item to the menu bar. The delegate must be launched and outlive the controller.
 - (instancetype)initWithDelegate:(ORVAppDelegate&)delegate NS_DESIGNATED_INITIALIZER;
 - (instancetype)init NS_UNAVAILABLE;
 
 @property(nonatomic, readonly) NSStatusItem* statusItem;
 
-/// Copies what has changed, also while the menu is open.
+/// Copies what has changed, even while the menu is open.
 - (void)update;
 
 @end

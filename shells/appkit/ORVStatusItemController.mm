@@ -1,3 +1,6 @@
+// The menu bar copies the delegate's texts and states; nothing is decided here.
+// Tests: tests/appkit/appkit_test.mm.
+
 #import "shells/appkit/ORVStatusItemController.h"
 
 #import "platform/foundation_string_apple.h"
@@ -5,7 +8,7 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-/// What the items of the menu send when they are chosen.
+/// The actions of the menu's items.
 @interface ORVStatusItemController ()
 - (void)refresh:(id)sender;
 - (void)changeLanguage:(id)sender;
@@ -13,8 +16,8 @@ NS_ASSUME_NONNULL_BEGIN
 
 namespace {
 
-/// A title may hold any bytes and any characters, also ones that turn the direction of the text
-/// around them: that of a task without a name is the name of its file.
+/// A title may hold any bytes, and characters that turn the direction of the text around them: a
+/// task without a name has that of its file.
 NSString* stringOf(const std::string& text) {
     return platform::foundationString(text::forTerminal(text));
 }
@@ -33,7 +36,7 @@ SEL _Nullable selectorOf(ORVMenuAction action) {
     return nullptr;
 }
 
-/// Setters draw again even where nothing changes, so they are called for changes only.
+/// Calls the setters of changed properties only, because every call draws the item again.
 void updateItem(ORVShownMenuItem& pair) {
     const ORVMenuItem& item = *pair.item;
     NSMenuItem* shown = pair.shown;
@@ -72,7 +75,7 @@ void updateItem(ORVShownMenuItem& pair) {
         delegate_ = &delegate;
         statusItem_ = [[[NSStatusBar systemStatusBar]
             statusItemWithLength:NSVariableStatusItemLength] retain];
-        // Digits of one width: a share that changes does not shift the neighbours.
+        // Digits of one width: a changed percentage must not shift the items beside this one.
         statusItem_.button.font =
             [NSFont monospacedDigitSystemFontOfSize:[NSFont menuBarFontOfSize:0].pointSize
                                              weight:NSFontWeightRegular];
@@ -98,7 +101,7 @@ void updateItem(ORVShownMenuItem& pair) {
     return shown;
 }
 
-/// What never changes; update adds the rest.
+/// Makes a native item with everything that never changes; update adds the rest.
 - (NSMenuItem*)menuItemShowing:(ORVMenuItem&)item {
     NSMenuItem* shown =
         [[[NSMenuItem alloc] initWithTitle:@""

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Outside a bundle nothing tells the program's processes from any other.
+/// Whether another process runs this bundle. Outside of a bundle there is no way to know.
 bool isRunningAlready() {
     NSString* identifier = [NSBundle mainBundle].bundleIdentifier;
     if (!identifier) {

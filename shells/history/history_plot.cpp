@@ -1,4 +1,4 @@
-// The history in a terminal: which events share a column, and the characters that draw them.
+// Draws a history for a terminal: decides which events share a column and which characters show it.
 // Tests: tests/shells/history_test.cpp.
 
 #include "shells/history/history_plot.h"
@@ -9,14 +9,14 @@
 namespace history {
 namespace {
 
-/// More than any screen; keeps a careless size from taking all memory.
+/// Larger than any screen, so that no size can take all memory.
 constexpr int kMostColumns = 2000;
 constexpr int kMostRows = 200;
 
 constexpr std::size_t kDateLength = std::string_view("2026-11-24").size();
 
 struct Glyphs {
-    std::vector<std::string_view> fills;  ///< From a cell's lowest part to all of it.
+    std::vector<std::string_view> fills;  ///< A cell filled from one part to all of its height.
     std::string_view compaction, arrow, axis, corner, side, tick;
 };
 
@@ -27,7 +27,7 @@ const Glyphs& glyphsFor(bool unicode) {
     return unicode ? kUnicode : kASCII;
 }
 
-/// "2026-11-24 16:45" of "2026-11-24T16:45:21.002Z"; empty for a text of another form.
+/// Returns "2026-11-24 16:45" for "2026-11-24T16:45:21.002Z", and "" for a text of another form.
 std::string minuteOf(std::string_view timestamp) {
     constexpr std::string_view kForm = "0000-00-00T00:00:";
     const std::string_view begin = timestamp.substr(0, kForm.size());
@@ -42,8 +42,8 @@ std::string minuteOf(std::string_view timestamp) {
     return minute;
 }
 
-/// Both ends of the span in this many columns, shortened to what tells them apart where need be;
-/// empty where there is nothing to say or no room.
+/// Returns both ends of the span in exactly this many columns. When they do not fit, only the times
+/// or only the days stand there; the row is "" when even these do not fit.
 std::string timeRow(Span span, std::size_t columns) {
     std::string& first = span.first;
     std::string& last = span.last;
@@ -67,8 +67,8 @@ std::string timeRow(Span span, std::size_t columns) {
                         : first + std::string(columns - first.size() - last.size(), ' ') + last;
 }
 
-/// The columns in exactly this many: each as wide as the next, give or take one; a mark stands in
-/// the first of those that its column became.
+/// Widens the columns to exactly this many cells, each to the same number or one more. A mark
+/// stands in the first cell of its column.
 std::vector<Column> spread(const std::vector<Column>& columns, std::size_t width) {
     std::vector<Column> cells(width);
     for (std::size_t x = width; x-- > 0;) {
@@ -79,10 +79,10 @@ std::vector<Column> spread(const std::vector<Column>& columns, std::size_t width
     return cells;
 }
 
-/// `row` counts from the bottom, of `rows`.
+/// Returns one row of bars. `row` counts from 0 at the bottom.
 std::string bars(const std::vector<Column>& cells, int row, int rows, const Glyphs& glyphs) {
     const int parts = static_cast<int>(glyphs.fills.size());
-    const auto partsOf = [&](double level) {  // However low a point is, it can be seen.
+    const auto partsOf = [&](double level) {  // At least one: every point can be seen.
         return std::max(1, static_cast<int>(std::lround(level / 100.0 * rows * parts)));
     };
     std::string text;
@@ -97,8 +97,8 @@ std::string bars(const std::vector<Column>& cells, int row, int rows, const Glyp
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-/// What stands left of a row of bars; a label names its row's upper edge.
-std::string leftOf(int row, int rows, const Glyphs& glyphs) {
+/// Returns what stands left of a row of bars. A percentage is that of the row's upper edge.
+std::string labelOf(int row, int rows, const Glyphs& glyphs) {
     const bool isTop = row == rows - 1;
     if (!isTop && row != (rows + 1) / 2 - 1) {
         return "    " + std::string(glyphs.side);
@@ -164,18 +164,18 @@ std::vector<PlotRow> plot(const std::vector<ORVHistoryEvent>& events, const Plot
     const int barRows = rows - (hasAxis ? 1 : 0) - (times.empty() ? 0 : 1);
     std::vector<PlotRow> result;
     for (int row = barRows - 1; row >= 0; --row) {
-        const std::string label = hasLabels ? leftOf(row, barRows, drawn) : "";
-        result.push_back({label + bars(cells, row, barRows, drawn), (row + 0.5) / barRows * 100.0});
+        result.push_back({hasLabels ? labelOf(row, barRows, drawn) : "",
+                          bars(cells, row, barRows, drawn), (row + 0.5) / barRows * 100.0});
     }
     if (hasAxis) {
-        std::string axis = hasLabels ? "  0%" + std::string(drawn.corner) : "";
+        std::string axis;
         for (const Column& cell : cells) {
             axis += cell.isCompacted ? drawn.arrow : drawn.axis;
         }
-        result.push_back({axis, {}});
+        result.push_back({hasLabels ? "  0%" + std::string(drawn.corner) : "", axis, {}});
     }
     if (!times.empty()) {
-        result.push_back({std::string(static_cast<std::size_t>(left), ' ') + times, {}});
+        result.push_back({std::string(static_cast<std::size_t>(left), ' '), times, {}});
     }
     return result;
 }

@@ -1,4 +1,4 @@
-// The history as a picture for pages: the columns of the plot as one stepped line.
+// Draws a history as SVG: the columns of the plot become one stepped line.
 // Tests: tests/shells/history_test.cpp.
 
 #include "shells/history/history_svg.h"
@@ -12,7 +12,7 @@
 namespace history {
 namespace {
 
-/// Edges of the plot inside the picture, pixels; a pixel is the narrowest column.
+/// The edges of the plot inside the picture, in pixels. No column is narrower than a pixel.
 constexpr int kLeft = 48;
 constexpr int kRight = 624;
 constexpr int kTop = 52;
@@ -22,9 +22,9 @@ constexpr int kWidth = kRight - kLeft;
 constexpr std::string_view kBegin =
     R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 640 240" width="640" height="240" role="img">)";
 
-// The colours read on either ground, since a page's own switch between light and dark need not
-// reach a picture in it; the darker page only makes them brighter. Opened by itself, the document
-// has a ground of its own, which color-scheme darkens along.
+// The colours can be read on a light and on a dark background, because a page's own switch between
+// the two need not reach a picture in it; on dark pages they only become brighter. A document that
+// is opened by itself gets its background from color-scheme.
 constexpr std::string_view kStyle = R"(<style>
 svg{color-scheme:light dark}
 text{font:12px system-ui,sans-serif;fill:#6e7781}
@@ -38,7 +38,7 @@ text{font:12px system-ui,sans-serif;fill:#6e7781}
 </style>
 )";
 
-/// A coordinate. The C library's own ways of writing one follow the locale.
+/// Writes a coordinate. The C library's functions would write the decimal point of the locale.
 std::string tenths(double value) {
     const long rounded = std::lround(value * 10.0);
     return std::to_string(rounded / 10) + "." + std::to_string(rounded % 10);
@@ -57,7 +57,7 @@ std::string replaced(std::string_view text, std::string_view piece, std::string_
     return result.append(text);
 }
 
-/// One line of valid UTF-8 without a character that XML 1.0 forbids, markup not yet escaped.
+/// Returns one line of valid UTF-8 without characters that XML 1.0 forbids. Markup is not escaped.
 std::string oneLine(const std::string& title) {
     const std::string line = text::forTerminal(title);
     return replaced(replaced(line, "\uFFFE", "\uFFFD"), "\uFFFF", "\uFFFD");
@@ -67,8 +67,8 @@ std::string escaped(const std::string& text) {
     return replaced(replaced(replaced(text, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
 }
 
-/// Columns of a text in a font that nobody knows: two for what is written with three bytes or more,
-/// most of which is wide.
+/// Estimates the columns of a text in an unknown font: two for each character of three bytes or
+/// more, since most of these are wide.
 int roughColumns(std::string_view text) {
     int columns = 0;
     for (const char c : text) {
@@ -78,7 +78,7 @@ int roughColumns(std::string_view text) {
     return columns;
 }
 
-/// As much of a line as the picture has room for.
+/// Cuts a line to the width of the picture.
 std::string fitted(std::string text) {
     constexpr int kColumns = 70;  // About 600 pixels of this font.
     constexpr std::size_t kMostBytes = 1000;

@@ -1,4 +1,4 @@
-// The whole status item as one line; scripts rely on its keys and their order.
+// Writes the status item as JSON. Scripts rely on the keys and their order.
 // Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "shells/json/status_item_json.h"

@@ -6,7 +6,7 @@
 
 namespace json {
 
-/// The status item and its menu, whole, as one object without a line end.
+/// Returns the status item with its whole menu as one JSON object, without a line end.
 std::string statusItem(const ORVStatusItem& statusItem);
 
 }  // namespace json

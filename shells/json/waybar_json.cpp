@@ -1,4 +1,4 @@
-// The status item as status bars read it, whose texts are markup there.
+// Writes the status item for status bars, which take its texts for markup.
 // Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "shells/json/waybar_json.h"

@@ -1,4 +1,4 @@
-// The status item and its menu, drawn with curses; keys go to the delegate.
+// Draws the menu with curses and passes keys to the delegate.
 // Tests: tests/shells/terminal_test.cpp.
 
 #define NCURSES_NOMACROS  // Its macros have the names of members: move, clear, erase.
@@ -19,7 +19,8 @@ namespace {
 
 constexpr int kEscapeKey = 27;
 
-/// Of each level two pairs of colours: the level's colour for text, and behind text.
+/// Each level has two pairs of colours: one with the level's colour for the text, and one with it
+/// behind the text.
 constexpr short kLevels = 3;
 
 short colourPair(const terminal::Style& style) {
@@ -27,8 +28,8 @@ short colourPair(const terminal::Style& style) {
     return static_cast<short>(level > 0 && style.isReversed ? level + kLevels : level);
 }
 
-/// Also while it is disabled, so that the selection stays when feedback ends; choosing it then does
-/// nothing.
+/// Whether the item can be selected. A disabled item can, so that the selection stays in its place
+/// while feedback disables the item; choosing it then does nothing.
 bool isSelectable(const ORVMenuItem& item) {
     return item.action != ORVMenuAction::none || item.submenu;
 }
@@ -57,11 +58,11 @@ ORVTerminalMenu::~ORVTerminalMenu() {
 
 void ORVTerminalMenu::close() {
     if (!std::exchange(isClosed_, true)) {
-        terminal::giveBack();
+        terminal::restore();
     }
 }
 
-/// Over the terminal's own background, with tones that can be read on black and on white.
+/// Prepares colours that can be read on a black and on a white background.
 void ORVTerminalMenu::beginColours() {
     if (!has_colors() || start_color() != OK || use_default_colors() != OK ||
         COLOR_PAIRS <= 2 * kLevels) {
@@ -134,16 +135,17 @@ bool ORVTerminalMenu::readKeys() {
     bool isAnyKey = false;
     for (int key = getch(); key != ERR; key = getch()) {
         isAnyKey = true;
-        // A change of size, which comes with a signal, stands among the keys, too.
+        // curses reports a change of size as a key; the signal that comes with it is handled.
         if (key != KEY_RESIZE && !isPasted(key) && !closesKeys(key)) {
             pressed(key);
         }
     }
-    // Ready but without a key: the terminal is gone.
+    // A descriptor that is ready but gives no key is that of a terminal that is gone.
     return isAnyKey || (isatty(STDIN_FILENO) && tcgetpgrp(STDIN_FILENO) >= 0);
 }
 
-/// Pasted text ends with a key of its own or, where that arrives in pieces, with its bytes.
+/// Whether the key belongs to pasted text. The end of such text is one key for curses or, when it
+/// arrives in parts, six.
 bool ORVTerminalMenu::isPasted(int key) {
     constexpr std::string_view kEnd = "\033[201~";
     const bool wasPasting = isPasting_;
@@ -160,7 +162,8 @@ bool ORVTerminalMenu::isPasted(int key) {
     return wasPasting || isPasting_;
 }
 
-/// Any key ends the display of the keys; Escape and the one that began it do no more.
+/// Every key closes the list of keys. Returns whether the key does no more than that, as Escape and
+/// the key that opened the list.
 bool ORVTerminalMenu::closesKeys(int key) {
     return std::exchange(view_.showsKeys, false) && (key == kEscapeKey || key == '?');
 }

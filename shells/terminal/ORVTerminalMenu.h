@@ -9,29 +9,29 @@
 #include "shells/terminal/menu_lines.h"
 #include "shells/terminal/screen.h"
 
-/// The status item and its open menu on this process's terminal. UI thread only.
+/// The status item and its open menu on this process's terminal. Used on the UI thread only.
 ///
-/// Takes the terminal over when it is made, and leaves screen, cursor and modes as found when it is
-/// closed, destroyed, or the process dies of a fault other than a full stack.
+/// The constructor takes the terminal over. Screen, cursor and modes are restored when the menu is
+/// closed or destroyed, and when the process dies of a fault, unless the fault is a full stack.
 class ORVTerminalMenu final : public ORVSurface {
 public:
-    /// Whether the terminal can place text: not a "dumb" one, or one that is not known.
+    /// Whether the terminal can place text. A "dumb" terminal and an unknown one cannot.
     static bool isPossible();
 
-    /// Made before the application is launched: a terminal that shows ASCII alone makes it speak
-    /// English. `isColoured`: colours are wanted; where the terminal has none there are none.
+    /// Must be made before the application is launched, because a terminal that can only show ASCII
+    /// makes it speak English. `isColoured` asks for colours, if the terminal has them.
     ORVTerminalMenu(ORVAppDelegate& delegate, bool isColoured);
     ~ORVTerminalMenu() override;
     ORVTerminalMenu(const ORVTerminalMenu&) = delete;
     ORVTerminalMenu& operator=(const ORVTerminalMenu&) = delete;
 
-    /// Draws what changed since the last time.
+    /// Draws what has changed since the last call.
     void show() override;
 
-    /// Draws everything, at the terminal's size of this moment.
+    /// Takes the terminal's present size and draws everything at the next call of show.
     void redraw() override;
 
-    /// Takes the keys that were pressed. False when the terminal is gone.
+    /// Handles the keys that were pressed. Returns false when the terminal is gone.
     bool readKeys();
 
     void close() override;
@@ -56,6 +56,6 @@ private:
     std::vector<terminal::Row> drawn_;
     bool hasColours_ = false;
     bool isPasting_ = false;
-    std::string pasted_;  ///< The last bytes of the text that is being pasted.
+    std::string pasted_;  ///< The last bytes of the text that is being pasted, to find its end.
     bool isClosed_ = false;
 };

@@ -1,4 +1,4 @@
-// What the menu says, before there is a frame: a mark, a text, and the key at the right.
+// The lines of the menu and of the list of keys: a mark, a text, and the key at the right.
 // Tests: tests/shells/terminal_test.cpp.
 
 #include "shells/terminal/menu_lines.h"
@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::string_view kTick = "✓";
 
-/// One column in place of a check mark or a system symbol; a blank where the text has its own.
+/// Returns a character in the place of the item's check mark or system symbol. It is a blank when
+/// there is none, and when the text begins with a check mark itself.
 std::string_view mark(const ORVMenuItem& item, const Screen& screen) {
     struct StandIn {
         std::string_view name;
@@ -53,7 +54,7 @@ std::string keyOf(const ORVMenuItem& item) {
     return item.tag ? std::to_string(*item.tag + 1) : item.submenu ? "l" : item.keyEquivalent;
 }
 
-/// Of an item with a submenu.
+/// Returns the arrow of an item with a submenu.
 std::string_view arrow(bool isOpen, const Screen& screen) {
     return screen.showsUnicode ? (isOpen ? " ▾" : " ▸") : (isOpen ? " v" : " >");
 }
@@ -80,7 +81,7 @@ Line lineOf(const ORVMenuItem& item, std::optional<double> percentage, const Vie
     return line;
 }
 
-/// The words about keys, which the application does not have.
+/// The words about keys. The application's own texts have none, since a menu bar needs none.
 struct KeyWords {
     std::string_view move, choose, back, keys;
 };

@@ -7,38 +7,41 @@
 #include "sessions/ORVHistoryEvent.h"
 #include "shells/terminal/screen.h"
 
-/// What stands in the menu, line by line, without a frame.
+/// The menu's lines, without a frame.
 namespace terminal {
 
-/// What is shown beside the status item's own state.
+/// The state of the menu in the terminal, in addition to the status item.
 struct View {
     const ORVMenuItem* selected = nullptr;
     bool submenuIsOpen = false;
-    bool showsKeys = false;  ///< In place of the menu.
-    std::string locale;      ///< "zh_CN" or "en_US", of the words about keys.
+    bool showsKeys = false;  ///< Whether the list of keys takes the menu's place.
+    std::string locale;      ///< "zh_CN" or "en_US": the language of the words about keys.
     std::vector<ORVHistoryEvent> history;
 };
 
-/// How much a line is needed where not all have room, the least first.
+/// How much a line is needed. When not all lines have room, the least needed ones are left out;
+/// they come first here.
 enum class Need { separator, constant, command, language, figure, selected };
 
 struct Line {
     Need need = Need::separator;
     std::string left;   ///< A mark and the text.
-    std::string right;  ///< A key, or the submenu's.
-    Style style;        ///< Of the left part.
+    std::string right;  ///< The key that chooses the item.
+    Style style;        ///< The style of the left part.
 };
 
-/// The items that are shown, from top to bottom; those of an open submenu follow their parent.
+/// Returns the items that are shown, from top to bottom; those of an open submenu follow their
+/// parent.
 std::vector<const ORVMenuItem*> visibleItems(const ORVMenu& menu, bool submenuIsOpen);
 
+/// Returns the lines of the menu.
 std::vector<Line> menuLines(const ORVStatusItem& statusItem, const View& view,
                             const Screen& screen);
 
-/// What the keys do.
+/// Returns lines that tell what each key does.
 std::vector<Line> keyLines(const ORVMenu& menu, const View& view, const Screen& screen);
 
-/// One line for below the menu: the keys that it does not show itself.
+/// Returns the line below the menu, which tells the keys that the menu does not show.
 std::string keyHint(const View& view, const Screen& screen);
 
 }  // namespace terminal

@@ -1,4 +1,4 @@
-// Lays the bar, the menu and the plot out on a screen, and chooses what a low screen leaves out.
+// Lays out the bar, the menu and the plot on a screen, and decides what a low screen leaves out.
 // Tests: tests/shells/terminal_test.cpp.
 
 #include "shells/terminal/menu_rows.h"
@@ -18,7 +18,8 @@ constexpr int kRowsOfScreenWithPlot = 24;
 constexpr int kFewestRowsOfPlot = 4;
 constexpr int kMostRowsOfPlot = 12;
 
-/// The menu bar, which is a gauge, too: filled from the left as the context window is.
+/// Draws the menu bar, which is also a gauge: it is filled from the left in proportion to the
+/// context window.
 Row bar(const ORVStatusItem& statusItem, const Screen& screen) {
     const std::string title = " " + shown(statusItem.title, screen) + " ";
     const std::string text =
@@ -31,7 +32,7 @@ Row bar(const ORVStatusItem& statusItem, const Screen& screen) {
             {text.substr(used.size()), {.isBold = true, .fullness = fullness}}};
 }
 
-/// The menu's frame, which hangs at the right.
+/// Draws the frame of the menu at the right edge of the screen.
 class Frame {
 public:
     Frame(const std::vector<Line>& lines, const Screen& screen) : screen_(screen) {
@@ -69,7 +70,7 @@ private:
     std::string indent_;
 };
 
-/// Leaves out the least needed lines, of those the lowest first, until the others have room.
+/// Removes the least needed lines, the lowest of them first, until the others have room.
 void leaveOut(std::vector<Line>& lines, int room) {
     while (static_cast<int>(lines.size()) > room) {
         const auto least =
@@ -79,7 +80,7 @@ void leaveOut(std::vector<Line>& lines, int room) {
     }
 }
 
-/// The task's history below the menu, one row after it and one before the hint left free.
+/// Adds the task's history below the menu, with a free row before it and one after it.
 void addPlot(std::vector<Row>& rows, const View& view, const Screen& screen) {
     const int room = screen.rows - static_cast<int>(rows.size()) - 2;
     if (screen.rows < kRowsOfScreenWithPlot || room < kFewestRowsOfPlot || view.history.empty()) {
@@ -89,11 +90,11 @@ void addPlot(std::vector<Row>& rows, const View& view, const Screen& screen) {
     for (const history::PlotRow& row :
          history::plot(view.history,
                        {screen.columns, std::min(room, kMostRowsOfPlot), screen.showsUnicode})) {
-        rows.push_back({{row.text, {.fullness = fullnessOf(row.level)}}});
+        rows.push_back({{row.label, {}}, {row.text, {.fullness = fullnessOf(row.level)}}});
     }
 }
 
-/// Cuts the row, or fills it with spaces, to the screen's width.
+/// Cuts the row to the screen's width, or fills it with spaces.
 void fit(Row& row, const Screen& screen) {
     int columns = screen.columns;
     for (Piece& piece : row) {

@@ -6,17 +6,17 @@
 
 namespace terminal {
 
-/// What the terminal can show.
+/// The size of the terminal, and what it can show.
 struct Screen {
     int columns = 80;
     int rows = 24;
-    bool showsUnicode = true;  ///< Else plain ASCII stands in for everything.
+    bool showsUnicode = true;  ///< Otherwise everything is written in ASCII.
 };
 
-/// How full a context window is, for the eye.
+/// How full a context window is, in the steps that have colours.
 enum class Fullness { unknown, low, middle, high };
 
-/// Percent: low below 60, high from 85.
+/// Returns the step of a percentage: low below 60, high from 85.
 inline Fullness fullnessOf(std::optional<double> percentage) {
     if (!percentage) {
         return Fullness::unknown;
@@ -28,11 +28,11 @@ struct Style {
     bool isReversed = false;
     bool isDimmed = false;
     bool isBold = false;
-    Fullness fullness = Fullness::unknown;  ///< Shown as a colour where there are colours.
+    Fullness fullness = Fullness::unknown;  ///< Becomes a colour when the terminal has colours.
     bool operator==(const Style&) const = default;
 };
 
-/// Text of one style.
+/// A text in one style.
 struct Piece {
     std::string text;
     Style style;

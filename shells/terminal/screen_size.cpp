@@ -1,4 +1,5 @@
-// For text that is written once; the menu asks curses. Tests: tests/ctl/brimletctl_test.cpp.
+// The terminal's size for text that is written once. The menu gets it from curses.
+// Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "shells/terminal/screen_size.h"
 

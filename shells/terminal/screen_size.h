@@ -4,8 +4,8 @@
 
 namespace terminal {
 
-/// What standard output can show of text that is written once: the terminal's size, or 80 by 24
-/// where it is none. Sets the process's locale of characters, so that columns can be counted.
+/// Returns the size of the terminal that standard output is, and 80 by 24 when it is not a
+/// terminal. Sets the process's locale for characters, so that columns can be counted.
 Screen screenOfOutput();
 
 }  // namespace terminal

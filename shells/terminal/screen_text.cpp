@@ -1,5 +1,4 @@
-// Counts columns by the C library's table, which curses uses: any other breaks frames.
-// Tests: tests/shells/terminal_test.cpp.
+// Makes text fit into columns. Tests: tests/shells/terminal_test.cpp.
 
 #include "shells/terminal/screen_text.h"
 
@@ -18,10 +17,10 @@ namespace {
 struct Character {
     std::string_view bytes;
     wchar_t code;
-    int columns;  ///< -1 where the library does not know it.
+    int columns;  ///< -1 when the library does not know the character.
 };
 
-/// The next character of a text that is valid UTF-8.
+/// Returns the first character of a text, which must be valid UTF-8.
 Character nextCharacter(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text.front());
     const std::size_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
@@ -33,8 +32,9 @@ Character nextCharacter(std::string_view text) {
     return {text.substr(0, length), wide, wcwidth(wide)};
 }
 
-/// What makes one picture of several in some terminals and not in others: the variants, skin tones
-/// and tags of pictures, and the joiner behind a wide character (it shapes letters behind others).
+/// Whether the character makes one picture of several, which some terminals do and others do not:
+/// the variants, skin tones and tags of pictures, and the joiner behind a wide character. (Behind
+/// other characters the joiner shapes letters.)
 bool joinsPictures(const Character& character, int columnsBefore) {
     const auto isIn = [&](wchar_t first, wchar_t last) {
         return character.code >= first && character.code <= last;
@@ -58,7 +58,7 @@ std::string unicodeText(std::string_view text) {
     return result;
 }
 
-/// Plain ASCII for what the program itself says in English; "?" for every other character.
+/// Writes the characters of the program's own English texts in ASCII, and "?" for every other one.
 std::string asciiText(std::string_view text) {
     static constexpr std::pair<std::string_view, std::string_view> kStandIns[] = {
         {"·", "-"},

@@ -1,4 +1,4 @@
-// The status item and its menu, drawn with curses; keys go to the delegate.
+// Takes the terminal over, and restores it on every way out of the program.
 // Tests: tests/shells/terminal_test.cpp.
 
 #define NCURSES_NOMACROS
@@ -27,8 +27,7 @@ namespace {
 
 constexpr int kFaults[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGQUIT};
 
-// What a process that dies or stops needs to leave the terminal as found, and to take it over
-// again; a handler can ask nobody.
+// Signal handlers restore the terminal and take it over again. They can use global variables only.
 termios modesAsFound;
 termios modesTaken;
 std::string leavingSequence;
@@ -49,22 +48,24 @@ void dieOf(int signalNumber) {
     raise(signalNumber);
 }
 
-/// Who draws the screen anew hears of the end of the stop by SIGCONT.
+/// Stops the process and takes the terminal over again when it goes on. SIGCONT then redraws the
+/// screen.
 void stopOn(int signalNumber) {
     const int savedError = errno;
     struct sigaction ownAction {};
     leaveTerminal();
     sigaction(signalNumber, nullptr, &ownAction);
     signal(signalNumber, SIG_DFL);
-    raise(signalNumber);  // Comes back when the process goes on.
+    raise(signalNumber);  // Returns when the process goes on.
     sigaction(signalNumber, &ownAction, nullptr);
     tcsetattr(STDIN_FILENO, TCSANOW, &modesTaken);
     send(takingSequence);
     errno = savedError;
 }
 
-/// Unless stops are ignored. Before curses begins: it then leaves them alone, where its own handler
-/// would lose those that come while it draws.
+/// Installs a handler for stops from the keyboard, unless they are ignored. This must be done
+/// before curses begins: its own handler, which it then does not install, would lose stops that
+/// come while it draws.
 void handleStops() {
     struct sigaction action {};
     sigaction(SIGTSTP, nullptr, &action);
@@ -75,10 +76,11 @@ void handleStops() {
     }
 }
 
-/// What the terminal wants to be sent for this; "" when it cannot do it. The library answers -1 in
-/// place of a text for a name that stands for no text. A pause, "$<…>" at the end, is cut off.
+/// Returns the sequence of this capability, and "" when the terminal lacks it. The library returns
+/// -1 in place of a text for the name of a number or a flag. A pause at the end, "$<…>", is cut
+/// off.
 std::string_view capability(const char* name) {
-    const char* sequence = tigetstr(const_cast<char*>(name));  // Older headers want it so.
+    const char* sequence = tigetstr(const_cast<char*>(name));  // Older headers take no const.
     if (reinterpret_cast<std::intptr_t>(sequence) == -1 || !sequence) {
         return {};
     }
@@ -86,8 +88,8 @@ std::string_view capability(const char* name) {
     return text.substr(0, text.find("$<"));
 }
 
-/// What makes the terminal mark what is pasted, or not. Terminals that cannot pass over it if they
-/// know any sequence that begins so.
+/// Returns the sequence that makes the terminal mark pasted text, or stop to do so. A terminal that
+/// cannot do it ignores the sequence, provided that its sequences have this form at all.
 std::string_view markingPastes(bool isOn) {
     if (!capability("cup").starts_with("\033[")) {
         return {};
@@ -140,7 +142,7 @@ bool setUpCharacters() {
     std::transform(name.begin(), name.end(), name.begin(), text::lowerCasedASCII);
     const bool namesUTF8 =
         name.find("utf-8") != std::string::npos || name.find("utf8") != std::string::npos;
-    // A Mac knows the second.
+    // The second name is that of a Mac.
     return namesUTF8 && (setlocale(LC_CTYPE, "C.UTF-8") || setlocale(LC_CTYPE, "UTF-8")) &&
            isUTF8();
 }
@@ -149,7 +151,7 @@ void takeOver() {
     tcgetattr(STDIN_FILENO, &modesAsFound);
     modesTaken = modesAsFound;
     handleStops();
-    unsetenv("LINES");  // Else they would count for more than the terminal's own size.
+    unsetenv("LINES");  // curses would believe these rather than the terminal.
     unsetenv("COLUMNS");
     initscr();
     prepareSequences();
@@ -159,7 +161,7 @@ void takeOver() {
     cbreak();
     noecho();
     nonl();
-    intrflush(stdscr, FALSE);  // A signal from the keyboard throws no output away.
+    intrflush(stdscr, FALSE);  // A signal from the keyboard must not discard output.
     nodelay(stdscr, TRUE);
     keypad(stdscr, TRUE);
     set_escdelay(25);
@@ -167,11 +169,11 @@ void takeOver() {
     define_key("\033[200~", kPasteBegins);
     define_key("\033[201~", kPasteEnds);
     tcgetattr(STDIN_FILENO, &modesTaken);
-    send(markingPastes(true));  // The rest curses has sent or will send.
+    send(markingPastes(true));  // curses itself sends everything else.
 }
 
-void giveBack() {
-    signal(SIGTSTP, SIG_IGN);  // The end is under way.
+void restore() {
+    signal(SIGTSTP, SIG_IGN);  // The program is ending already.
     endwin();
     send(markingPastes(false));
     for (const int fault : kFaults) {

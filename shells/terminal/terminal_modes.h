@@ -1,23 +1,23 @@
 #pragma once
 
-/// Taking this process's terminal over with curses, and leaving it as found. UI thread only, as
-/// curses itself.
+/// Takes this process's terminal over with curses, and restores it. Used on the UI thread only, as
+/// curses demands.
 namespace terminal {
 
-/// Whether the terminal can place text: not a "dumb" one, or one that is not known.
+/// Whether the terminal can place text. A "dumb" terminal and an unknown one cannot.
 bool isPossible();
 
-/// Sets the locale of characters, and nothing else; true when it is UTF-8. Where none is asked for,
-/// or the one asked for is not installed but names UTF-8, the terminal is taken for one.
+/// Sets the process's locale for characters, and for nothing else. Returns whether text is UTF-8:
+/// also when the environment names no locale, or one of UTF-8 that is not installed.
 bool setUpCharacters();
 
-/// Begins with keys one by one, no echo, no cursor, and pasted text told from keys. The terminal is
-/// left as found at giveBack(), while the process is stopped from the keyboard, and when it dies of
-/// a fault other than a full stack.
+/// Makes the terminal deliver single keys without echo, hides the cursor, and has pasted text
+/// marked. The terminal is restored by restore(), while the process is stopped from the keyboard,
+/// and when the process dies of a fault, unless the fault is a full stack.
 void takeOver();
-void giveBack();
+void restore();
 
-/// Keys beside those of curses: what stands before and after pasted text.
+/// Keys in addition to those of curses: the marks before and after pasted text.
 extern const int kPasteBegins;
 extern const int kPasteEnds;
 

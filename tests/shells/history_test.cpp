@@ -45,7 +45,7 @@ std::size_t count(std::string_view text, std::string_view piece) {
 std::string joined(const std::vector<history::PlotRow>& rows) {
     std::string text;
     for (const history::PlotRow& row : rows) {
-        text += row.text + "\n";
+        text += row.label + row.text + "\n";
     }
     return text;
 }
@@ -140,7 +140,7 @@ TEST(HistoryTest, APlotOfAnySizeStaysInIt) {
                     const auto plot = history::plot(series, {columns, rows, unicode});
                     EXPECT_EQ(static_cast<std::size_t>(rows), plot.size());
                     for (const history::PlotRow& row : plot) {
-                        EXPECT_LE(terminal::textColumns(row.text), columns);
+                        EXPECT_LE(terminal::textColumns(row.label + row.text), columns);
                         EXPECT_EQ(row.text, text::forTerminal(row.text));
                         EXPECT_FALSE(row.text.ends_with(' '));
                         EXPECT_TRUE(unicode || std::all_of(row.text.begin(), row.text.end(),
@@ -167,13 +167,13 @@ TEST(HistoryTest, BarsStandAsHighAsTheirUsage) {
     EXPECT_EQ("█\n█\n█\n█\n█\n─\n", blocks(2 * kWindow, 6));
 
     const auto rows = history::plot(events({95, -1, 5}), {25, 12, false});
-    EXPECT_EQ("100%+::::::::::|", rows[0].text);
+    EXPECT_EQ("100%+::::::::::|\n", joined({rows[0]}));
     for (std::size_t i = 0; i < 9; ++i) {
-        EXPECT_EQ('|', rows[i].text[15]) << "above the bar after the compaction, row " << i;
+        EXPECT_EQ('|', rows[i].text[10]) << "above the bar after the compaction, row " << i;
         EXPECT_NEAR(95.0 - 10.0 * static_cast<double>(i), *rows[i].level, 1e-9);
     }
-    EXPECT_EQ(" 50%+##########|", rows[5].text);
-    EXPECT_EQ("  0%+----------v---------", rows[10].text);
+    EXPECT_EQ(" 50%+##########|\n", joined({rows[5]}));
+    EXPECT_EQ("  0%+----------v---------\n", joined({rows[10]}));
     EXPECT_FALSE(rows[10].level || rows[11].level);
 }
 
@@ -202,7 +202,7 @@ TEST(HistoryTest, TimesAreCutFromTheRecords) {
     for (const Case& c : kCases) {
         const auto rows = history::plot({point(1, c.first), point(2, c.last)}, {c.columns, 4});
         EXPECT_EQ(c.row == nullptr, rows[2].level.has_value()) << c.first;
-        EXPECT_TRUE(!c.row || c.row == rows[3].text) << rows[3].text;
+        EXPECT_TRUE(!c.row || c.row == rows[3].label + rows[3].text) << rows[3].text;
     }
 }
 
