@@ -1,3 +1,5 @@
+// Errors of the system, with its own description. Tests: tests/sessions/snapshots_test.cpp.
+
 #include "platform/ORVError.h"
 
 #include <system_error>

@@ -11,7 +11,7 @@
 
 namespace platform {
 namespace {
-constexpr std::size_t kPageBytes = 16 * 1024;  // Of the largest pages of the systems in view.
+constexpr std::size_t kPageBytes = 16 * 1024;  // The largest page of Linux and macOS.
 }
 
 void ChunkBuffer::takeMemory() {
@@ -33,7 +33,7 @@ std::optional<std::string_view> ChunkBuffer::read(ORVOpenFile& file, std::uint64
     if (!count) {
         return std::nullopt;
     }
-    // Vector code reads beyond the end: what it finds there must be defined.
+    // Vector code reads beyond the end; the bytes there must be defined.
     std::memset(bytes_.get() + *count, 0, ORVByteBuffer::kReadableBytesBeyond);
     return std::string_view(bytes_.get(), *count);
 }

@@ -22,9 +22,10 @@ class ChunkBuffer {
 public:
     static constexpr std::size_t kChunkBytes = 128 * 1024;
 
-    /// The next bytes of the file from `offset`, at most `limit` and at most a chunk; empty at the
-    /// file's end. None with the system's error when it cannot be read. The bytes are valid until
-    /// the next read, and followed by ORVByteBuffer::kReadableBytesBeyond readable bytes.
+    /// Reads the next bytes of the file from `offset`: at most `limit`, at most one chunk, and none
+    /// at the file's end. Returns nothing, with the system's error, when the file cannot be read.
+    /// The bytes are valid until the next read, and ORVByteBuffer::kReadableBytesBeyond readable
+    /// bytes follow them.
     std::optional<std::string_view> read(ORVOpenFile& file, std::uint64_t offset,
                                          std::uint64_t limit, ORVErrorSlot* error);
 

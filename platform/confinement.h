@@ -3,27 +3,30 @@
 #include <string>
 #include <vector>
 
-/// What the kernel holds the program to.
+/// What the kernel refuses to the program.
 struct ORVConfinement {
-    /// Whether every system call is refused that the program has no use for.
+    /// Whether the kernel refuses every system call that the program does not need.
     bool filtersCalls = false;
 
-    /// Whether files can be changed in the folders given only. Where not, the filter alone refuses
-    /// writing, to a process without such folders and to a thread that was confined to reading.
+    /// Whether the kernel refuses to change files outside of the given folders. If it does not, the
+    /// filter of system calls still keeps a process without such folders, and a thread that was
+    /// confined to reading, from opening files for writing.
     bool limitsWriting = false;
 };
 
-/// Giving up, for good, what Brimlet never needs, so that not even a fault in it could send or
-/// change anything. Does as much as the kernel offers.
+/// Gives up, for good, every right that Brimlet never needs, so that not even a fault in it could
+/// send or change anything. How much is given up depends on the kernel.
 namespace platform {
 
-/// No sockets, no other programs or processes, no signals to others and no looking into them, no
-/// further code, no core dump; and no writing but in these folders, for this thread and those that
-/// it starts. What is open stays so. Called once, before any thread is started.
+/// Gives up sockets, other programs and processes, signals to them and reading their memory,
+/// loading code, core dumps, and writing outside of these folders. This holds for the calling
+/// thread and the threads that it starts; descriptors that are open can still be used. Called once,
+/// before any thread is started.
 ORVConfinement confineProcess(const std::vector<std::string>& foldersToWriteIn);
 
-/// No writing anywhere, for the calling thread. This holds against a fault that opens or removes
-/// the wrong file; who runs code of their own has the memory, and so the rights, of all threads.
+/// Gives up writing files anywhere, for the calling thread. This stops a fault that opens or
+/// removes the wrong file, but not an attacker's code, which can use the memory and so the rights
+/// of all threads.
 void confineThreadToReading();
 
 }  // namespace platform

@@ -1,12 +1,13 @@
-// What the program may ask of the kernel: first the list of system calls, then, by Landlock, the
-// folders in which files may be changed, last how the list becomes a filter. A call that is not on
-// the list fails with an error, as any call can.
+// Limits what the program can ask of the kernel. This file holds first the list of allowed system
+// calls, then the use of Landlock for the folders in which files may be changed, and last the code
+// that turns the list into a filter. A call that is not on the list fails with an error, as any
+// call can.
 //
-// On the list is what this program, glibc (2.28 to 2.42) and musl call once a program has started.
-// No memory can be made executable any more, so no library can be loaded later. Nothing needs it:
-// the user is looked up before, and where the locale's characters would need a module of glibc
-// (GBK, say), the menu is written in ASCII, which glibc reads without the module.
-// Tests: tests/platform/confinement_test.cpp.
+// The list holds what this program, glibc (2.28 to 2.42) and musl call after a program has started.
+// Memory can no longer be made executable, so no library can be loaded later. Nothing needs one:
+// the user is looked up before, and when the locale's encoding would need a module of glibc (that
+// of GBK, for example), the menu is written in ASCII, which needs none. Tests:
+// tests/platform/confinement_test.cpp.
 
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
@@ -39,12 +40,12 @@ constexpr std::uint32_t kProcessor = AUDIT_ARCH_X86_64;
 #elif defined(__aarch64__) && defined(__LP64__) && !defined(__AARCH64EB__)
 constexpr std::uint32_t kProcessor = AUDIT_ARCH_AARCH64;
 #else
-constexpr std::uint32_t kProcessor = 0;  // Its calls are not known here.
+constexpr std::uint32_t kProcessor = 0;  // The numbers of its calls are not known here.
 #endif
 
-// Calls from 424 on have the same number on every processor, and the headers may be older. Where
-// such a call is not on the list, it answers as a kernel that does not know it, and a C library
-// uses the call's predecessor: clone, whose flags a filter sees, in place of clone3.
+// Calls from 424 on have the same number on every processor; the headers may be too old to name
+// them. Those that are not on the list fail as on a kernel that does not know them, so that a C
+// library uses their predecessors: clone, whose flags a filter can see, instead of clone3.
 constexpr std::uint32_t kFirstYoungCall = 424;
 constexpr std::uint32_t kCloseRange = 436;
 constexpr std::uint32_t kFaccessat2 = 439;
@@ -89,9 +90,9 @@ constexpr std::uint32_t kCallsForStoring[] = {
     // The reading thread begins with the same rights, and gives them up by these.
     kLandlockCreateRuleset, kLandlockRestrictSelf};
 
-/// What an argument, counted from 0, must be: one of the values or, where no values are given, a
-/// number with none of the bits. A value is compared with the lower half of the register, since the
-/// kernel looks at no more of an int.
+/// A condition on an argument (counted from 0): it must be one of the values or, when there are no
+/// values, have none of the bits. A value is compared with the lower half of the register, which is
+/// all that the kernel uses of an int.
 struct Condition {
     unsigned argument;
     std::vector<std::uint32_t> values;
@@ -113,7 +114,7 @@ struct Rule {
 };
 
 std::vector<Rule> rulesForAll() {
-    // No file is changed by opening it without one of these; O_TMPFILE needs an access mode.
+    // Without one of these flags, opening changes no file. O_TMPFILE needs an access mode, too.
     constexpr std::uint64_t kToWrite = O_ACCMODE | O_CREAT | O_TRUNC;
     constexpr std::uint64_t kAllBits = ~std::uint64_t{0};
     constexpr std::uint32_t kThread = CLONE_VM | CLONE_FS | CLONE_FILES | CLONE_SIGHAND |
@@ -129,41 +130,43 @@ std::vector<Rule> rulesForAll() {
 #endif
         {SYS_mmap, {hasNoneOf(2, PROT_EXEC)}},
         {SYS_mprotect, {hasNoneOf(2, PROT_EXEC)}},
-        // By other advice root can take pages of memory from the whole machine.
+        // With other advice root could take pages of memory away from the whole machine.
         {SYS_madvise,
          {isOneOf(2, {MADV_DONTNEED, MADV_FREE, MADV_HUGEPAGE, kGuardInstall, kGuardRemove})}},
-        // Threads, but neither processes nor namespaces. The flag that musl adds has no effect.
+        // This makes threads, but neither processes nor namespaces. musl adds a flag without
+        // effect.
         {SYS_clone, {isOneOf(0, {kThread, kThread | CLONE_DETACHED})}},
-        // No F_SETOWN and no O_ASYNC, by which a terminal would send signals to its other jobs.
+        // With F_SETOWN and O_ASYNC a terminal would send signals to other processes.
         {SYS_fcntl, {isOneOf(1, {F_GETFD, F_SETFD, F_GETFL})}},
         {SYS_fcntl, {isOneOf(1, {F_SETFL}), hasNoneOf(2, O_ASYNC)}},
-        // A terminal's modes and size, but not TIOCSTI and TIOCLINUX, which type in it.
+        // These are about a terminal's modes and size; TIOCSTI and TIOCLINUX would type in it.
         {SYS_ioctl,
          {isOneOf(1, {TCGETS, TCSETS, TCSETSW, TCSETSF, TCGETS2, TCSETS2, TCSETSW2, TCSETSF2,
                       TCFLSH, TIOCGWINSZ, TIOCGPGRP})}},
-        // For abort, raise, and ncurses when Control-Z stops it. tkill, which musl uses, does not
-        // name a process, so it reaches the first thread only: that has the process's number.
+        // abort, raise and a stop by Control-Z need these. tkill, which musl uses, names a thread;
+        // the first thread has the process's number.
         {SYS_kill, {isOneOf(0, {ourselves})}},
         {SYS_tgkill, {isOneOf(0, {ourselves})}},
         {SYS_tkill, {isOneOf(0, {ourselves})}},
-        // Our own limits are read; a pointer to other ones would set them.
+        // Reads our own limits. A pointer in the third argument would set them.
         {SYS_prlimit64, {isOneOf(0, {0, ourselves}), hasNoneOf(2, kAllBits)}},
     };
 }
 
 std::vector<Rule> rulesForStoring() {
     return {
-        // Landlock does not see this call. The bits would lend a program its owner's rights.
+        // Landlock does not cover this call. These bits would make a file run with its owner's
+        // rights.
         {SYS_fchmod, {hasNoneOf(1, 07000)}},
-        // Only to add the reading thread's filter.
+        // The reading thread adds its own filter.
         {SYS_prctl, {isOneOf(0, {PR_SET_SECCOMP})}},
     };
 }
 
-// Landlock, as <linux/landlock.h> has it where the headers know of it.
+// These are declarations of <linux/landlock.h>, which older headers lack.
 
-/// What is refused but where a rule allows it. An older kernel takes the first parts alone, if the
-/// others are 0.
+/// The actions that are refused unless a rule allows them. An older kernel accepts the structure
+/// when the fields that it does not know are 0.
 struct Ruleset {
     std::uint64_t files;
     std::uint64_t network;
@@ -182,7 +185,7 @@ constexpr std::uint64_t kRemoveFile = 1U << 5U;
 constexpr std::uint64_t kMakeFolder = 1U << 7U;
 constexpr std::uint64_t kMakeFile = 1U << 8U;
 
-/// Everything that this version of Landlock knows, but reading.
+/// Returns everything that this version of Landlock can refuse, except reading.
 Ruleset everything(long version) {
     // The second version added moving between folders, the third cutting files short, the fifth
     // requests to devices.
@@ -194,7 +197,7 @@ Ruleset everything(long version) {
     return ruleset;
 }
 
-/// False where the kernel has no Landlock, or has it turned off.
+/// Returns false when the kernel has no Landlock or when it is turned off.
 bool limitWriting(const std::vector<std::string>& folders) {
     const long version = syscall(kLandlockCreateRuleset, nullptr, 0, kAskForVersion);
     if (version < 1) {
@@ -218,7 +221,8 @@ bool limitWriting(const std::vector<std::string>& folders) {
     return isLimited;
 }
 
-/// The filter is a program that the kernel runs at every call, with its number and arguments.
+/// The filter is a program that the kernel runs at every call. It can load the call's number and
+/// arguments.
 using Program = std::vector<sock_filter>;
 
 sock_filter load(std::size_t offset) {
@@ -229,15 +233,16 @@ sock_filter answer(std::uint32_t value) {
     return BPF_STMT(BPF_RET | BPF_K, value);
 }
 
-/// Compares what is loaded with the value; the counts are of the statements that are then skipped.
+/// Compares what is loaded with the value, and skips one of these two numbers of statements.
 sock_filter jump(int comparison, std::uint32_t value, std::size_t ifTrue, std::size_t ifFalse) {
     return BPF_JUMP(static_cast<std::uint16_t>(BPF_JMP | comparison | BPF_K), value,
                     static_cast<std::uint8_t>(ifTrue), static_cast<std::uint8_t>(ifFalse));
 }
 
-/// Expects the call's number to be loaded, and leaves it loaded where the rule does not allow.
+/// Adds statements that allow the call if the rule does. They expect the call's number to be
+/// loaded, and leave it loaded for the next rule.
 void addRule(Program& program, const Rule& rule) {
-    constexpr std::uint8_t kOut = 255;  // Stands for the way to the rule's end, not yet known.
+    constexpr std::uint8_t kOut = 255;  // Stands for the distance to the rule's end, still unknown.
     constexpr std::size_t kHalf = sizeof(std::uint32_t);
     const std::size_t begin = program.size();
     program.push_back(jump(BPF_JEQ, rule.call, 0, kOut));
@@ -268,8 +273,8 @@ void addRule(Program& program, const Rule& rule) {
     }
 }
 
-/// What is added next is for the calls below this number, up to beginOthers, which takes the
-/// result.
+/// Begins statements for the calls below this number. beginOthers ends them and begins those for
+/// all other calls; it needs the result of this function.
 std::size_t beginBelow(Program& program, std::uint32_t number) {
     program.push_back(jump(BPF_JGE, number, 0, 1));
     program.push_back(BPF_STMT(BPF_JMP | BPF_JA, 0));
@@ -280,8 +285,9 @@ void beginOthers(Program& program, std::size_t below) {
     program[below - 1].k = static_cast<std::uint32_t>(program.size() - below);
 }
 
-/// Adds a search by halves among sorted rules. One after the other would do, but a kernel that
-/// takes a filter runs it for every number there is, to remember the calls that are always allowed.
+/// Adds a binary search among sorted rules. A linear one would do for the program itself, but when
+/// a filter is installed, the kernel runs it once for every call number to find the calls that are
+/// always allowed.
 void addRules(Program& program, std::span<const Rule> rules, std::uint32_t refusal) {
     constexpr std::size_t kFew = 4;
     std::size_t half = rules.size() / 2;
@@ -315,8 +321,8 @@ Program filter(bool mayStore) {
     Program program = {
         load(offsetof(seccomp_data, arch)),
         jump(BPF_JEQ, kProcessor, 1, 0),
-        // No code of this program, nor of a library, calls the kernel as a program for another
-        // processor does (int 0x80). Who does so is somebody else, and does not go on.
+        // Neither this program nor a library calls the kernel in the way of another processor
+        // (int 0x80). Only an attacker's code would, so the process ends.
         answer(SECCOMP_RET_KILL_PROCESS),
         load(offsetof(seccomp_data, nr)),
     };
@@ -343,7 +349,7 @@ bool filterCalls(bool mayStore) {
 ORVConfinement confineProcess(const std::vector<std::string>& foldersToWriteIn) {
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
-    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);  // The kernel asks for it before the others.
+    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);  // The kernel demands this before the other two.
     ORVConfinement confinement;
     confinement.limitsWriting = limitWriting(foldersToWriteIn);
     confinement.filtersCalls = filterCalls(!foldersToWriteIn.empty());

@@ -1,5 +1,5 @@
-// For a system that has no means a program without a sandbox could use, and for sanitizers, which
-// start processes themselves.
+// For systems on which a program cannot confine itself without a sandbox profile, and for builds
+// with sanitizers, which start processes.
 
 #include <sys/resource.h>
 

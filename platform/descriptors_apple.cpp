@@ -1,6 +1,6 @@
-// By select, since poll fails on a Mac's terminals. Select cannot tell of a hang-up alone; a
-// kernel queue can, and is itself a descriptor that select waits for.
-// Tests: tests/platform/descriptors_test.cpp, over a kernel queue that is stood in for.
+// Waits with select, because poll fails on a Mac's terminals. select cannot wait for a hang-up
+// alone; a kernel queue can, and it is itself a descriptor that select can wait for. Tests:
+// tests/platform/descriptors_test.cpp, over a stand-in for the kernel queue.
 
 #include <sys/event.h>
 #include <sys/select.h>
@@ -18,7 +18,7 @@ namespace {
 
 using Interest = ORVWatchedDescriptor::Interest;
 
-/// Null, which means no end, for a negative time.
+/// Returns the time as select takes it: null, which means no limit, for a negative time.
 timeval* timeLimit(timeval& limit, int milliseconds) {
     limit.tv_sec = milliseconds / 1'000;
     limit.tv_usec = (milliseconds % 1'000) * 1'000;
@@ -29,16 +29,17 @@ bool fitsSet(int descriptor) {
     return descriptor >= 0 && descriptor < FD_SETSIZE;
 }
 
-/// Of other outputs a kernel queue tells more than was asked; and a terminal that hangs up sends a
-/// signal.
+/// Whether the descriptor is a pipe or a socket, whose reader can close the other end. For other
+/// outputs a kernel queue reports more than hang-ups, and a terminal that hangs up sends a signal.
 bool hasReader(int descriptor) {
     struct stat status {};
     return fstat(descriptor, &status) == 0 &&
            (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
 }
 
-/// Hears of the readers that left. What a socket's other side sends is never enough to be told of.
-/// That a named pipe's reader left shows with the next write only.
+/// A kernel queue for outputs whose reader closes its end. Data that a socket's reader sends is not
+/// reported, because it never reaches the demanded number of bytes. The end of a named pipe's
+/// reader is not reported either; it shows at the next write.
 class HangUpQueue {
 public:
     explicit HangUpQueue(const std::vector<ORVWatchedDescriptor>& watched) {
@@ -111,7 +112,7 @@ void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int millisec
         select(highest + 1, &readable, &writable, nullptr, timeLimit(limit, milliseconds));
     if (count <= 0) {
         for (ORVWatchedDescriptor& watch : watched) {
-            watch.isReady = count < 0 && errno == EBADF;  // Whoever uses it hears which it is.
+            watch.isReady = count < 0 && errno == EBADF;  // Using the bad one then fails.
         }
         return;
     }

@@ -1,4 +1,4 @@
-// By poll, which tells of a hang-up without being asked.
+// Waits with poll, which always reports a hang-up.
 // Tests: tests/platform/descriptors_test.cpp.
 
 #include <poll.h>

@@ -8,16 +8,16 @@
 
 struct dispatch_queue_s;
 
-/// What a Mac brings along: queues whose threads come and go by themselves.
+/// Queues of Grand Central Dispatch, which starts and ends their threads.
 namespace platform {
 
 /// A private serial queue.
 class DispatchQueue final : public ORVSerialQueue {
 public:
-    /// The label is what debuggers and reports of the system call the queue.
+    /// The label is the queue's name in debuggers and in reports of the system.
     explicit DispatchQueue(const std::string& label);
 
-    /// What was dispatched still runs.
+    /// Closures that were dispatched still run.
     ~DispatchQueue() override;
     DispatchQueue(const DispatchQueue&) = delete;
     DispatchQueue& operator=(const DispatchQueue&) = delete;
@@ -28,8 +28,7 @@ private:
     dispatch_queue_s* queue_;
 };
 
-/// Run on the main thread by its run loop in the common modes, so also while a menu is open. Any
-/// thread.
+/// Run the closure on the main thread, even while a menu is open. They can be called on any thread.
 void postToMainQueue(std::function<void()> closure);
 void postToMainQueueAfter(std::chrono::nanoseconds delay, std::function<void()> closure);
 

@@ -1,4 +1,4 @@
-// Closures on libdispatch's queues, each in a pool of its own for objects of the system.
+// Runs closures on queues of Grand Central Dispatch, each in an autorelease pool of its own.
 // Tests: tests/appkit/appkit_test.mm.
 
 #include "platform/dispatch_queue.h"
@@ -24,8 +24,8 @@ void run(void* context) {
 }  // namespace
 
 DispatchQueue::DispatchQueue(const std::string& label) {
-    // Objects of the system's libraries end with the closure that made them, and reading files
-    // gives way to whatever the user is waiting for.
+    // Autoreleased objects are freed after each closure, and reading files has less priority than
+    // what the user waits for.
     dispatch_queue_attr_t attributes = dispatch_queue_attr_make_with_autorelease_frequency(
         DISPATCH_QUEUE_SERIAL, DISPATCH_AUTORELEASE_FREQUENCY_WORK_ITEM);
     attributes = dispatch_queue_attr_make_with_qos_class(attributes, QOS_CLASS_UTILITY, 0);

@@ -1,4 +1,4 @@
-// Reading a small file whole, over any file system.
+// Reads a small file as a whole. Tests: tests/platform/files_test.cpp.
 
 #include <algorithm>
 
@@ -18,7 +18,7 @@ std::optional<std::string> contentsOfFile(ORVFiles& files, const std::string& pa
     std::string contents;
     std::size_t used = 0;
     while (true) {
-        // One byte beyond the limit is asked for: it tells a file that is too large.
+        // One byte more than the limit is asked for, to notice a file that is too large.
         contents.resize(std::min(std::max(kFirstReadBytes, used * 2), limitBytes + 1));
         const auto count =
             file->readAt(used, contents.data() + used, contents.size() - used, nullptr);

@@ -26,7 +26,7 @@ struct ORVFileAttributes {
     std::optional<ORVFileDate> modifiedAt;
 };
 
-/// A regular file met by a walk.
+/// A regular file that a walk has found.
 struct ORVWalkedFile {
     std::string path;  ///< The root's path and the names below it, bytes as the system gave them.
     ORVFileDate modifiedAt;
@@ -44,11 +44,11 @@ public:
                                               std::size_t capacity, ORVErrorSlot* error) = 0;
 };
 
-/// Everything that Brimlet ever asks of the file system. Nothing here writes.
+/// Everything that Brimlet asks of the file system. Nothing here writes.
 ///
-/// Paths are bytes without an encoding. Called on the refresh queue, but for the search for the
-/// installed application when its source is made; the real one may be used by several threads at
-/// once. Tests put faults in here.
+/// Paths are bytes without an encoding. The functions are called on the refresh queue, except that
+/// the installed application is looked for where its source is made. Several threads may use the
+/// implementation that makeFiles returns. Tests replace it to bring about faults.
 class ORVFiles {
 public:
     using NameTest = std::function<bool(std::string_view name)>;
@@ -65,29 +65,31 @@ public:
     virtual bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
                       const ErrorHandler& failed) = 0;
 
-    /// The attributes of the item itself; those of the link where it is a symbolic link.
+    /// Returns the attributes of the item: of a symbolic link, those of the link itself. Returns
+    /// none, with the system's error, when they cannot be read.
     virtual std::optional<ORVFileAttributes> attributesOfItem(const std::string& path,
                                                               ORVErrorSlot* error) = 0;
 
-    /// The modification date of what stands at the path, symbolic links followed.
+    /// Returns the modification date of the item, symbolic links followed; none when it cannot be
+    /// read.
     virtual std::optional<ORVFileDate> contentModificationDate(const std::string& path) = 0;
 
-    /// Whether anything stands at the path, symbolic links followed.
+    /// Whether there is an item at the path, symbolic links followed.
     virtual bool itemExists(const std::string& path) = 0;
 
-    /// The absolute path without links, "." and "..", of what stands at the path; none where
-    /// nothing does, or it may not be looked up.
+    /// Returns the item's absolute path without links, "." and ".."; none when there is no item, or
+    /// when it may not be looked up.
     virtual std::optional<std::string> realPath(const std::string& path) = 0;
 
-    /// Opens for reading. Never waits, whatever kind of item stands there. Null with the system's
-    /// error stored when it cannot be opened.
+    /// Opens an item of any kind for reading, and never waits. Returns null, with the system's
+    /// error, when it cannot be opened.
     virtual std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
                                                         ORVErrorSlot* error) = 0;
 };
 
 namespace platform {
 
-/// The file system of this machine.
+/// Returns the file system of this machine.
 std::unique_ptr<ORVFiles> makeFiles();
 
 /// Returns the whole content of a file of at most `limitBytes`, and none when the file is larger or

@@ -1,6 +1,6 @@
-// The file system of Linux and macOS. Every path may name anything at all, and may name something
-// else at the next system call: nothing here waits on a FIFO, and a walk enters no link that it
-// meets. Tests: tests/sessions/discovery_test.cpp and reading_test.cpp, over real folders.
+// The file system of Linux and macOS. A path may name any kind of item, and another one at the next
+// system call: nothing here waits for a FIFO, and a walk enters no link that it finds.
+// Tests: tests/platform/files_test.cpp, over real folders.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -28,7 +28,7 @@ auto uninterrupted(Call call) {
     return result;
 }
 
-/// `struct stat` calls the modification date by another name on macOS.
+/// Returns the modification date, which has another name in macOS's `struct stat`.
 template <typename Status>
 ORVFileDate modificationDate(const Status& status) {
     if constexpr (requires { status.st_mtimespec; }) {
@@ -38,8 +38,8 @@ ORVFileDate modificationDate(const Status& status) {
     }
 }
 
-/// macOS hides an item by a flag, too, beside a name that begins with a dot. A walk there needs the
-/// attributes of every item.
+/// Whether this is macOS, where a flag can hide an item as a name with a dot does. A walk there
+/// needs the attributes of every item.
 template <typename Status>
 constexpr bool hiddenFlagExists() {
     return requires(Status status) {
@@ -49,7 +49,7 @@ constexpr bool hiddenFlagExists() {
 
 template <typename Status>
 bool hasHiddenFlag(const Status& status) {
-    constexpr auto kHidden = 0x8000U;  // UF_HIDDEN, of macOS only.
+    constexpr auto kHidden = 0x8000U;  // UF_HIDDEN, which Linux does not have.
     if constexpr (hiddenFlagExists<Status>()) {
         return (status.st_flags & kHidden) != 0;
     } else {
@@ -113,9 +113,9 @@ Directory openDirectory(const std::string& path, bool followLink) {
     return directory;
 }
 
-/// One walk. Folders wait in a list and are opened one at a time, by path: one descriptor is open
-/// and nothing recurses. A folder whose path is too long for the system counts as one that cannot
-/// be read.
+/// One walk. Folders wait in a list and are opened by path, one at a time, so that only one
+/// descriptor is open and nothing recurses. A folder whose path is too long for the system counts
+/// as one that cannot be read.
 class Walk {
 public:
     Walk(const ORVFiles::NameTest& wanted, const ORVFiles::FileVisitor& visit,
@@ -169,7 +169,7 @@ private:
         const int result = uninterrupted(
             [&] { return fstatat(dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW); });
         if (result != 0 || hasHiddenFlag(status)) {
-            return;  // Gone since the folder was read, or not to be looked at.
+            return;  // The item was removed meanwhile, or it is hidden.
         }
         if (S_ISDIR(status.st_mode)) {
             waitingFolders_.push_back(prefix + entry.d_name);
@@ -219,7 +219,7 @@ public:
 
     std::optional<std::string> realPath(const std::string& path) override {
         if (path.find('\0') != std::string::npos) {
-            return std::nullopt;  // The system would look at the part before it.
+            return std::nullopt;  // The system would take the part before it for the path.
         }
         const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
                                                                &std::free);
@@ -228,7 +228,7 @@ public:
 
     std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
                                                 ORVErrorSlot* error) override {
-        // O_NONBLOCK: opening a FIFO without a writer would wait for one.
+        // Without O_NONBLOCK, opening a FIFO would wait for a writer.
         const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
         FileDescriptor descriptor(uninterrupted([&] { return open(path.c_str(), flags); }));
         if (descriptor.number() < 0) {

@@ -6,7 +6,7 @@
 
 namespace platform {
 
-/// Autoreleased. Nil for bytes that are not UTF-8.
+/// Returns an autoreleased string, and nil for bytes that are not UTF-8.
 inline NSString* foundationString(std::string_view text) {
     return [[[NSString alloc] initWithBytes:text.data()
                                      length:text.size()

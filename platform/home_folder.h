@@ -4,11 +4,12 @@
 
 namespace platform {
 
-/// The user's home folder: `$HOME` where it is set and not empty, else what the password database
-/// says: first /etc/passwd itself, then, for a user who is not in it (as on a Mac), the C library,
-/// which may load modules and ask over a socket. An absolute path without a slash at its end (""
-/// for the root folder itself), so that "/name" can be appended; a relative `$HOME` counts from the
-/// working folder.
+/// Returns the user's home folder: `$HOME` if it is set and not empty, else that in /etc/passwd,
+/// and for a user who is not in that file (as on a Mac) that from the C library, which may load
+/// modules and open a socket.
+///
+/// The path is absolute and has no slash at its end, so that "/name" can be appended; for the root
+/// folder it is "". A relative `$HOME` is taken relative to the working folder.
 std::string homeFolder();
 
 }  // namespace platform

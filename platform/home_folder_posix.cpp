@@ -1,4 +1,4 @@
-// The home folder, without a socket where that can be: a name service may open one.
+// Looks up the home folder, if possible without a name service, which may open a socket.
 // Tests: tests/platform/linux_test.cpp.
 
 #include "platform/home_folder.h"
@@ -22,7 +22,8 @@ std::string workingFolder() {
     return folder ? folder.get() : "";
 }
 
-/// Of a line of the password file, "name:password:user:group:comment:home:shell", from 0.
+/// Returns a field of a line of the password file, "name:password:user:group:comment:home:shell".
+/// Fields are counted from 0.
 std::string_view field(std::string_view line, int number) {
     for (; number > 0; --number) {
         const std::size_t colon = line.find(':');
@@ -31,7 +32,7 @@ std::string_view field(std::string_view line, int number) {
     return line.substr(0, line.find(':'));
 }
 
-/// As the file says it; "" where the user is not in it.
+/// Returns the home folder that the file names, and "" when the user is not in it.
 std::string homeInPasswordFile() {
     constexpr std::size_t kLimitBytes = 1024 * 1024;
     const auto files = makeFiles();
@@ -48,7 +49,7 @@ std::string homeInPasswordFile() {
     return {};
 }
 
-/// From wherever the system keeps its users.
+/// Returns the home folder that the C library finds, and "" when it finds none.
 std::string homeInPasswordDatabase() {
     std::vector<char> buffer(16 * 1024);
     passwd entry{};

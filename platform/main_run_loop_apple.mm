@@ -1,3 +1,5 @@
+// Runs closures and timers on the main thread of a Mac. Tests: tests/appkit/appkit_test.mm.
+
 #import <Foundation/Foundation.h>
 
 #include "platform/dispatch_queue.h"
@@ -5,7 +7,7 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-/// What a timer calls. The timer keeps it alive.
+/// The target of a timer, which keeps it alive.
 @interface ORVTimerTarget : NSObject {
     std::function<void()> closure_;
 }
@@ -33,7 +35,8 @@ NS_ASSUME_NONNULL_END
 
 namespace {
 
-/// A timer on the main run loop. In the common modes, or it would rest while the menu is open.
+/// A timer on the main run loop, in the common modes: in others it would not fire while the menu is
+/// open.
 class MainTimer final : public ORVRepeatingTimer {
 public:
     MainTimer(std::chrono::milliseconds interval, std::function<void()> closure) {
@@ -60,7 +63,7 @@ private:
 }  // namespace
 
 void ORVMainRunLoop::turn(const Closure& closure) {
-    // The application drains its own pool only when an event comes, and none may come for hours.
+    // The application drains its own pool only after an event, and none may come for hours.
     @autoreleasepool {
         closure();
         if (turnEnd_) {

@@ -2,7 +2,7 @@
 
 namespace platform {
 
-/// The system's allocator does so by itself.
+/// The system's allocator returns freed memory by itself.
 void returnFreedMemory() {}
 
 }  // namespace platform

@@ -1,5 +1,5 @@
-// A loop that sleeps in one call for everything: posted closures and signals wake it through a
-// pipe. Tests: tests/shells/shells_test.cpp.
+// A loop that sleeps in one system call. Posted closures and signals wake it through a pipe.
+// Tests: tests/shells/shells_test.cpp.
 
 #include "platform/posix_run_loop.h"
 
@@ -24,8 +24,8 @@ public:
 
     Clock::time_point nextDue() const { return nextDue_; }
 
-    /// The closure, and the next firing in step with the first; those that were missed are left
-    /// out.
+    /// Returns the closure and sets the next firing, a multiple of the interval after the first.
+    /// Firings that were missed are left out.
     Closure takeDue(Clock::time_point now) {
         while (nextDue_ <= now) {
             nextDue_ += interval_ * std::max<Clock::rep>(1, (now - nextDue_) / interval_);
@@ -65,13 +65,13 @@ void ORVPosixRunLoop::post(Closure closure) {
     const std::lock_guard<std::mutex> lock(mutex_);
     posted_.push_back(std::move(closure));
     const char wake = 0;
-    // A full pipe wakes the loop as well.
+    // The write may fail because the pipe is full; the loop is awake then.
     [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_, &wake, 1);
 }
 
 void ORVPosixRunLoop::wakeFromSignal() {
     const int savedError = errno;
-    isSignalled_ = true;  // The pipe may be full; then it wakes the loop as well.
+    isSignalled_ = true;  // Set before the write, which wakes the loop or finds the pipe full.
     const char wake = 0;
     [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_, &wake, 1);
     errno = savedError;
@@ -112,7 +112,7 @@ void ORVPosixRunLoop::stop(int status) {
 }
 
 void ORVPosixRunLoop::dropClosures() {
-    // Moved out first: the objects that they keep alive may remove timers, or post, when they end.
+    // Moved out first, because destroying them may destroy objects that remove timers or post.
     std::vector<Closure> posted;
     {
         const std::lock_guard<std::mutex> lock(mutex_);

@@ -5,7 +5,8 @@
 
 namespace platform {
 
-/// The languages that the user prefers, most preferred first, as tags such as "zh-Hans-CN".
+/// Returns the languages that the user prefers, the most preferred first, as tags such as
+/// "zh-Hans-CN".
 std::vector<std::string> preferredLanguages();
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-// The list in the system's settings.
+// Reads the list in the system's settings. Tests: tests/platform/apple_test.mm.
 
 #import <Foundation/Foundation.h>
 

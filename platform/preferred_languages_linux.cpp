@@ -1,5 +1,5 @@
-// The environment's languages: those of LANGUAGE, a list with colons, else the locale of
-// messages. Tests: tests/platform/linux_test.cpp.
+// Reads the languages from the environment: from LANGUAGE, a list with colons, else from the locale
+// for messages. Tests: tests/platform/linux_test.cpp.
 
 #include <cstdlib>
 #include <string_view>
@@ -9,7 +9,7 @@
 namespace platform {
 namespace {
 
-/// "zh_CN.UTF-8" becomes "zh-CN"; "C" and "POSIX" are no language.
+/// Adds "zh-CN" for "zh_CN.UTF-8", and nothing for "C" and "POSIX".
 void addLanguage(std::string_view locale, std::vector<std::string>& languages) {
     std::string tag(locale.substr(0, locale.find_first_of(".@")));
     if (tag.empty() || tag == "C" || tag == "POSIX") {

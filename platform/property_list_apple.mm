@@ -1,4 +1,4 @@
-// Property lists through Foundation.
+// Reads property lists with Foundation. Tests: tests/platform/apple_test.mm.
 
 #import "platform/foundation_string_apple.h"
 #include "platform/property_list.h"
@@ -6,9 +6,9 @@
 namespace platform {
 namespace {
 
-/// Whether Foundation's reader may have the list: it calls itself for every level of an XML list,
-/// on a thread whose stack may be 512 KB. An application's list has three levels, and some dozens
-/// of containers in all.
+/// Whether the list can be passed to Foundation, which recurses for every level of an XML list on a
+/// thread whose stack may have 512 KB. An application's list has three levels and some dozens of
+/// containers.
 bool hasFewContainers(std::string_view list) {
     constexpr int kLimit = 512;
     int count = 0;
@@ -38,7 +38,7 @@ std::optional<std::string> propertyListString(std::string_view bytes, const std:
             return std::nullopt;
         }
         id value = [list objectForKey:foundationString(key)];
-        // Null also for a text that is no valid UTF-16 and so has no UTF-8.
+        // Null also for a text that is not valid UTF-16 and so cannot be written in UTF-8.
         const char* text = [value isKindOfClass:[NSString class]] ? [value UTF8String] : nullptr;
         return text ? std::optional<std::string>(text) : std::nullopt;
     }

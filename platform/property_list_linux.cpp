@@ -1,6 +1,6 @@
-// Property lists through pugixml, which neither recurses nor resolves entities of a document's own.
-// Only the XML form is read: on Linux the file exists only where somebody copied it.
-// Test: tests/platform/property_list_test.cpp.
+// Reads property lists with pugixml, which does not recurse and does not resolve a document's own
+// entities. The binary form is not read: Linux has such a file only when somebody copied it from a
+// Mac. Tests: tests/platform/property_list_test.cpp.
 
 #include <cstring>
 #include <pugixml.hpp>
@@ -15,7 +15,7 @@ bool isNamed(const pugi::xml_node& node, const char* name) {
     return std::strcmp(node.name(), name) == 0;
 }
 
-/// The whole text of an element, which comments and CDATA sections may divide.
+/// Returns the whole text of an element, which comments and CDATA sections may divide.
 std::string textOf(const pugi::xml_node& element) {
     std::string text;
     for (const pugi::xml_node& piece : element) {

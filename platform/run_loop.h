@@ -18,7 +18,8 @@ public:
 
     virtual ~ORVRunLoop() = default;
 
-    /// Runs the closure in a turn of its own, after those posted before. Any thread.
+    /// Runs the closure in a turn of its own, after those that were posted before. Can be called on
+    /// any thread.
     virtual void post(Closure closure) = 0;
 
     /// Runs the closure once, in a turn of its own, when this time has passed.

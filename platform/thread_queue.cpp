@@ -1,5 +1,5 @@
-// One thread that outlives its queue when it hangs: both share the state, and the thread alone
-// frees it. Tests: tests/shells/shells_test.cpp.
+// A queue with one thread. A thread that hangs may outlive the queue, so both share the state.
+// Tests: tests/shells/shells_test.cpp.
 
 #include "platform/thread_queue.h"
 
@@ -30,7 +30,7 @@ struct ThreadQueue::State {
             isRunning = true;
             lock.unlock();
             closure();
-            closure = nullptr;  // What it holds ends here, not under the lock.
+            closure = nullptr;  // Destroys what it holds before the lock is taken.
             lock.lock();
             isRunning = false;
             changed.notify_all();
@@ -47,7 +47,7 @@ ThreadQueue::ThreadQueue() : state_(std::make_shared<State>()) {
 }
 
 ThreadQueue::~ThreadQueue() {
-    std::deque<std::function<void()>> dropped;  // What they hold ends after the lock.
+    std::deque<std::function<void()>> dropped;  // Destroyed after the lock is released.
     const std::lock_guard<std::mutex> lock(state_->mutex);
     state_->isClosed = true;
     dropped.swap(state_->closures);

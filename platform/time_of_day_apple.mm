@@ -1,3 +1,5 @@
+// Writes the time in the locale's style, with Foundation. Tests: tests/platform/apple_test.mm.
+
 #import "platform/foundation_string_apple.h"
 #include "platform/time_of_day.h"
 
@@ -5,13 +7,13 @@ namespace platform {
 
 std::string mediumTimeOfDay(ORVFileDate date, const ORVTimeFormat& format) {
     @autoreleasepool {
-        // A fresh one for each time: it knows the time zone of the moment.
+        // A formatter keeps the time zone of the moment at which it is made.
         NSDateFormatter* formatter = [[[NSDateFormatter alloc] init] autorelease];
-        formatter.locale =
-            [[[NSLocale alloc] initWithLocaleIdentifier:foundationString(format.locale)] autorelease];
+        formatter.locale = [[[NSLocale alloc]
+            initWithLocaleIdentifier:foundationString(format.locale)] autorelease];
         formatter.dateStyle = NSDateFormatterNoStyle;
         formatter.timeStyle = NSDateFormatterMediumStyle;
-        // Whole seconds: a double would round the last nanoseconds of one up to the next.
+        // Whole seconds, because a double would round the last nanoseconds up to the next second.
         NSDate* second =
             [NSDate dateWithTimeIntervalSince1970:static_cast<NSTimeInterval>(date.seconds)];
         NSString* text = [formatter stringFromDate:second];

@@ -1,4 +1,4 @@
-// By the pattern: the C library's own locales are missing on a bare machine.
+// Writes the time by the language's pattern, since a bare machine lacks the C library's locales.
 // Tests: tests/platform/linux_test.cpp.
 
 #include <array>
@@ -14,7 +14,7 @@ std::string mediumTimeOfDay(ORVFileDate date, const ORVTimeFormat& format) {
     const std::time_t seconds = date.seconds;
     std::tm time{};
     if (!localtime_r(&seconds, &time)) {
-        time = std::tm{};  // A year beyond an int.
+        time = std::tm{};  // The year does not fit into an int.
     }
     std::array<char, 64> text{};
     const std::size_t length = std::strftime(text.data(), text.size(), format.pattern, &time);

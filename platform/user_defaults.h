@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// The user's settings, kept between runs. UI thread only.
+/// The user's settings, which are kept between runs. Used on the UI thread only.
 class ORVUserDefaults {
 public:
     virtual ~ORVUserDefaults() = default;
@@ -30,8 +30,8 @@ namespace platform {
 
 using ORVStoringFailureHandler = std::function<void(const ORVStoringFailure&)>;
 
-/// The settings of this user. `cannotStore` is called once at most, by the first setInteger that
-/// fails.
+/// Returns the settings of this user. `cannotStore` is called at most once, by the first setInteger
+/// that fails.
 std::unique_ptr<ORVUserDefaults> standardUserDefaults(ORVStoringFailureHandler cannotStore);
 
 /// Returns where the settings are stored, for a person to read: a path, or the name of a domain.

@@ -12,7 +12,7 @@ class DomainDefaults final : public ORVUserDefaults {
 public:
     DomainDefaults() {
         @autoreleasepool {
-            // The program whose domain it is may not open it by name.
+            // A program must not open its own domain by name.
             isOwnDomain_ = [[[NSBundle mainBundle] bundleIdentifier] isEqualToString:kDomain];
             defaults_ = isOwnDomain_ ? [[NSUserDefaults standardUserDefaults] retain]
                                      : [[NSUserDefaults alloc] initWithSuiteName:kDomain];
@@ -36,7 +36,7 @@ public:
         @autoreleasepool {
             [defaults_ setInteger:static_cast<NSInteger>(value) forKey:foundationString(key)];
             if (!isOwnDomain_) {
-                [defaults_ synchronize];  // A tool may end before the system has heard of it.
+                [defaults_ synchronize];  // Else a short-lived tool might end before it is stored.
             }
         }
     }
@@ -48,7 +48,7 @@ private:
 
 }  // namespace
 
-/// The system tells nobody when it cannot store a setting.
+/// `cannotStore` is never called, because the system does not report such failures.
 std::unique_ptr<ORVUserDefaults> standardUserDefaults(ORVStoringFailureHandler) {
     return std::make_unique<DomainDefaults>();
 }

@@ -1,10 +1,11 @@
 // Settings on Linux: one JSON object in "brimlet/defaults.json" of the user's configuration folder.
-// It is written beside its place and renamed over it, so that it is stored whole or not at all.
+// A new file is written beside the old one and renamed over it, so that the object is stored whole
+// or not at all.
 //
-// The item that stands in its place may be something else: a link to a device, to another user's
-// file when root runs with that user's home, to a file of another program. Only a regular
-// file of this user that already is such an object is ever replaced; keys of others and the mode
-// stay. Everything else is left alone and named. Tests: tests/platform/linux_test.cpp.
+// Something else may stand at that path: a link to a device, to another user's file when root runs
+// with that user's home, or to a file of another program. Therefore only a regular file of this
+// user that already holds such an object is replaced; keys of others and the mode stay. Everything
+// else is left alone and named. Tests: tests/platform/linux_test.cpp.
 
 #include <fcntl.h>
 #include <simdjson.h>
@@ -31,7 +32,7 @@ constexpr std::size_t kLimitBytes = 64 * 1024;
 
 std::string settingsFolder() {
     const char* variable = std::getenv("XDG_CONFIG_HOME");
-    const bool isUsable = variable && *variable == '/';  // A relative one is to be ignored.
+    const bool isUsable = variable && *variable == '/';  // The XDG rules ignore a relative path.
     return (isUsable ? variable : homeFolder() + "/.config") + "/brimlet";
 }
 
@@ -60,9 +61,9 @@ struct Descriptor {
 /// The settings as they are stored.
 struct StoredSettings {
     std::string content = "{}";
-    std::string path;  ///< The file itself, behind a link.
+    std::string path;  ///< The path of the file itself, links followed.
     mode_t mode = 0600;
-    std::string refusal;  ///< Why the file must stay as it is; "" where it may be replaced.
+    std::string refusal;  ///< Why the file must not be replaced; "" when it may.
 };
 
 std::string bytesOf(int descriptor) {
@@ -139,7 +140,7 @@ std::int64_t integerOf(const dom::element& value) {
     }
 }
 
-/// The object with this number under the key, and its other fields as they were.
+/// Returns the object with this number under the key. Its other fields stay as they are.
 std::string withInteger(const std::string& content, std::string_view key, std::int64_t value) {
     dom::parser parser;
     dom::object settings;
@@ -155,7 +156,8 @@ std::string withInteger(const std::string& content, std::string_view key, std::i
     return '{' + fields + text::quotedJSON(key) + ':' + std::to_string(value) + "}\n";
 }
 
-/// Makes the folder and those above it, but not the user's home; 0, or the errno of the failure.
+/// Makes the folder and those above it, but not the user's home. Returns 0, or the errno of the
+/// failure.
 int makeFolders(const std::string& path) {
     if (access(path.c_str(), F_OK) == 0) {
         return 0;
@@ -182,7 +184,8 @@ bool writeDurably(int descriptor, std::string_view bytes) {
     return fsync(descriptor) == 0;
 }
 
-/// 0, or the errno of the failure.
+/// Writes the content beside the file and renames it over the file. Returns 0, or the errno of the
+/// failure.
 int replaceFile(const StoredSettings& settings, const std::string& content) {
     std::string temporary = settings.path + ".XXXXXX";
     const Descriptor file{mkostemp(temporary.data(), O_CLOEXEC)};

@@ -3,7 +3,7 @@
 // time, with a harmless number in the place of each that cannot be held.
 //
 // Works alike with simdjson 3.0 and 4.x, which name these refusals differently and treat a byte
-// order mark differently. Tests: tests/sessions/json_object_test.cpp, fuzz/session_line.cpp.
+// order mark differently. Tests: tests/sessions/json_object_test.cpp, fuzz/session_lines.cpp.
 
 #include "sessions/json_object.h"
 

@@ -20,7 +20,7 @@ void ORVByteBuffer::append(std::string_view bytes) {
     }
     std::memcpy(data_ + size_, bytes.data(), bytes.size());
     size_ += bytes.size();
-    // The bytes beyond the end are read by vector code: never leave them undefined.
+    // Vector code reads the bytes beyond the end; they must be defined.
     std::memset(data_ + size_, 0, kReadableBytesBeyond);
 }
 

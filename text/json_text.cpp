@@ -1,4 +1,4 @@
-// JSON as scripts read it: one value at a time, no spaces, strings in valid UTF-8.
+// Writes JSON for scripts: without spaces, with strings in valid UTF-8.
 // Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "text/json_text.h"
@@ -24,7 +24,7 @@ std::string escaped(char c) {
     return code.data();
 }
 
-/// The fewest digits that read back as the value, in the form "d.ddde+xx".
+/// Returns the fewest digits that read back as the value, in the form "d.ddde+xx".
 std::string shortestDigits(double value) {
     constexpr int kDigitsOfEveryDouble = 17;
     std::array<char, 64> text{};

@@ -1,6 +1,5 @@
-// Searches a chunk as a whole and cuts out only the lines in which something was found: most
-// lines of a session file are never looked at one by one.
-// Tests: tests/text/marked_lines_test.cpp.
+// Searches a whole chunk and cuts out only the lines in which a marker was found, so that most
+// lines of a session file are never handled one by one. Tests: tests/text/marked_lines_test.cpp.
 
 #include "text/marked_lines.h"
 
@@ -17,8 +16,8 @@ const char* findLineFeed(const char* begin, const char* end) {
     return found ? static_cast<const char*>(found) : end;
 }
 
-/// The byte after the last line feed of [begin, end), or `begin`. Steps back block by block, since
-/// only the search forward is fast everywhere.
+/// Returns the byte after the last line feed of [begin, end), else `begin`. The search steps back
+/// block by block and looks forward in each, since only memchr is fast on every system.
 const char* lineStartBefore(const char* begin, const char* end) {
     while (end != begin) {
         const char* block = end - std::min(static_cast<std::size_t>(end - begin), kStepBytes);
@@ -56,7 +55,7 @@ void consumeChunk(ORVByteBuffer& pending, std::string_view chunk, const ORVMarke
     }
     const char* const restStart = lineStartBefore(position, end);
     while (position != restStart) {
-        // The range ends behind a line feed, so that a marker found in it has its whole line there.
+        // The range ends after a line feed, so the line of every marker in it is complete.
         const char* marker = markers.find(position, restStart);
         if (marker == restStart) {
             break;

@@ -8,16 +8,15 @@
 
 namespace text {
 
-/// Cuts the next bytes of a file into lines and hands over, whole and in order, each line that
-/// holds one of the markers; the line feed is cut off, nothing else. Lines without a marker are
-/// passed over without being cut.
+/// Finds, in the next bytes of a file, each line that holds one of the markers and calls
+/// `consumeLine` with it, without its line feed. Lines without a marker are passed over without
+/// being cut out.
 ///
-/// `pending` is the beginning of a line whose line feed has not arrived; it never holds one, and
-/// each byte is searched for one once. Afterwards it holds what follows the last line feed.
+/// `pending` holds the beginning of a line whose line feed has not arrived, and after the call what
+/// follows the chunk's last line feed. No byte is searched twice for a line feed.
 ///
-/// The memory for 64 bytes past a line's end may be read by whoever consumes it, so the chunk must
-/// be followed by ORVByteBuffer::kReadableBytesBeyond readable bytes. The line is valid during the
-/// call only.
+/// ORVByteBuffer::kReadableBytesBeyond readable bytes must follow the chunk, because consumers may
+/// read as far beyond a line's end. A line is valid during the call of `consumeLine` only.
 void consumeChunk(ORVByteBuffer& pending, std::string_view chunk, const ORVMarkerSearch& markers,
                   const std::function<void(std::string_view line)>& consumeLine);
 

@@ -7,8 +7,8 @@
 #include "text/marker_search.h"
 
 /// The inner loop of ORVMarkerSearch, compiled once for every vector width. Everything here has
-/// internal linkage and calls nothing but the C library: a function compiled for a wider processor
-/// must not be the one that the linker keeps for all.
+/// internal linkage and calls only the C library. Otherwise the linker could keep, for all
+/// processors, a function that was compiled for the wider vectors.
 namespace text {
 namespace {
 
@@ -29,7 +29,7 @@ public:
     MarkerScan(const ScannedMarker* markers, std::size_t count, const char* begin, const char* end)
         : markers_(markers), count_(count), begin_(begin), end_(end) {}
 
-    /// With the number of markers known to the compiler the compared bytes stay in registers.
+    /// When the compiler knows the number of markers, it keeps the compared bytes in registers.
     const char* run() const {
         static_assert(ORVMarkerSearch::kMostMarkers == 4);
         switch (count_) {
@@ -46,8 +46,8 @@ public:
 
 private:
     using Bytes = typename VectorOf<Width>::Bytes;
-    /// The question whether anything was found costs as much as comparing one vector, so it is
-    /// asked once for a block of several.
+    /// Testing whether anything was found costs as much as comparing one vector, so it is done once
+    /// for a block of several vectors.
     static constexpr std::size_t kBlockBytes = 128;
     static constexpr std::size_t kVectors = kBlockBytes / Width;
 

@@ -1,4 +1,4 @@
-// Chooses the width of the vectors once, by the processor.
+// Chooses the width of the vectors once, for the processor at hand.
 // Tests: tests/text/marked_lines_test.cpp.
 
 #include "text/marker_search.h"

@@ -1,4 +1,4 @@
-// Compiled with AVX2 enabled; everything in here is called only where the processor has it.
+// Compiled for AVX2, so that these functions may be called only on processors that have it.
 
 #include "text/marker_scan.h"
 #include "text/marker_search_wide.h"

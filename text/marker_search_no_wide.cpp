@@ -1,5 +1,5 @@
-// For processors whose widest vectors of bytes are 16 bytes, and for builds of several processors
-// at once, which take the common width.
+// For processors whose vectors have 16 bytes, and for builds for several processors at once, which
+// use the width that all have.
 
 #include <cassert>
 

@@ -4,10 +4,10 @@
 
 namespace text {
 
-/// Whether findMarkerWide may be called: this processor compares 32 bytes at once.
+/// Whether this processor can compare 32 bytes at once, so that findMarkerWide may be called.
 bool wideScanIsAvailable();
 
-/// The marker in [begin, end) whose rare byte comes first, or `end`, 32 bytes at once.
+/// Does what ORVMarkerSearch::find does, 32 bytes at once.
 const char* findMarkerWide(const ScannedMarker* markers, std::size_t count, const char* begin,
                            const char* end);
 

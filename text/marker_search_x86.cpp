@@ -1,3 +1,6 @@
+// Asks the processor for AVX2; compiled for the oldest one. Tests:
+// tests/text/marked_lines_test.cpp.
+
 #include "text/marker_search_wide.h"
 
 namespace text {

@@ -1,4 +1,4 @@
-// Names and folders of paths by bytes; std::filesystem would order and compare by component.
+// Takes paths apart as bytes. std::filesystem would order and compare them by component.
 // Tests: tests/text/unicode_test.cpp.
 
 #include "text/paths.h"

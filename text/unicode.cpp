@@ -1,4 +1,5 @@
-// UTF-8 through utf8proc. Plain ASCII, which most text is, is passed over eight bytes at a time.
+// Handles UTF-8 with utf8proc. Plain ASCII, the most frequent text, is passed over eight bytes at a
+// time.
 // Tests: tests/text/unicode_test.cpp.
 
 #include "text/unicode.h"
@@ -27,7 +28,8 @@ bool isASCII(char c) {
     return static_cast<unsigned char>(c) < 0x80;
 }
 
-/// How many bytes at the beginning of a text are ASCII, eight at a time: at most seven fewer.
+/// Returns how many bytes at the beginning of a text are ASCII, or up to seven fewer: eight bytes
+/// are tested at a time.
 std::size_t asciiBytes(std::string_view text) {
     std::size_t count = 0;
     std::uint64_t eight = 0;
@@ -46,8 +48,8 @@ bool isASCII(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return isASCII(c); });
 }
 
-/// How many bytes of an ill-formed sequence one U+FFFD stands for: as many as could have begun a
-/// character, at least one.
+/// Returns how many bytes of an ill-formed sequence one U+FFFD replaces: those that could have
+/// begun a character, but at least one.
 std::size_t illFormedLength(std::string_view bytes) {
     const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const unsigned char lead = byteAt(0);

@@ -19,17 +19,17 @@ bool containsIgnoringCase(std::string_view text, std::string_view needle);
 /// line end is not.
 std::size_t findWhiteSpace(std::string_view text, std::size_t start = 0);
 
-/// Hands over the lines of a text, ends cut off: LF, CR, CR LF, U+0085, U+2028 and U+2029 each end
-/// a line. What follows the last end is a line too unless it is empty.
+/// Calls `visit` with each line of a text, without its end: LF, CR, CR LF, U+0085, U+2028 and
+/// U+2029 each end a line. What follows the last end is a line, too, unless it is empty.
 void forEachLine(std::string_view text, const std::function<void(std::string_view)>& visit);
 
-/// The text with U+FFFD in place of every maximal piece of bytes that is not UTF-8, as a decoder
-/// would show it.
+/// Returns the text with U+FFFD in the place of bytes that are not UTF-8, one for every longest
+/// sequence that could have begun a character.
 std::string withInvalidBytesReplaced(std::string_view bytes);
 
-/// Like withInvalidBytesReplaced, and with a space in place of every character that could steer a
-/// terminal or the text around it: control characters (C0, DEL, C1), separators of lines and
-/// paragraphs, and those that embed, override or isolate a direction.
+/// Does what withInvalidBytesReplaced does, and puts a space in the place of every character that
+/// could steer a terminal or the text around it: control characters (C0, DEL, C1), separators of
+/// lines and paragraphs, and those that embed, override or isolate a direction.
 std::string forTerminal(std::string_view bytes);
 
 }  // namespace text
