@@ -1,15 +1,17 @@
-// Writes data of the shape that the agent and its desktop application write, the same for the same
-// seed: session files, or desktop logs.
+// Writes session files or desktop logs of the shape that the agent and its desktop application
+// write. The same seed gives the same files.
 //
 //     generate sessions FOLDER MEGABYTES SEED [TASKS]
 //     generate logs FOLDER MEGABYTES SEED
 //
-// FOLDER becomes a home folder. Session files, of one task unless told otherwise: a first line of
-// up to 25 KB that tells the folder that the task works in; turns of messages, tool calls and their
-// outputs; a token count after each answer; and now and then a compaction, whose record repeats the
-// conversation and is the longest line (up to 2 MB), nearly a fifth of all bytes. Some messages
-// talk about compaction. With fewer megabytes than that takes, a file has its first line only.
-// Logs: 200-byte lines of which one in a hundred is about focus.
+// FOLDER becomes a home folder. The session files belong to one task unless a number of tasks is
+// given. A file has a first line of up to 25 KB, which names the task's working folder; turns of
+// messages, tool calls and their outputs; a token count after each answer; and now and then a
+// compaction, whose record repeats the conversation and is the longest line (up to 2 MB). These
+// records are nearly a fifth of all bytes, and a quarter where files are small. Some messages talk
+// about compaction. When MEGABYTES is too small, files have their first line only.
+//
+// The logs have lines of 200 bytes, of which one in a hundred is about focus.
 
 #include <algorithm>
 #include <cstdint>
@@ -23,7 +25,7 @@
 
 namespace {
 
-/// SplitMix64: the standard distributions differ between libraries.
+/// SplitMix64, since the standard distributions differ between libraries.
 class Random {
 public:
     explicit Random(std::uint64_t seed) : state_(seed) {}
@@ -43,7 +45,7 @@ private:
     std::uint64_t state_;
 };
 
-/// Sentences, code and tool output as they stand inside a JSON string.
+/// Writes sentences, code and tool output, escaped for a JSON string.
 class Prose {
 public:
     explicit Prose(Random& random) : random_(random) {
@@ -97,7 +99,7 @@ std::string threadID(std::uint64_t task) {
     return "01a20e72-983b-7e83-81c7-" + std::to_string(100'000'000'000 + task);
 }
 
-/// Lines of one kind of file, into files of a limited size.
+/// Writes lines into files of a limited size.
 class Lines {
 public:
     explicit Lines(std::string path) : path_(std::move(path)) {}
@@ -124,7 +126,7 @@ private:
     std::uint64_t bytes_ = 0;
 };
 
-/// The session files of one task.
+/// Writes the session files of one task.
 class SessionWriter {
 public:
     SessionWriter(const std::string& home, std::uint64_t task, Random& random, Prose& prose)
@@ -147,7 +149,7 @@ public:
     }
 
 private:
-    /// "11/24": twenty tasks a day.
+    /// Returns a day such as "11/24"; each day has twenty tasks.
     std::string day() const {
         const std::uint64_t day = task_ / 20;
         return std::to_string(10 + day / 28) + '/' + std::to_string(10 + day % 28);
@@ -159,7 +161,7 @@ private:
                R"(","payload":{)";
     }
 
-    /// The folder stands before the instructions or behind them.
+    /// The working folder stands before the instructions or after them.
     void firstLine() {
         const std::string folder =
             R"("cwd":")" + home_ + "/code/project-" + std::to_string(task_ % 50) + "\",";

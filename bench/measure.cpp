@@ -1,10 +1,10 @@
-// Runs two commands in turn and compares them: a machine's speed changes from minute to minute, so
-// only runs that alternate can be compared.
+// Runs two commands in turn and compares them. A machine's speed changes from minute to minute, so
+// only alternating runs can be compared.
 //
 //     measure ROUNDS COMMAND... --- COMMAND...
 //
 // Prints the median wall time and the largest resident memory of each, and how many times as fast
-// the first is as the second. Their output goes into a pipe and is thrown away.
+// the first is as the second. The output of both is read from a pipe and dropped.
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -83,7 +83,7 @@ int main(int argumentCount, char** arguments) {
     }
     for (Runs& runs : both) {
         runs.command.push_back(nullptr);
-        runOnce(runs);  // Brings files and program into memory; not counted.
+        runOnce(runs);  // Not counted: it brings files and program into memory.
         runs.milliseconds.clear();
     }
     for (int round = 0; round < rounds; ++round) {

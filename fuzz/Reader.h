@@ -7,7 +7,7 @@
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"
 
-/// Both sources, and all that they say.
+/// Both sources over one disk, and everything that they answer.
 class Reader {
 public:
     static constexpr const char* kTasks[] = {records::kTask, records::kOther, "notes"};

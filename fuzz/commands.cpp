@@ -1,5 +1,5 @@
-// Any bytes on the standard input of `query` and of `watch --json`: every line is dealt with, and
-// everything that is written is a line of JSON.
+// Passes any bytes to the standard input of `query` and of `watch --json`. Every line must be
+// handled, and everything that is written must be a line of JSON.
 
 #include <simdjson.h>
 #include <stdio.h>
@@ -18,7 +18,7 @@
 
 namespace {
 
-/// A home with a task in view.
+/// A home in which a task is in view.
 void fill(MemoryFiles& disk) {
     setenv("HOME", "/h", 1);
     disk.write(std::string("/h/.codex/sessions/") + records::kTask + ".jsonl",
@@ -37,7 +37,7 @@ void expectLinesOfJSON(const std::string& output, std::size_t count) {
     }
 }
 
-/// What `query` writes to standard output. The file that takes it has no name.
+/// Returns what `query` writes to standard output, which is redirected to a file without a name.
 std::string answersTo(std::string queries) {
     static std::FILE* const file = std::tmpfile();
     static const bool isTaken = dup2(fileno(file), STDOUT_FILENO) == STDOUT_FILENO;
@@ -55,7 +55,7 @@ std::string answersTo(std::string queries) {
     return output;
 }
 
-/// What the status item looks like after each command that a reader of commands hands over.
+/// Returns the status item's JSON after each command that ORVCommandInput has read.
 std::string shownAfter(const std::string& commands, std::size_t count) {
     int ends[2];
     fuzz::expect("there are descriptors left", pipe(ends) == 0);

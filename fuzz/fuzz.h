@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-/// What fuzz targets share. A target gets bytes and ends the program when a law does not hold.
+/// Functions for all fuzz targets. A target ends the program when its bytes break a law.
 namespace fuzz {
 
-/// Ends the program when the two are not the same, under a debugger and in NDEBUG builds alike.
+/// Ends the program when the two differ, in NDEBUG builds as well.
 inline void expectEqual(const std::string& law, const std::string& one, const std::string& other) {
     if (one != other) {
         std::fprintf(stderr, "not so: %s\n%s\n%s\n", law.c_str(), one.c_str(), other.c_str());
@@ -23,13 +23,13 @@ inline void expect(const std::string& law, bool holds) {
     expectEqual(law, "", holds ? "" : "(it does not hold)");
 }
 
-/// The bytes of one input, bounded, so that no input takes long.
+/// Returns the bytes of one input, cut to a length that takes little time.
 inline std::string text(const std::uint8_t* data, std::size_t size) {
     constexpr std::size_t kLimitBytes = 8192;
     return {reinterpret_cast<const char*>(data), size < kLimitBytes ? size : kLimitBytes};
 }
 
-/// What stands between line feeds.
+/// Returns the texts between line feeds.
 inline std::vector<std::string> lines(std::string_view text) {
     std::vector<std::string> found(1);
     for (const char c : text) {

@@ -1,6 +1,7 @@
-// Large arrays for programs under AddressSanitizer that search: always the same few pieces of
-// memory. The JSON parser gets fifty megabytes anew in every refresh and touches little of them;
-// marking them as allocated and as freed would take longer than everything else together.
+// Makes large arrays cheap under AddressSanitizer, for fuzzing only: the same few blocks of memory
+// are used again and again. The JSON parser allocates fifty megabytes in every refresh and touches
+// little of them; marking them as allocated and freed would take longer than everything else
+// together.
 
 #include <sys/mman.h>
 

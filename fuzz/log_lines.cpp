@@ -1,4 +1,4 @@
-// Every line of the input as a line of a desktop log.
+// Takes every line of the input for a line of a desktop log.
 
 #include <map>
 
@@ -8,10 +8,11 @@
 
 namespace {
 
-/// The current event and all windows after these lines, each of which stands there so many times.
+/// Returns the current event and all windows after these lines, each of them repeated so many
+/// times.
 std::string meaning(const std::vector<std::string>& lines, int times, const std::string& ending) {
     MemoryFiles disk;
-    disk.write("/logs/empty.log", "");  // Without a log there is no answer.
+    disk.write("/logs/empty.log", "");  // Without any log there would be no answer.
     ORVCodexFocusLogSource source(disk, "/logs", "/Info.plist");
     ORVFocusLogFileState file;
     for (const std::string& line : lines) {

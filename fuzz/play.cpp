@@ -1,9 +1,10 @@
-// Whatever happens to the files while Brimlet looks on, once all is well again it says what it says
-// that reads everything for the first time. The input's bytes decide what happens.
+// Changes files and brings about faults while long-lived sources follow them; the input's bytes
+// decide what happens. When all faults are over, those sources must answer what fresh ones do.
 //
-// Some things cannot be made up for, and do not happen here: a file that grows after it was
-// shortened in place and before anybody looked; a file replaced while its number was not told. Of
-// the logs the latest event stays, also when its file does not; so the logs end with later ones.
+// Two things cannot be noticed later and so do not happen here: a file that grows after it was
+// shortened in place, with no refresh in between; and a file that is replaced while the file system
+// tells no numbers. The latest event of the logs stays even when its file is removed, so every play
+// ends with a later one.
 
 #include "fuzz/Reader.h"
 #include "fuzz/fuzz.h"
@@ -44,7 +45,7 @@ public:
     void step() {
         path_ = below(4) == 0 ? pick(kFiles) : path_;
         const std::string content = contentOf(path_);
-        // What is begun by half a line would begin with a time that is none.
+        // After half a line, the first word of this one would not be a time.
         const std::size_t lineStart = content.rfind('\n', below(256) * content.size() / 256) + 1;
         switch (below(16)) {
             case 0:
@@ -88,10 +89,10 @@ public:
         }
     }
 
-    /// Heals and ends everything, and lets both readers answer.
+    /// Ends all faults, completes half lines, and compares the answers of both readers.
     void settle() {
         disk_.failingCall = 0;
-        clock_.time = latest_ += std::chrono::seconds(10);  // A search is kept so long.
+        clock_.time = latest_ += std::chrono::seconds(10);  // A search is kept for ten seconds.
         disk_.append("/codex/session_index.jsonl", "\n");
         std::string story = "activity TASK";
         for (std::size_t i = below(4) + 1; i > 0; --i) {
@@ -105,7 +106,7 @@ public:
     }
 
 private:
-    /// From 0 to bound - 1; the bound is at most 256.
+    /// Returns a number from 0 to bound - 1; the bound is at most 256.
     std::size_t below(std::size_t bound) {
         return choicesAreLeft() ? static_cast<unsigned char>(choices_[next_++]) % bound : 0;
     }
@@ -130,7 +131,7 @@ private:
         return text;
     }
 
-    /// Appends lines, or a part of them, or the rest of those that were begun.
+    /// Appends lines, or a part of them, or the rest of lines that were begun.
     void extend() {
         std::string& rest = unwritten_[path_];
         rest += rest.empty() ? lines() : "";
@@ -148,7 +149,7 @@ private:
         }
     }
 
-    /// To a path of its own: no path ever has the same file again.
+    /// Moves a file to a new path: no path ever gets the same file again.
     void rename() {
         if (!disk_.items().contains(path_)) {
             return;
@@ -162,7 +163,7 @@ private:
         path_ = path;
     }
 
-    const std::string choices_;  ///< Each byte decides something.
+    const std::string choices_;  ///< Each byte makes one choice.
     std::size_t next_ = 0;
     MemoryFiles disk_;
     ManualClock clock_;

@@ -1,4 +1,5 @@
-// Any bytes as a property list, XML or binary: an answer is text, and the same every time.
+// Takes any bytes for a property list, XML or binary. An answer must be text, and the same every
+// time.
 
 #include "platform/property_list.h"
 

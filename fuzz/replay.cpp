@@ -1,5 +1,4 @@
-// Runs a fuzz target over every file of a folder, so that whatever was found once is tried in every
-// test run.
+// Runs a fuzz target over every file of a folder, so that every test run tries what was found once.
 
 #include <cstdint>
 #include <cstdio>

@@ -1,4 +1,4 @@
-// Every line of the input as a record of a session file.
+// Takes every line of the input for a record of a session file.
 
 #include <simdjson.h>
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// What a session file of this one line, so many times, amounts to.
+/// Returns the figures of a session file that holds this line so many times.
 std::string meaning(const std::string& line, int times) {
     static MemoryFiles disk;
     static const ManualClock clock;
@@ -35,8 +35,8 @@ std::string meaning(const std::string& line, int times) {
            std::to_string(state.contextStatus) + ' ' + std::to_string(usage.percentage());
 }
 
-/// The object with its members as they stand and the other way round; nothing for what is no
-/// object, or has a member twice.
+/// Returns the object with its members in their order and in the reverse order; nothing for a text
+/// that is not an object or has a member twice.
 std::pair<std::string, std::string> turned(const std::string& line) {
     simdjson::dom::parser parser;
     std::pair<std::string, std::string> both;

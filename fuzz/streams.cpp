@@ -1,5 +1,5 @@
-// Files that grow piece by piece say what the whole says. In the input a zero byte stands for a
-// look at the files; the rest is a session file and a log.
+// Files that grow piece by piece must give the figures of the whole. The input is a session file
+// and a log; a zero byte in it stands for a refresh.
 
 #include "fuzz/Reader.h"
 #include "fuzz/fuzz.h"

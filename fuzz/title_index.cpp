@@ -1,4 +1,4 @@
-// Any bytes as the title index.
+// Takes any bytes for the title index.
 
 #include "fuzz/fuzz.h"
 #include "sessions/ORVCodexSessionSource.h"

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Every include points one way: ctl -> shells -> app -> sessions, focus, l10n -> platform -> text.
-# What a folder may include of the others is listed; the core sees no shell and no platform source.
+# Checks that includes point one way: ctl -> shells -> app -> sessions, focus, l10n -> platform -> text.
+# Each folder is listed with those that it may include.
 set -eu
 cd "$(dirname "$0")/.."
 failed=0
@@ -30,7 +30,7 @@ check shells app sessions focus l10n platform text
 check ctl shells app sessions focus l10n platform text
 check fuzz tests/support ctl shells app sessions focus l10n platform text
 
-# A Mac's frameworks stand where nothing else of the program can meet them.
+# Only the AppKit shell and the Mac's sources of platform/ include a Mac's frameworks.
 wrong=$(grep -rnE '^#(import|include) <(AppKit|Foundation)/' app ctl focus fuzz l10n platform sessions shells text |
     grep -vE '^(shells/appkit/|platform/[a-z_]*_apple\.)' || true)
 if [ -n "$wrong" ]; then

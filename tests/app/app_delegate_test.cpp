@@ -36,7 +36,7 @@ protected:
         around.disk.append(kLog, log("1 activity TASK"));
     }
 
-    /// Lets the refresh that was dispatched run and its results arrive.
+    /// Runs the dispatched refresh and delivers its results.
     void finishRefresh() {
         ASSERT_EQ(1U, around.dispatched.size()) << "one refresh is under way";
         around.runDispatched();
@@ -58,15 +58,15 @@ protected:
 
     std::string barTitle() const { return app->statusItem().title; }
 
-    /// The refresh item's title and image, and whether it can be chosen.
+    /// Returns the refresh item's title and image, and whether it can be chosen.
     std::string refreshItem() const {
         const ORVMenuItem& refresh = item("refreshItem");
         EXPECT_EQ(refresh.title, refresh.image->description);
         return refresh.title + " " + refresh.image->name + (refresh.enabled ? "" : " disabled");
     }
 
-    /// The titles of the information lines that are shown. Which space stands before AM differs
-    /// from system to system.
+    /// Returns the titles of the visible information lines, with a plain space before AM: systems
+    /// use different ones.
     std::string lines() const {
         std::string text;
         for (const char* field :

@@ -15,7 +15,7 @@ using records::kTask;
 using records::log;
 using Fault = MemoryFiles::Fault;
 
-/// Both sources over files of both kinds, and what they say.
+/// Both sources over files of both kinds, and what they answer.
 class World {
 public:
     World() {
@@ -31,7 +31,7 @@ public:
         disk.write(kIndex, records::title(kTask, "first"));
     }
 
-    /// What the applications write while Brimlet looks on: more, another file, and less.
+    /// Changes the files as the applications do: one grows, one is replaced, one is shortened.
     void goOn() {
         disk.append("/logs/b.log", log("3 route /local/OTHER") + "4 half of a li");
         disk.replace("/logs/old/a.log",
@@ -54,7 +54,7 @@ public:
 private:
     static constexpr const char* kIndex = "/codex/session_index.jsonl";
 
-    /// More than is read at once.
+    /// A text that is longer than one chunk.
     static std::string padding() { return records::message(std::string(140'000, 'x')); }
     static std::string file(const std::string& name, const std::string& task = kTask) {
         return "/codex/sessions/" + name + "/" + task + ".jsonl";
@@ -66,7 +66,7 @@ private:
 
 struct Case {
     Fault fault;
-    bool isSeen;  ///< Whether it shows in the answer that it happened to.
+    bool isSeen;  ///< Whether it shows in the answer of the refresh in which it happens.
 };
 
 constexpr Case kCases[] = {
@@ -74,8 +74,8 @@ constexpr Case kCases[] = {
     {Fault::smallerSize, true},   {Fault::noSize, true},       {Fault::noDate, true},
     {Fault::noFileNumber, false}, {Fault::shortRead, false},   {Fault::earlyEnd, true}};
 
-/// The next refresh, with nothing wrong, must say what it would have said anyway. Lets the fault
-/// happen at every call of the first refresh, or of the one after the files changed.
+/// Brings about the fault at every call of the first refresh, or of the one after the files
+/// changed. The next refresh, without a fault, must answer as if nothing had happened.
 void sweep(const Case& c, bool afterChange) {
     const auto prepare = [afterChange](World& world) {
         if (afterChange) {
@@ -99,7 +99,7 @@ void sweep(const Case& c, bool afterChange) {
         wasUntouched = faulty.disk.calls < faulty.disk.failingCall;
         faulty.disk.failingCall = 0;
         if (c.fault == Fault::unseenFolder) {
-            faulty.clock.time += std::chrono::seconds(11);  // A search is good for ten.
+            faulty.clock.time += std::chrono::seconds(11);  // A search is kept for ten seconds.
         }
         ASSERT_EQ(expected, faulty.refresh()) << "at call " << call;
     }
@@ -108,14 +108,14 @@ void sweep(const Case& c, bool afterChange) {
 }
 
 TEST(RefreshStepTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
-    constexpr int kAttributesOfTheLog = 3;  // After the property list and the walk.
+    constexpr int kAttributesOfTheLog = 3;  // The calls before it: property list and walk.
     constexpr const char* kLog = "/logs/main.log";
     const std::string file = std::string("/codex/sessions/") + kTask + ".jsonl";
     MemoryFiles disk;
     const ManualClock clock;
     ORVCodexSessionSource sessions(disk, clock, "/codex");
     ORVCodexFocusLogSource focus(disk, "/logs", "/Info.plist");
-    /// The focus status, the task whose snapshot there is, and the error.
+    /// Returns the focus status, the snapshot's task, and the error.
     const auto refresh = [&](int failingCall) {
         disk.failingCall = failingCall == 0 ? 0 : disk.calls + failingCall;
         const ORVRefreshResults results = app::refreshFromFiles(focus, sessions);

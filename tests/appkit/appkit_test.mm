@@ -1,6 +1,6 @@
-// The menu-bar shell's own sources under GNUstep: what they make of the application's menu, what
-// comes back when something is chosen, and what they ask the system for. How it looks on a Mac, and
-// what a Mac does with it, no test here can tell.
+// Runs the menu-bar shell's own sources under GNUstep: how they show the application's menu, what
+// they do when an item is chosen, and what they ask of the system. No test here can tell how it
+// looks on a Mac, or what a Mac does with it.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
 
-/// Lets the test compare what is shown with what was to be shown.
+/// Gives the test access to the application and the controller.
 @interface ORVApplicationDelegate (Test)
 - (ORVAppDelegate&)application;
 @end
@@ -44,7 +44,7 @@ protected:
         home.append(kLog, records::log("1 activity TASK"));
     }
     ~AppKitTest() override {
-        // What is under way refers to the application's host.
+        // Closures that have not run yet use the application's host.
         dispatch_stand_in_finish();
         while (dispatch_stand_in_run_delayed() != 0) {
         }
@@ -53,7 +53,7 @@ protected:
         [pool release];
     }
 
-    /// The first refresh has not run yet.
+    /// Launches the application; the first refresh has not run yet.
     void launch() {
         @autoreleasepool {
             delegate = [[ORVApplicationDelegate alloc] init];
@@ -68,7 +68,7 @@ protected:
     NSStatusBarButton* button() const { return delegate.controller.statusItem.button; }
     NSMenu* menu() const { return delegate.controller.statusItem.menu; }
 
-    /// Every item of the application, and the native one in its place.
+    /// Calls the function with every item of the application and the native item in its place.
     void collect(const ORVMenu& menu, NSMenu* shown) {
         ASSERT_EQ(menu.items.size(), static_cast<std::size_t>(shown.numberOfItems));
         EXPECT_FALSE(shown.autoenablesItems);
@@ -113,7 +113,7 @@ protected:
             EXPECT_EQ(NSEventModifierFlagCommand, native.keyEquivalentModifierMask);
             const bool isTerminate = item.action == ORVMenuAction::terminate;
             const id handler = isTerminate ? (id)NSApp : (id)delegate.controller;
-            if (!item.submenu) {  // GNUstep sets that one's target.
+            if (!item.submenu) {  // GNUstep sets the target of an item with a submenu.
                 EXPECT_EQ(item.action == ORVMenuAction::none ? nil : handler, native.target)
                     << "a target that is found by searching may be another";
             }
@@ -132,7 +132,8 @@ protected:
     const std::string file = std::string(".codex/sessions/") + kTask + ".jsonl";
 };
 
-/// GNUstep's common modes are a mode like any other; here it is that of an open menu.
+/// Runs the loop in the common modes, which GNUstep takes for a mode of their own. The tests use
+/// them as the mode of an open menu.
 template <typename Condition>
 void runWhileMenuIsOpenUntil(Condition isMet) {
     NSDate* end = [NSDate dateWithTimeIntervalSinceNow:30];
@@ -144,7 +145,7 @@ void runWhileMenuIsOpenUntil(Condition isMet) {
     }
 }
 
-// First, since a turn that outlives its test would end the others.
+// This test comes first: a turn that outlived its test would end the others.
 TEST_F(AppKitTest, ATurnOfAnyKindEndsWithItsUpdateAndItsPool) {
     NSDate* before = [NSDate date];
     ORVMainRunLoop loop;
@@ -295,7 +296,7 @@ TEST_F(AppKitTest, NothingWaitsForTheMenuToClose) {
     };
     expectTitle("C1 · 47%");
     home.append(file, records::tokenCount("136000"));
-    expectTitle("C1 · 50%");  // By the timer.
+    expectTitle("C1 · 50%");  // The timer has refreshed.
     home.append(kLog, "2 thread_stream_view_activity_changed active=true\n");
     choose("refreshItem");
     expectTitle("✓ Check Complete");

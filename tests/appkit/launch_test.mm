@@ -1,5 +1,5 @@
-// Linked with the menu-bar program's own `main`: looks at the running application from inside, and
-// quits it as a user does. The process ends with status 0 when everything was as expected.
+// Linked with the menu-bar program's own `main`. It looks at the running application from inside
+// and quits it as a user does; the process ends with status 0 when everything was as expected.
 
 #import <AppKit/AppKit.h>
 
@@ -29,7 +29,7 @@ void expect(bool condition, const char* what) {
     }
 }
 
-/// Before `main`: the program finds a home when it begins.
+/// Makes the home before `main` begins.
 __attribute__((constructor)) void prepareHome() {
     home = new TemporaryHome;
     home->write(std::string(".codex/sessions/rollout-2026-11-24T16-45-20-") + kTask + ".jsonl",

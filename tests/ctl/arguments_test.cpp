@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Words are divided by spaces; "''" is an empty one.
+/// Parses words that are separated by spaces; "''" is an empty word.
 std::variant<ctl::Arguments, ctl::Mistake> parse(const std::string& line) {
     std::vector<std::string> words = {"brimletctl"};
     std::istringstream stream(line);

@@ -1,4 +1,4 @@
-// Runs the program itself, as a script would.
+// Runs the program itself as a script does.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
 
-/// A Mac has no such program.
+/// Whether this system has the program `timeout`, which a Mac lacks.
 constexpr const char* kTimeout = "command -v timeout >/dev/null || timeout() { shift; \"$@\"; }; ";
 
 struct Outcome {
@@ -26,7 +26,7 @@ struct Outcome {
 
 class BrimletctlTest : public testing::Test {
 protected:
-    /// Runs a shell command line in which "$b" is the program; both outputs together.
+    /// Runs a shell command line in which "$b" is the program, and returns its output and errors.
     Outcome run(const std::string& command) {
         const std::string line = "export HOME='" + home.root() +
                                  "' b='" BRIMLETCTL "'; cd; ulimit -f 100000; exec 2>&1; " +
@@ -83,7 +83,7 @@ TEST_F(BrimletctlTest, AnswersAsJSON) {
         run("$b latest --json").output);
     home.append(".codex/sessions/\xFF.jsonl", "");
     if (!home.holds(".codex/sessions/\xFF.jsonl")) {
-        return;  // A Mac's disk has names in UTF-8 only.
+        return;  // A Mac's file system only allows names in UTF-8.
     }
     EXPECT_NE(std::string::npos,
               run("printf 'task \\377\\n' | $b query").output.find("\"threadID\":\"\uFFFD\""));
@@ -112,8 +112,7 @@ TEST_F(BrimletctlTest, AnswersQueriesUntilTheirEnd) {
     EXPECT_EQ("", run("$b query </dev/null").output);
 }
 
-#ifdef BRIMLET_SETTINGS_IN_HOME  // Else the language chosen would be that of whoever runs the
-                                 // tests.
+#ifdef BRIMLET_SETTINGS_IN_HOME  // Else the test would change this user's language.
 
 TEST_F(BrimletctlTest, WatchesAsJSONLines) {
     makeTask();
@@ -325,7 +324,7 @@ TEST_F(BrimletctlTest, MemoryThatRunsOutIsAnAnswer) {
               R"({"snapshot":null,"error":{"domain":"posix","code":12,"des)"
               "\n",
               answers.output);
-    // A line too long to be interpreted is passed over, whatever it takes to hold it.
+    // A line that is too long is passed over, even when there is not enough memory to hold it.
     home.truncate(large, 1'000'000'000);
     home.append(large, "\n" + records::tokenCount("136000"));
     EXPECT_EQ("C0 · 50%  Codex\n", run("ulimit -v 300000; $b latest").output);

@@ -86,7 +86,7 @@ std::string described(const ORVCodexFocusState& state) {
     return std::to_string(state.status()) + (state.threadID() ? " " + *state.threadID() : "");
 }
 
-/// What a source says that meets a log of these lines.
+/// Returns what a source answers over a log of these lines.
 std::string focusOf(const std::string& lines) {
     MemoryFiles disk;
     disk.append("/logs/main.log", lines);
@@ -151,7 +151,7 @@ TEST_F(FocusTest, FilesAreFollowed) {
     EXPECT_EQ(kInOther, focus()) << "a shorter file is read from its start";
     disk.append("/logs/other.log", log("5 route /local/TASK"));
     EXPECT_EQ(kInOther, focus()) << "a window is known in its own file only";
-    disk.givesFileNumbers = false;  // Else a file that comes back is another one anyway.
+    disk.givesFileNumbers = false;  // Else a file that comes back would have another number.
     EXPECT_EQ(kInOther, focus());
     disk.remove(kLog);
     EXPECT_EQ(kInOther, focus()) << "the event outlives its file";

@@ -1,4 +1,4 @@
-// The bundle of the menu-bar program, as far as it is decided before it is built.
+// Checks the parts of the menu-bar program's bundle that exist before it is built.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ std::string contents(const std::filesystem::path& path) {
     return bytes.str();
 }
 
-/// The number in four bytes, the highest first; 0 where they are not there.
+/// Returns the number in four bytes, the highest first, and 0 when the text is too short.
 std::uint32_t numberAt(std::string_view bytes, std::size_t offset) {
     std::uint32_t number = 0;
     for (const char byte : bytes.substr(std::min(offset, bytes.size()), 4)) {
@@ -47,7 +47,8 @@ TEST(BundleTest, SaysWhoItIs) {
     EXPECT_NE(std::string::npos, list.find("<key>LSUIElement</key>\n\t<true/>"));
 }
 
-// A sequence of pictures, each with a type, which stands for a size, and its own length.
+// An icon file holds pictures, each with a type, which stands for its size, and its length in
+// bytes.
 TEST(BundleTest, IconHasEverySize) {
     const std::string icon = contents(BRIMLET_ICON);
     ASSERT_EQ("icns", icon.substr(0, 4));
@@ -70,7 +71,7 @@ TEST(BundleTest, IconHasEverySize) {
         EXPECT_EQ(pixels, numberAt(pictures[type], 16));
         EXPECT_EQ(pixels, numberAt(pictures[type], 20));
     }
-    // The small ones are compressed in a form of their own, and their masks are not.
+    // The small pictures have a compression of their own; their masks are not compressed.
     EXPECT_FALSE(pictures["is32"].empty());
     EXPECT_FALSE(pictures["il32"].empty());
     EXPECT_EQ(16U * 16, pictures["s8mk"].size());

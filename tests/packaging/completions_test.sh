@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What the three shells offer behind the beginning of a call, over titles and identifiers that would like
-# to be commands:
+# Checks what the three shells offer after the beginning of a call. Titles and identifiers look like
+# commands, which no shell must run:
 #
 #     tests/packaging/completions_test.sh BRIMLETCTL
 #
@@ -43,7 +43,7 @@ bashOffers 'task tasks' ta
 bashOffers history --color never hi
 bashOffers history help hi
 bashOffers '--json --format --limit --since --codex-home --color --help --version' tasks ''
-bashOffers '' history '--[js]*' # A word is no pattern.
+bashOffers '' history '--[js]*' # A word must not be taken for a pattern.
 bashOffers "$task" task ''
 bashOffers "$task" history 01
 bashOffers "$task" watch --task ''
@@ -75,8 +75,8 @@ if command -v fish >/dev/null; then
 fi
 
 if command -v zsh >/dev/null && [ "$failed" = 0 ]; then
-    # A shell in a terminal of its own; each read waits for what is expected, if need be until ctest ends
-    # the test.
+    # zsh runs in a terminal of its own. Each read waits for the expected text, if need be until ctest
+    # ends the test.
     COMPLETIONS=$completions TASK=$task zsh -f <<'END' || failed=1
 zmodload zsh/zpty
 zpty shell TERM=dumb zsh -f -i

@@ -1,6 +1,5 @@
 #!/bin/sh
-# The man page tells every command, option and name in a template that `brimletctl help` tells, and no
-# other:
+# Checks that the man page names the same commands, options and template names as `brimletctl help`:
 #
 #     tests/packaging/manual_test.sh BRIMLETCTL
 set -eu
@@ -9,7 +8,7 @@ page=$(dirname "$0")/../../packaging/man/brimletctl.1
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
-# Of lines such as "  -h, --help   help on a command" what stands before the explanation.
+# Prints the first column of lines such as "  -h, --help   help on a command".
 options() {
     sed -nE 's/^  (-[A-Za-z], )?(--[a-z-]+( [A-Z]+)?) .*/\2/p'
 }
@@ -64,7 +63,7 @@ awk '
 
 echo "What help tells (-), and what the man page does (+):"
 diff -U0 "$folder/help" "$folder/page"
-[ "$(wc -l <"$folder/help")" -gt 50 ] # Nothing like nothing is no agreement.
+[ "$(wc -l <"$folder/help")" -gt 50 ] # Two empty lists would agree, too.
 
 if command -v mandoc >/dev/null; then
     mandoc -T lint "$page"

@@ -1,4 +1,4 @@
-// What a Mac's frameworks give; run under GNUstep on Linux, too.
+// Tests the sources that use a Mac's frameworks. On Linux they run under GNUstep.
 
 #import <Foundation/Foundation.h>
 

@@ -1,5 +1,5 @@
-// What the kernel still lets a confined process do, tried in child processes; and the menu, which
-// uses most of it, in a terminal.
+// Tries in child processes what a confined process can still do, and runs the menu, which needs
+// most of that, in a terminal.
 
 #ifdef BRIMLET_IS_CONFINED
 
@@ -34,9 +34,9 @@
 
 namespace {
 
-/// All are refused, whatever their arguments; those that are tried would do no harm.
+/// Calls that are refused whatever their arguments. The arguments used here would do no harm.
 constexpr long kRefusedCalls[] = {
-    // Others: sockets, programs, processes, signals, message queues, shared memory, keys.
+    // Calls that reach others: sockets, programs, processes, signals, queues, shared memory, keys.
     SYS_socket, SYS_socketpair, SYS_connect, SYS_bind, SYS_listen, SYS_accept, SYS_accept4,
     SYS_sendto, SYS_sendmsg, SYS_sendmmsg, SYS_recvfrom, SYS_recvmsg, SYS_execve, SYS_execveat,
     SYS_wait4, SYS_ptrace, SYS_process_vm_readv, SYS_process_vm_writev, SYS_kcmp, SYS_kill,
@@ -59,9 +59,9 @@ constexpr long kRefusedCalls[] = {
     SYS_symlink, SYS_mknod, SYS_rmdir, SYS_modify_ldt, SYS_iopl, SYS_ioperm, SYS_arch_prctl,
 #endif
     // pidfd_send_signal, io_uring_setup, fsopen, pidfd_open, clone3, openat2, pidfd_getfd,
-    // process_madvise, mount_setattr, fchmodat2, and what no kernel has yet.
+    // process_madvise, mount_setattr, fchmodat2, and one that no kernel has yet.
     424, 425, 430, 434, 435, 437, 438, 440, 442, 452, 1000,
-    // A call in the numbers of x32.
+    // A call with a number of x32.
     0x40000000 + 1};
 
 struct Attempt {
@@ -81,7 +81,7 @@ class ConfinementTest : public testing::Test {
 protected:
     ConfinementTest() { home.write("open/old", "old"); }
 
-    /// Runs the attempts in a child that may write in these folders; "" where all came out as
+    /// Runs the attempts in a child that may write in these folders. Returns "" when all ended as
     /// expected.
     std::string confined(const std::vector<std::string>& folders,
                          const std::function<void()>& attempts) {
@@ -122,7 +122,7 @@ protected:
         return open(home.path(name).c_str(), O_WRONLY | O_CREAT, 0600) >= 0;
     }
 
-    /// Ways to change files, all of which a thread that stores settings has.
+    /// Ways to change files, all of which are open to a thread that stores settings.
     void expectNoWayToWrite() {
         const std::string oldPath = home.path("open/old");
         const std::string newPath = home.path("open/new");
@@ -294,15 +294,14 @@ TEST_F(ConfinementTest, WhatThreadsThatReadNeedGoesOn) {
 
 constexpr const char* kControlZ = "\x1A";
 
-/// Types once the awaited text has been written.
+/// Keys that are typed when the awaited text has been written.
 struct Step {
     std::string awaited;
     std::string typed;
 };
 
-/// Runs the line in a shell, in a terminal of its own. What was written, all of it once the shell
-/// has ended. Control-Z is typed again while nothing comes of it: a menu that is being drawn does
-/// not take it.
+/// Runs the line in a shell in a terminal of its own and returns what was written until the shell
+/// ended. Control-Z is typed again while it has no effect, as on a menu that is being drawn.
 std::string inTerminal(const std::string& line, const std::vector<Step>& steps) {
     const int keyboard = posix_openpt(O_RDWR | O_NOCTTY);
     EXPECT_TRUE(keyboard >= 0 && grantpt(keyboard) == 0 && unlockpt(keyboard) == 0);
@@ -311,7 +310,7 @@ std::string inTerminal(const std::string& line, const std::vector<Step>& steps) 
     const std::string name = ptsname(keyboard);
     const pid_t child = fork();
     if (child == 0) {
-        setsid();  // The terminal that is opened next is the session's.
+        setsid();  // The terminal that is opened next then becomes the session's.
         const int screen = open(name.c_str(), O_RDWR);
         for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
             dup2(screen, descriptor);
@@ -320,7 +319,7 @@ std::string inTerminal(const std::string& line, const std::vector<Step>& steps) 
         _exit(127);
     }
     constexpr int kSecond = 1000;
-    int patience = 20;  // Silent seconds.
+    int patience = 20;  // Seconds without output.
     std::string written;
     std::size_t seen = 0;
     auto step = steps.begin();

@@ -1,5 +1,5 @@
-// Run against both systems' way of waiting; on Linux a Mac's is compiled a second time, over a
-// kernel queue that is stood in for.
+// Tests both systems' way of waiting. On Linux this file is compiled a second time, with the Mac's
+// source over a stand-in for its kernel queue.
 
 #include "platform/descriptors.h"
 
@@ -17,8 +17,8 @@ namespace {
 
 using Interest = ORVWatchedDescriptor::Interest;
 
-constexpr int kNotAtAll = 20;  // Milliseconds, where nothing is to happen.
-constexpr int kSoon = 5'000;   // Where something is.
+constexpr int kNotAtAll = 20;  // Milliseconds to wait when nothing must happen.
+constexpr int kSoon = 5'000;   // Milliseconds to wait when something must.
 
 class DescriptorsTest : public testing::Test {
 protected:

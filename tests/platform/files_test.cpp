@@ -1,4 +1,4 @@
-// The file system itself, over real folders.
+// Tests the system's own files, in a temporary folder.
 
 #include "platform/files.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 class FilesTest : public testing::Test {
 protected:
-    /// The files below the folder with "x" in their names, or why the walk could not be started.
+    /// Returns the files below the folder with "x" in their names, or why there was no walk.
     std::string walked(const std::string& name) {
         const std::string root = home.path(name);
         std::vector<std::string> paths;
@@ -34,7 +34,7 @@ protected:
         return failures;
     }
 
-    /// What the file holds from the offset on, or why that cannot be read.
+    /// Returns what the file holds from the offset on, or why it cannot be read.
     std::string read(const std::string& name, std::uint64_t offset) {
         char bytes[20];
         const auto file = files->openForReading(home.path(name), &error);

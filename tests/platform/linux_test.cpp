@@ -1,4 +1,4 @@
-// What Linux gives in place of a Mac's user defaults, preferred languages and locales.
+// Tests the settings, preferred languages and times of day of Linux.
 
 #include <gtest/gtest.h>
 #include <pwd.h>
@@ -76,7 +76,7 @@ TEST(HomeFolderTest, IsThatOfThePasswordDatabaseWhereTheEnvironmentHasNone) {
     const std::string home = variable ? variable : "";
     unsetenv("HOME");
     EXPECT_EQ(expected == "/" ? "" : expected, platform::homeFolder());
-    setenv("HOME", home.c_str(), 1);  // An empty one counts as none.
+    setenv("HOME", home.c_str(), 1);  // An empty path counts as none.
 }
 
 class UserDefaultsTest : public testing::Test {
@@ -92,7 +92,7 @@ protected:
             ->integerForKey("mode");
     }
 
-    /// Twice, as from a menu; what was complained of stands in `complaints`, a line each.
+    /// Stores twice, as from a menu. `complaints` gets a line for each complaint.
     void store(std::int64_t value) {
         complaints.clear();
         const auto defaults = platform::standardUserDefaults([&](const ORVStoringFailure& failure) {

@@ -16,12 +16,12 @@ protected:
 
     SessionSourceTest() { disk.makeFolder("/codex/sessions"); }
 
-    /// A session file of the task, in the folder of a day.
+    /// Returns the path of a session file of the task, in the folder of a day.
     static std::string fileOf(const std::string& task, const std::string& day = "24") {
         return "/codex/sessions/" + day + "/rollout-2026-11-24T16-45-20-" + task + ".jsonl";
     }
 
-    /// An identifier of its own for every number.
+    /// Returns an identifier for this number.
     static std::string taskOf(std::size_t number) {
         return std::string(kTask).substr(0, 24) + std::to_string(100'000'000'000 + number);
     }
@@ -31,7 +31,7 @@ protected:
         return source.snapshotForThreadID(task, &error);
     }
 
-    /// What the menu bar would show for the task; the error's domain and code where nothing.
+    /// Returns what the menu bar would show for the task, or the error's domain and code.
     std::string title(const std::string& task = kTask) {
         const auto found = snapshot(task);
         return found   ? app::statusItemTitle(*found)

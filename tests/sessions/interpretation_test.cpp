@@ -7,7 +7,7 @@ using records::compacted;
 using records::contextCompacted;
 using records::tokenCount;
 
-/// A record with one piece of its text replaced.
+/// Returns the record with one piece of its text replaced.
 std::string but(std::string record, const std::string& piece, const std::string& replacement) {
     const std::size_t position = record.find(piece);
     EXPECT_NE(std::string::npos, position) << piece;
@@ -18,7 +18,7 @@ std::string event(const std::string& payload) {
     return R"({"type":"event_msg","payload":)" + payload + "}\n";
 }
 
-/// A token count with these members beside its type.
+/// Returns a token count with these members beside its type.
 std::string usage(const std::string& members) {
     return event(R"({"type":"token_count",)" + members + "}");
 }
@@ -98,7 +98,7 @@ TEST_F(SessionRecordTest, Records) {
     }
 }
 
-/// Of a number of tokens and of a window: the figure, -1 where it is none.
+/// A literal for the tokens and for the window, and the figure that each gives; -1 for none.
 TEST_F(SessionRecordTest, Numbers) {
     constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
     const std::pair<const char*, std::int64_t> kCases[] = {{"1", 1},

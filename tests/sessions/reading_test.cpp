@@ -43,7 +43,7 @@ TEST_F(SessionReaderTest, WithoutFileNumbersALongerFileIsTakenForTheSame) {
     EXPECT_EQ("C2 · --%", title()) << "read on behind the old end";
 }
 
-/// However the bytes arrive, the figures are those of one read of the whole.
+/// Writes the bytes piece by piece. The figures must be those of one read of the whole.
 TEST_F(SessionReaderTest, EveryCutGivesTheSameFigures) {
     const std::string whole = message("one") + compacted("w1") + "\r\n" + tokenCount("50000") +
                               "{\"broken\ncompact\n" + compacted("w2") + tokenCount("136000") +

@@ -27,7 +27,7 @@ TEST_F(SessionSnapshotTest, ATaskIsTheSumOfItsFilesAndShowsTheNewestOnesUsage) {
     for (std::size_t i = 0; i < std::size(kCases); ++i) {
         SCOPED_TRACE(kCases[i].name);
         const std::string task = taskOf(i);
-        for (const std::string day : {"c", "b", "a"}) {  // Their dates tell, not their paths.
+        for (const std::string day : {"c", "b", "a"}) {  // Dates decide, not paths.
             const auto age = static_cast<std::size_t>('c' - day[0]);
             disk.append(fileOf(task, day), kCases[i].contents[age]);
             disk.setDate(fileOf(task, day), 1'000 + static_cast<std::int64_t>(age), 500);

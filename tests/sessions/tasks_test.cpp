@@ -1,4 +1,5 @@
-// Tasks, working folders and histories, over random homes: whoever asks gets the same figures.
+// Tests tasks, working folders and histories over random homes: every way to ask for a task must
+// give the same figures.
 
 #include <limits>
 #include <random>

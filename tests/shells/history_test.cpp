@@ -25,7 +25,7 @@ ORVHistoryEvent compaction() {
     return {"2026-11-24T18:02:00Z", std::nullopt};
 }
 
-/// A point a percentage, a compaction where it is negative.
+/// Returns a point for each percentage, and a compaction for each negative number.
 Events events(const std::vector<int>& percentages) {
     Events result;
     for (const int percentage : percentages) {
@@ -50,8 +50,8 @@ std::string joined(const std::vector<history::PlotRow>& rows) {
     return text;
 }
 
-/// Whether elements, attributes and references are as XML wants them. Knows only what a picture
-/// is made of: no comment, no declaration, no ">" in a value.
+/// Whether elements, attributes and references are well-formed. It knows only the XML of a picture:
+/// no comment, no declaration, no ">" in a value.
 bool isWellFormed(const std::string& xml) {
     std::vector<std::string> open;
     std::istringstream pieces(xml);
@@ -76,9 +76,9 @@ bool isWellFormed(const std::string& xml) {
     return isGood && open.empty();
 }
 
-/// A column of rising points shows its last one, a column of falling points its first. So the
-/// columns part the points without a gap and in order when one column's last is followed by the
-/// next one's first.
+/// A column of rising points shows its last one, a column of falling points its first one. When
+/// each column's first point follows the last one of the column before, no point is missing or
+/// moved.
 TEST(HistoryTest, ColumnsPartThePointsInOrderAndKeepTheHighest) {
     for (const int points : {1, 2, 3, 59, 60, 61, 119, 10'000}) {
         for (const std::size_t room : {std::size_t{1}, std::size_t{7}, std::size_t{60}}) {
@@ -128,7 +128,7 @@ TEST(HistoryTest, EveryCompactionIsMarkedWhereThereIsRoom) {
 }
 
 TEST(HistoryTest, APlotOfAnySizeStaysInIt) {
-    terminal::setUpCharacters();  // As columns are counted on a terminal.
+    terminal::setUpCharacters();  // Counting columns needs the locale.
     Events hostile = events({0, 3, 100, -1, -1, 250, -1, 40});
     hostile.front().at = "\x1b[31m\xFF";
     hostile.back().at = "2026-11-24T16:45:\x1b[31m重";
@@ -182,7 +182,7 @@ TEST(HistoryTest, TimesAreCutFromTheRecords) {
         const char* first;
         const char* last;
         int columns;
-        const char* row;  ///< Null where there is no row of times.
+        const char* row;  ///< Null when there is no row of times.
     };
     const char* const kMorning = "2026-11-24T08:05:21.002Z";
     const char* const kEvening = "2026-11-24T18:02:00Z";
@@ -223,7 +223,7 @@ TEST(HistoryTest, ThePictureShowsThePointsInOrder) {
         EXPECT_NEAR((624.0 - 48.0) / 6, right - x, 0.11);
         x = right;
     }
-    // Where nothing was counted between two compactions, nothing is drawn.
+    // Between two compactions without a usage nothing is drawn.
     const std::string gap = history::svg(events({50, 100, -1, -1, 50}), "");
     EXPECT_EQ(1U, count(gap, "\"M48.0 128.0H192.0V52.0H336.0M480.0 128.0H624.0\""));
     EXPECT_EQ(1U, count(gap, "\"M48.0 204V128.0H192.0V52.0H336.0V204M480.0 204V128.0H624.0V204\""));

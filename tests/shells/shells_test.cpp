@@ -12,7 +12,7 @@
 
 namespace {
 
-/// A disk that hangs until it is told to go on.
+/// A disk whose reads hang until the test lets them go on.
 class HangingFiles final : public ORVFiles {
 public:
     bool walk(const std::string&, const NameTest&, const FileVisitor&,

@@ -1,4 +1,4 @@
-// The terminal's menu: what stands in which cell, and the program itself on a terminal.
+// Tests the rows of the terminal's menu, and the program itself on a terminal.
 
 #include <gtest/gtest.h>
 #include <locale.h>
@@ -19,7 +19,7 @@ using terminal::Fullness;
 
 constexpr int kWidths[] = {20, 40, 80, 200};
 
-/// Titles; of many of them two libraries say different widths.
+/// Titles, of which many have different widths in different libraries.
 constexpr const char* kScripts[] = {"重构刷新周期并修复测试",
                                     "テストを修正する",
                                     "테스트를 수정",
@@ -82,7 +82,7 @@ protected:
         return item;
     }
 
-    /// The rows; each is checked to be harmless and as wide as the screen.
+    /// Returns the rows, and checks that each is harmless and as wide as the screen.
     std::vector<terminal::Row> rows(const terminal::Screen& screen) const {
         std::vector<terminal::Row> result = terminal::menuRows(statusItem, view, screen);
         EXPECT_LE(result.size(), static_cast<std::size_t>(screen.rows));
@@ -107,7 +107,7 @@ protected:
         return line;
     }
 
-    /// The rows with the styles between them: "(r:…)" reversed, "(d:…)" dimmed, "(b:…)" bold.
+    /// Returns the rows with their styles: "(r:…)" reversed, "(d:…)" dimmed, "(b:…)" bold.
     std::string marked(const terminal::Screen& screen) const {
         std::string all;
         for (const terminal::Row& row : rows(screen)) {
@@ -249,7 +249,7 @@ TEST_F(MenuRowsTest, TheHistoryStandsBelowWhereThereIsRoom) {
     EXPECT_EQ(withoutRoom, marked({80, 23, true}));
 }
 
-/// The program on a terminal, with one task in view.
+/// Runs the program on a terminal, with one task in view.
 class TerminalTest : public testing::Test {
 protected:
     static constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
@@ -269,7 +269,7 @@ protected:
         home.write(".codex/session_index.jsonl", records::title(kTask, title));
     }
 
-    /// "$b" is the program.
+    /// Runs a command line in which "$b" is the program.
     PseudoTerminal& start(const std::string& command, const std::string& environment = "") {
         terminal = std::make_unique<PseudoTerminal>(
             80, 24,
@@ -279,7 +279,7 @@ protected:
         return *terminal;
     }
 
-    /// Whether the terminal is as before: modes, screen, cursor, pasting.
+    /// Whether modes, screen, cursor and pasting have been restored.
     void expectRestored() const {
         const std::string& output = terminal->output;
         EXPECT_TRUE(terminal->hasModesAsFound());

@@ -12,8 +12,8 @@
 #include "tests/support/MemoryDefaults.h"
 #include "tests/support/MemoryFiles.h"
 
-/// An application's host in memory: the queue runs when told to, and what the application does is
-/// noted down.
+/// An application's host in memory. Its queue runs when the test says so, and `notes` holds what
+/// the application asked of it.
 class ManualHost final : public ORVAppHost {
 public:
     std::string notes;
@@ -22,7 +22,7 @@ public:
     MemoryFiles disk;
     std::vector<std::function<void()>> dispatched;
 
-    /// Lets what was dispatched run and its results arrive.
+    /// Runs what was dispatched and delivers the results.
     void runDispatched() {
         for (const auto& closure : std::exchange(dispatched, {})) {
             closure();

@@ -6,7 +6,7 @@
 
 #include "platform/run_loop.h"
 
-/// A UI thread whose time is turned by hand.
+/// A UI thread whose clock is turned by hand.
 class ManualRunLoop final : public ORVRunLoop {
 public:
     int timersMade = 0;
@@ -30,7 +30,7 @@ public:
         }
     }
 
-    /// Lets this much time pass, and what becomes due run.
+    /// Lets this much time pass and runs what becomes due.
     void advance(std::chrono::milliseconds time) {
         const auto end = now_ + time;
         while (!delayed_.empty() && delayed_.begin()->first <= end) {

@@ -2,7 +2,7 @@
 
 #include "platform/user_defaults.h"
 
-/// Settings that nobody else sees: only the language.
+/// Settings in memory. They hold the language only.
 class MemoryDefaults final : public ORVUserDefaults {
 public:
     std::optional<std::int64_t> stored;

@@ -84,14 +84,14 @@ void MemoryFiles::setDate(const std::string& path, std::int64_t seconds, std::in
     items_.at(path).modifiedAt = {seconds, nanoseconds};
 }
 
-/// Whether this fault is to happen to the call under way.
+/// Whether this fault must happen in the present call.
 bool MemoryFiles::happens(Fault kind) {
     const bool isNow = calls == failingCall && fault == kind;
     faults += isNow ? 1 : 0;
     return isNow;
 }
 
-/// Counts the call; null, with an error, where it fails or nothing stands at the path.
+/// Counts the call. Returns null, with an error, when it fails or when there is no item.
 const MemoryFiles::Item* MemoryFiles::beginCall(const std::string& path, ORVErrorSlot* error) {
     ++calls;
     const auto found = items_.find(path);

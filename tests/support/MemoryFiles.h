@@ -9,9 +9,9 @@
 
 #include "platform/files.h"
 
-/// A disk in memory that does on demand what a disk does not. Counts the calls, so that a test can
-/// let each of them go wrong. Paths are absolute and without "." and ".."; walks meet items in the
-/// order of their paths.
+/// A disk in memory with faults on demand. It counts its calls, so that a test can make each of
+/// them fail. Paths are absolute, without "." and ".."; walks visit items in the order of their
+/// paths.
 class MemoryFiles final : public ORVFiles {
 public:
     struct Item {
@@ -21,43 +21,43 @@ public:
         ORVFileDate modifiedAt;
     };
 
-    // What others do to the files. Folders are made as needed. Every change has a later date than
-    // the one before; a folder's date changes when a name appears in it or goes.
+    // Changes. Folders are made as needed. Every change has a later date than the one before; a
+    // folder's date changes when a name in it is added or removed.
 
     void makeFolder(const std::string& path);
-    void write(const std::string& path, std::string content);  ///< In the same file.
+    void write(const std::string& path, std::string content);  ///< Keeps the file's number.
     void append(const std::string& path, const std::string& content);
-    void replace(const std::string& path, std::string content);  ///< By another file.
+    void replace(const std::string& path, std::string content);  ///< Gives it a new number.
     void rename(const std::string& from, const std::string& to);
-    void remove(const std::string& path);  ///< With what is in it.
+    void remove(const std::string& path);  ///< Removes a folder with its content.
     void setDate(const std::string& path, std::int64_t seconds, std::int32_t nanoseconds = 0);
 
     const std::map<std::string, Item>& items() const { return items_; }
 
-    /// Where links lead, by path. There are no other links.
+    /// The targets of links, by path. There are no other links.
     std::map<std::string, std::string> realPaths;
 
-    // What goes wrong.
+    // Faults.
 
     enum class Fault {
-        error,         ///< The call fails with EIO, whichever it is.
-        unseenFolder,  ///< A walk cannot enter the folders in which the files are.
-        largerSize,    ///< The file was cut after its size was told.
-        smallerSize,   ///< It grew.
+        error,         ///< The call fails with EIO, whichever call it is.
+        unseenFolder,  ///< A walk cannot enter the folders that hold the files.
+        largerSize,    ///< The file is cut after its size was read.
+        smallerSize,   ///< The file grows after its size was read.
         noSize,
         noDate,
         noFileNumber,
-        shortRead,  ///< A read gives a single byte.
-        earlyEnd,   ///< A read meets the end of a file that is followed as it grows.
+        shortRead,  ///< A read returns a single byte.
+        earlyEnd,   ///< A read finds the end of a file that is followed as it grows.
     };
 
-    int failingCall = 0;  ///< The call that goes wrong, counted in `calls`; 0 for none.
+    int failingCall = 0;  ///< The number of the call with the fault, as in `calls`; 0 for none.
     Fault fault = Fault::error;
     std::size_t bytesPerRead = std::numeric_limits<std::size_t>::max();
     bool givesFileNumbers = true;  ///< Some file systems have none.
 
     int calls = 0;
-    int faults = 0;  ///< That happened: not every fault can happen to every call.
+    int faults = 0;  ///< How many faults have happened: not every call can have every fault.
     int opened = 0;
 
     bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,

@@ -16,8 +16,8 @@
 #include <string_view>
 #include <vector>
 
-/// A terminal with a shell in it, whose screen can be read. It understands what a program sends to
-/// one of the type "mach" in UTF-8, which the process's locale of characters must be, too.
+/// A terminal with a shell in it, whose screen a test can read. It understands the sequences of the
+/// terminal type "mach", and text in UTF-8; the process's locale must be UTF-8 as well.
 class PseudoTerminal {
 public:
     PseudoTerminal(int columns, int rows, const std::string& command)
@@ -67,7 +67,7 @@ public:
         ioctl(master_, TIOCSWINSZ, &size);
     }
 
-    /// Takes output until the condition holds; false when none comes for long.
+    /// Takes output until the condition holds. Returns false when no output comes for ten seconds.
     template <typename Condition>
     bool waitUntil(Condition condition) {
         while (!condition()) {
@@ -85,7 +85,7 @@ public:
         return waitUntil([&] { return output.find(bytes) != std::string::npos; });
     }
 
-    /// What waitpid() says of the process's end; all output is taken then.
+    /// Takes all output until the process ends, and returns its status as waitpid() does.
     int waitForEnd() {
         int status = -1;
         for (int i = 0; process > 0 && i < 30'000; ++i) {
@@ -110,7 +110,7 @@ public:
         }
         return text;
     }
-    /// The reversed cells below the first row.
+    /// Returns the text of the reversed cells below the first row.
     std::string reversed() const {
         std::string text;
         for (auto cell = cells_.begin() + columns_; cell != cells_.end(); ++cell) {
@@ -118,7 +118,7 @@ public:
         }
         return text;
     }
-    /// The last cells of all rows but the first.
+    /// Returns the last cell of every row but the first.
     std::string rightEdge() const {
         std::string text;
         for (int y = 1; y < rows_; ++y) {
@@ -137,7 +137,7 @@ public:
 
 private:
     struct Cell {
-        std::string text = " ";  ///< "" behind a wide character.
+        std::string text = " ";  ///< "" in the second cell of a wide character.
         bool isReversed = false;
     };
 
@@ -165,7 +165,7 @@ private:
         return true;
     }
 
-    /// How many bytes the first character or sequence has; 0 when it has not all arrived.
+    /// Performs the first character or sequence and returns its length; 0 while a part is missing.
     std::size_t interpret(std::string_view text) {
         if (text.starts_with("\033")) {
             const bool isLong = text.starts_with("\033[");

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// A home folder in a temporary folder, removed with everything in it at the end. Paths given are
-/// relative to it; folders are made as needed.
+/// A temporary home folder, which is removed with everything in it at the end. Names are relative
+/// to it, and folders are made as needed.
 class TemporaryHome {
 public:
     TemporaryHome();
@@ -15,11 +15,11 @@ public:
     const std::string& root() const { return root_; }
     std::string path(std::string_view name) const { return root_ + '/' + std::string(name); }
 
-    bool holds(std::string_view name) const;  ///< Whether something stands there.
+    bool holds(std::string_view name) const;
 
-    void write(std::string_view name, std::string_view content);  ///< In the same file.
+    void write(std::string_view name, std::string_view content);  ///< Keeps the file's inode.
     void append(std::string_view name, std::string_view content);
-    void replace(std::string_view name, std::string_view content);  ///< By another file.
+    void replace(std::string_view name, std::string_view content);  ///< Makes a new inode.
     void truncate(std::string_view name, std::size_t size);
     void remove(std::string_view name);
     void makeFolder(std::string_view name);

@@ -29,7 +29,7 @@ inline std::string contextCompacted(std::string_view timestamp) {
            R"(","type":"event_msg","payload":{"type":"context_compacted"}})" + "\n";
 }
 
-/// Conversation; talks about compaction.
+/// A line of conversation that talks about compaction.
 inline std::string message(std::string_view text) {
     return R"({"timestamp":"2026-11-24T16:45:21Z","type":"response_item","payload":{"type":"message",)"
            R"("role":"user","content":[{"type":"input_text","text":"compact )" +
@@ -40,17 +40,17 @@ inline std::string title(std::string_view id, std::string_view name) {
     return R"({"id":")" + std::string(id) + R"(","thread_name":")" + std::string(name) + "\"}\n";
 }
 
-/// Log lines, written as a story: "|" stands between two lines, TASK and OTHER for the identifiers
-/// above. A line is its time stamp and what it is of:
+/// Returns log lines for a story. In a story "|" separates lines, and TASK and OTHER stand for the
+/// identifiers above. A line is a time stamp and one of these:
 ///
-///     1 window             a window, and that it is in view
-///     2 route /local/TASK  what the window shows
-///     3 activity OTHER     a conversation became active
-///     4 both OTHER         the same, with all that a line says of the window
-///     5 anything else      is written as it stands
+///     1 window             a window, which is in view
+///     2 route /local/TASK  the route that the window shows
+///     3 activity OTHER     a conversation that became active
+///     4 both OTHER         the same with a description of the window
+///     5 anything else      is written unchanged
 ///
-/// Words that follow say what is not as usual: "8/4" the window's two identifiers, "ocused=false"
-/// the value of the field whose name ends so.
+/// Further words change a line: "8/4" sets the window's two identifiers, "ocused=false" the value
+/// of the field whose name ends so.
 std::string log(std::string_view story);
 
 }  // namespace records

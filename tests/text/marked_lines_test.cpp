@@ -20,7 +20,7 @@ constexpr ORVMarker kFour[] = {
 
 using Markers = std::span<const ORVMarker>;
 
-/// Bytes in which pieces of the markers are common.
+/// Returns bytes in which parts of the markers are frequent.
 std::string randomBytes(std::mt19937& random, Markers markers, std::size_t length) {
     std::string bytes;
     while (bytes.size() < length) {
@@ -54,7 +54,7 @@ TEST(MarkerSearchTest, FindsWhatAPlainSearchFinds) {
             scanned.push_back(
                 {marker.text.data(), marker.text.size(), marker.rareByte, marker.otherRareByte});
         }
-        // An exact copy on the heap: a byte read outside of it is found by the sanitizer.
+        // An exact copy on the heap, so that the sanitizer notices a read outside of it.
         const std::vector<char> exact(bytes.begin(), bytes.end());
         const char* end = exact.data() + exact.size();
         const char* found = search.find(exact.data(), end);

@@ -1,7 +1,7 @@
 #pragma once
 
-// Stands in for what GNUstep lacks of a Mac's frameworks, in tests of the menu-bar shell on Linux:
-// read before every other line of the shell's sources.
+// Declares what GNUstep lacks of a Mac's frameworks, for tests of the menu-bar shell on Linux. The
+// compiler reads it before every source of the shell.
 
 #import <AppKit/AppKit.h>
 
@@ -50,12 +50,12 @@ enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
 - (instancetype)initWithSuiteName:(NSString*)name;
 @end
 
-/// What the shell asked the system for.
+/// Everything that the shell has asked of the system.
 inline struct ORVStandInRecord {
     std::vector<NSStatusItem*> statusItems;  ///< In the menu bar, which does not keep them alive.
     int setterCalls = 0;                     ///< On the status item's button and on menu items.
     int symbols = 0;                         ///< Images that are alive.
-    NSActivityOptions activity = 0;          ///< What the process is busy with; 0 for nothing.
+    NSActivityOptions activity = 0;          ///< The options of the activity; 0 for none.
     NSApplicationActivationPolicy activationPolicy = NSApplicationActivationPolicyRegular;
-    std::string suiteName;  ///< Of the user defaults opened last.
+    std::string suiteName;  ///< The name of the user defaults that were opened last.
 } ORVStandIn;

@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-// GNUstep's own have no menu bar to work with.
+// GNUstep's own classes need a menu bar, which does not exist here.
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
 
 // clang-format off
@@ -139,7 +139,7 @@ COUNTED_SETTER(Image, NSImage*)
 
 @end
 
-/// One process of every bundle: this one, or another when a variable says so.
+/// Every bundle has one process: this one, or another one if a variable is set.
 @implementation NSRunningApplication (StandIn)
 
 + (NSArray*)runningApplicationsWithBundleIdentifier:(NSString*)identifier {
@@ -184,8 +184,7 @@ COUNTED_SETTER(Image, NSImage*)
 
 @end
 
-/// Without the daemon that carries notifications from program to program: whether it runs, and what
-/// the others do with it, is nothing to depend on.
+/// Replaces the daemon that carries notifications between programs, so that no test depends on it.
 @implementation NSDistributedNotificationCenter (StandIn)
 + (NSDistributedNotificationCenter*)defaultCenter {
     return nil;

@@ -17,7 +17,8 @@ std::deque<Work> posted;
 std::deque<Work> delayed;
 dispatch_queue_t current = dispatch_get_main_queue();
 
-/// The main queue has no pool of its own: the real one may empty it only when an event comes.
+/// Runs a closure. The main queue gets no autorelease pool: the real one may be drained only when
+/// an event comes.
 void runFirst(std::deque<Work>& works) {
     const Work work = works.front();
     works.pop_front();

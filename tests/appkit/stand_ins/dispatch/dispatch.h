@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-// Stands in for libdispatch, as far as Brimlet uses it, in tests of the menu-bar shell on Linux:
-// all queues take turns on the main thread.
+// The functions of libdispatch that Brimlet uses, for tests of the menu-bar shell on Linux. All
+// queues run on the main thread, when a test tells them to.
 
 enum dispatch_autorelease_frequency_t { DISPATCH_AUTORELEASE_FREQUENCY_WORK_ITEM };
 enum qos_class_t { QOS_CLASS_DEFAULT, QOS_CLASS_UTILITY };
@@ -38,7 +38,7 @@ inline dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_
     return new dispatch_queue_s{label, attributes};
 }
 
-/// What was dispatched still runs, so the queue stays.
+/// Does nothing: closures that were dispatched still run, so the queue must stay.
 inline void dispatch_release(dispatch_queue_t) {}
 
 inline dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t nanoseconds) {
@@ -50,12 +50,12 @@ void dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t
 void dispatch_after_f(dispatch_time_t when, dispatch_queue_t queue, void* context,
                       dispatch_function_t work);
 
-/// For tests: the queue that runs the caller.
+/// For tests: returns the queue that runs the caller.
 dispatch_queue_t dispatch_stand_in_current_queue();
 
-/// For tests: runs everything but what waits for its time.
+/// For tests: runs every closure except those with a delay.
 void dispatch_stand_in_finish();
 
-/// For tests: runs what has waited longest and returns the nanoseconds that it was to wait; 0 when
-/// nothing waits.
+/// For tests: runs the first closure with a delay and returns its delay in nanoseconds; 0 when
+/// there is none.
 dispatch_time_t dispatch_stand_in_run_delayed();

@@ -1,7 +1,7 @@
 #pragma once
 
-// Stands in for a Mac's kernel queues, as far as Brimlet uses them, in tests on Linux: over epoll,
-// which tells of a hang-up without being asked for anything else.
+// The functions of a Mac's kernel queues that Brimlet uses, for tests on Linux. They use epoll,
+// which always reports a hang-up.
 
 #include <sys/epoll.h>
 #include <unistd.h>
@@ -36,7 +36,7 @@ inline int kqueue() {
     return epoll_create1(EPOLL_CLOEXEC);
 }
 
-/// Either one change or one event.
+/// Takes either one change or one place for an event.
 inline int kevent(int queue, const struct kevent* change, int, struct kevent* event, int,
                   const timespec*) {
     if (change) {
