@@ -1,5 +1,5 @@
-# What is installed beside the programs: the man page, completions and documentation, and on Linux the
-# licences of what is linked in from the system.
+# Installs the man page, completions and documentation, and on Linux the licences of the system's
+# libraries that are linked statically.
 include(GNUInstallDirs)
 
 install(FILES man/brimletctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

@@ -2,9 +2,9 @@
 # simdjson::simdjson, brimlet::utf8proc, brimlet::terminal and, on Linux, brimlet::property_list.
 #
 # A Mac builds simdjson and utf8proc itself, from sources that are named by their commits: a
-# hardened program may load no library that others signed, and Homebrew's archives are made for one
-# processor and one release of macOS. Linux takes the distribution's, or the same pinned sources
-# with BRIMLET_PINNED_LIBRARIES. They are fetched, unless the environment's BRIMLET_DEPENDENCIES
+# hardened program must not load a library with another signature, and Homebrew's archives are made
+# for one processor and one release of macOS. Linux uses the distribution's libraries, or the same
+# pinned sources with BRIMLET_PINNED_LIBRARIES. The sources are fetched unless $BRIMLET_DEPENDENCIES
 # names a folder that holds both.
 
 option(BRIMLET_PINNED_LIBRARIES "Build simdjson and utf8proc from pinned sources" ${APPLE})
@@ -23,7 +23,7 @@ if(BRIMLET_PINNED_LIBRARIES)
     set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)  # Nothing is gained for a single source file.
     set(UTF8PROC_INSTALL OFF)
     set(UTF8PROC_ENABLE_TESTING OFF)
-    # SYSTEM: warnings are for this project's own code.
+    # SYSTEM keeps warnings to this project's own code.
     FetchContent_Declare(simdjson SYSTEM
         GIT_REPOSITORY https://github.com/simdjson/simdjson.git
         GIT_TAG cdeb069ad1e8cb2fb479cbb22695cb666cea99ac)  # 4.6.7
@@ -33,7 +33,8 @@ if(BRIMLET_PINNED_LIBRARIES)
     FetchContent_MakeAvailable(simdjson utf8proc)
     add_library(brimlet::utf8proc ALIAS utf8proc)
 
-    # Their licences go wherever the programs go, and those of what simdjson took from others.
+    # Their licences are installed with the programs, and so are those of the code in simdjson that
+    # has other authors.
     file(READ ${simdjson_SOURCE_DIR}/LICENSE-MIT TEXT)
     foreach(SOURCE src/internal/isadetection.h src/to_chars.cpp)
         file(READ ${simdjson_SOURCE_DIR}/${SOURCE} CODE)
@@ -56,10 +57,10 @@ endif()
 add_library(brimlet_terminal INTERFACE)
 add_library(brimlet::terminal ALIAS brimlet_terminal)
 if(APPLE)
-    # The system's, by its name alone: a search may come upon another one, for one processor.
+    # The name alone selects the system's library. A search might find another one, for one processor.
     target_link_libraries(brimlet_terminal INTERFACE ncurses)
 else()
-    # Linked in: as a shared library it would be resident in the calls that show no menu, too.
+    # Linked statically: a shared library would be resident even in calls that show no menu.
     find_path(NCURSES_INCLUDES ncurses.h REQUIRED)
     find_library(NCURSES_LIBRARY libncursesw.a REQUIRED)
     find_library(TERMINFO_LIBRARY libtinfo.a REQUIRED)

@@ -1,10 +1,10 @@
-# Writes the header that names the commit which is built, where this is a checkout, and leaves it as it
-# is when nothing has changed:
+# Writes the header that names the commit which is built, if this is a checkout. A header that would
+# not change is left alone:
 #
 #     cmake -DSOURCE=FOLDER -DHEADER=FILE -P scripts/revision.cmake
 
-# The first line of the answer is empty at the top of a checkout. Below it, the sources may have been
-# unpacked into one of another project.
+# The first line of the answer is empty at the top of a checkout. If it is not, the sources may have
+# been unpacked into the checkout of another project.
 execute_process(COMMAND git -C ${SOURCE} rev-parse --show-prefix --short=7 HEAD
                 OUTPUT_VARIABLE ANSWER ERROR_QUIET RESULT_VARIABLE FAILURE)
 set(REVISION "")

@@ -1,5 +1,5 @@
-# Not filled in: there is no release so far. scripts/fill-formula puts in the project's address, that
-# of the release's source and its SHA-256.
+# There is no release so far, so this formula has gaps. scripts/fill-formula fills them with the
+# project's address and the address and SHA-256 of the release's source.
 
 class Brimlet < Formula
   desc "Show how full the context window of the Codex task in front of you is"
@@ -11,8 +11,8 @@ class Brimlet < Formula
   depends_on "ninja" => :build
   depends_on macos: :ventura
 
-  # Linked in, so that the programs load nothing but what macOS brings: the commits that
-  # scripts/libraries.cmake names.
+  # These are linked statically, so that the programs load only macOS's own libraries. The commits are
+  # those in scripts/libraries.cmake.
   resource "simdjson" do
     url "https://github.com/simdjson/simdjson.git",
         revision: "cdeb069ad1e8cb2fb479cbb22695cb666cea99ac"

@@ -1,5 +1,5 @@
-# Compiles for macOS 13 on another system, for the processor BRIMLET_PROCESSOR (aarch64, x86_64),
-# with what scripts/check-macos has put into build/macos.
+# Compiles for macOS 13 on another system, for the processor BRIMLET_PROCESSOR (aarch64, x86_64), with
+# the tools that scripts/check-macos has put into build/macos.
 
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES BRIMLET_PROCESSOR)
 set(CMAKE_INSTALL_LIBDIR lib)  # Else asked of a compiler that is not known so early.
