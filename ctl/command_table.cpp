@@ -14,40 +14,39 @@ constexpr Option kOptions[] = {
     {"json", 'j', "", "answer with one line of JSON"},
     {"format", 'f', "TEMPLATE",
      "answer with a line of text of your own, such as '{status} {title}'"},
-    {"waybar", 'w', "", "lines of JSON for Waybar, i3status-rust and others"},
-    {"svg", 's', "", "draw as an SVG document"},
+    {"waybar", 'w', "", "write lines of JSON for Waybar, i3status-rust and others"},
+    {"svg", 's', "", "draw an SVG document"},
     {"latest", 'l', "", "follow the newest task"},
     {"task", 't', "ID", "follow the task with this thread identifier"},
     {"here", 'e', "", "follow the newest task that works in this folder"},
-    {"folder", 'd', "DIR", "with here: this folder in place of the current one"},
-    {"limit", 'n', "N", "so many tasks at most; 20 unless told otherwise, 0 for all"},
-    {"since", 'i', "TIME", "tasks written to since then: 30m, 2h, 7d"},
-    {"codex-home", 'c', "DIR", "the Codex home; else $CODEX_HOME, else ~/.codex"},
-    {"color", 'o', "WHEN", "auto, always or never; auto heeds NO_COLOR and TERM"},
-    {"help", 'h', "", "help on a command"},
-    {"version", 'V', "", "the version"},
+    {"folder", 'd', "DIR", "use this folder in place of the current one"},
+    {"limit", 'n', "N", "show at most N tasks; 0 means all (default: 20)"},
+    {"since", 'i', "TIME", "show tasks that changed within this time: 30m, 2h, 7d"},
+    {"codex-home", 'c', "DIR", "the Codex home (default: $CODEX_HOME, else ~/.codex)"},
+    {"color", 'o', "WHEN", "auto, always or never; auto respects NO_COLOR and TERM"},
+    {"help", 'h', "", "show help on a command"},
+    {"version", 'V', "", "show the version"},
 };
 
 constexpr std::string_view kCommonOptions = "cohV";
 
 constexpr Command kCommands[] = {
     {"watch", Call::watch, kNone, "jfwlted", "the status item and its menu, live",
-     "Follows the task that the Codex desktop application has in view; where there is no such\n"
-     "application, say which task to follow: --latest, --task ID or --here. On a terminal it "
-     "shows\n"
-     "the status item and its open menu (keys: ? tells them, q quits). Elsewhere it writes a line\n"
-     "whenever that line changed, which is what tmux, polybar or i3blocks show.\n"
+     "Follows the task that the Codex desktop application has in view. Without that application,\n"
+     "choose the task with --latest, --task ID or --here. On a terminal it shows the status item\n"
+     "and its open menu; ? lists the keys, and q quits. Elsewhere it writes a line whenever that\n"
+     "line has changed, as tmux, polybar and i3blocks need it.\n"
      "\n"
      "With --json it reads commands from standard input, one a line: choose ITEM, key r, key q.\n"
-     "SIGINT and SIGTERM end it with status 0. A script's job in the background starts with "
-     "SIGINT\n"
-     "ignored, and that stays so: end it with SIGTERM, or close its output.\n"
+     "SIGINT and SIGTERM end it with status 0. A background job of a script ignores SIGINT: end "
+     "it\n"
+     "with SIGTERM, or close its output.\n"
      "\n"
      "  brimletctl watch --latest\n"
      "  brimletctl watch --here --format '{percent}% {bar}'\n"
      "  brimletctl watch --latest --waybar\n"},
     {"latest", Call::latest, kNone, "jf", "the newest task",
-     "The task of the session file that was written last: compactions, context usage, title.\n"
+     "Shows compactions, context usage and title of the task whose session file was written last.\n"
      "\n"
      "  brimletctl latest\n"
      "  brimletctl latest --format '{used} of {window} tokens, {left} left'\n"},
@@ -59,15 +58,16 @@ constexpr Command kCommands[] = {
      "\n"
      "  brimletctl task 01a20e72-983b-7e83-81c7-e87b7b63d181 --json\n"},
     {"here", Call::here, kNone, "jfd", "the newest task that works in this folder",
-     "Of the tasks that work in this folder or in one that holds it, the one with the deepest\n"
-     "folder; among equals the newest.\n"
+     "Looks for tasks that work in this folder or in one that holds it. Of several, it shows the "
+     "one\n"
+     "with the deepest folder, and among equals the newest.\n"
      "\n"
      "  brimletctl here\n"
      "  brimletctl here --folder ~/projects/site --format '{status}'\n"},
     {"tasks", Call::tasks, kNone, "jfni", "all tasks with their figures, newest first",
-     "On a terminal a table that fits its width. Elsewhere one task a line: status, time of the "
-     "last\n"
-     "change, folder, title and thread identifier, separated by tabs.\n"
+     "Shows a table that fits the terminal's width. Elsewhere it writes one task a line: status, "
+     "time\n"
+     "of the last change, folder, title and thread identifier, separated by tabs.\n"
      "\n"
      "  brimletctl tasks --since 7d\n"
      "  brimletctl tasks --limit 0 --json\n"},
@@ -76,23 +76,24 @@ constexpr Command kCommands[] = {
      {0, 1, "[ID]"},
      "js",
      "how a task's context filled up, drawn",
-     "The newest task's, unless an identifier is given. Compactions are marked.\n"
+     "Draws the history of the newest task, or of the task with this thread identifier, and marks\n"
+     "compactions.\n"
      "\n"
      "  brimletctl history\n"
      "  brimletctl history --svg >history.svg\n"},
     {"focus", Call::focus, kNone, "j", "which task is in view, or why none is",
-     "As the logs of the Codex desktop application tell.\n"},
+     "Reads the logs of the Codex desktop application.\n"},
     {"titles", Call::titles, kNone, "j", "all titles: thread identifier, tab, title",
-     "One a line, sorted by identifier.\n"},
-    {"doctor", Call::doctor, kNone, "", "what was looked at, and why nothing is shown",
-     "Every place that is read, what was found there, and what watch would show. The status is 0\n"
-     "when a task can be shown, else 1.\n"},
+     "Writes one title a line, sorted by identifier.\n"},
+    {"doctor", Call::doctor, kNone, "", "every place that is read, and why nothing is shown",
+     "Shows every place that is read, what was found there, and what watch would show. The status\n"
+     "is 0 when a task can be shown, else 1.\n"},
     {"query", Call::query, kNone, "", "answers queries from standard input with JSON",
-     "One query a line: focus, latest, task ID, titles, refresh. Each is answered with a line of\n"
-     "JSON before the next is read; what was read once is kept.\n"
+     "Reads one query a line: focus, latest, task ID, titles or refresh. Each is answered with a\n"
+     "line of JSON before the next is read. Files that were read before are only read on.\n"
      "\n"
      "  printf 'latest\\ntitles\\n' | brimletctl query\n"},
-    {"help", Call::help, {0, 1, "[COMMAND]"}, "", "this text, or a command's", ""},
+    {"help", Call::help, {0, 1, "[COMMAND]"}, "", "this help, or help on a command", ""},
 };
 
 std::string padded(std::string text, std::size_t columns) {
@@ -140,7 +141,7 @@ std::string helpOnEverything() {
     }
     return text +
            "\n"
-           "brimletctl help COMMAND tells its own options, with examples.\n"
+           "brimletctl help COMMAND shows a command's own options, with examples.\n"
            "Exit status: 0 an answer was given; 1 there is nothing to show, or it cannot be read;\n"
            "2 the arguments were not understood.\n";
 }
@@ -158,8 +159,9 @@ std::string helpOn(const Command& command) {
         text += isTaken || isCommon(option) ? describedOption(option) : "";
     }
     if (command.options.find('f') != std::string_view::npos) {
-        text += "\nNames in a TEMPLATE; what is not known is --, and {{ and }} are braces:\n  " +
-                wrapped(ORVTemplate::names(), "\n  ") + '\n';
+        text +=
+            "\nNames in a TEMPLATE; an unknown value becomes --, and {{ and }} are braces:\n  " +
+            wrapped(ORVTemplate::names(), "\n  ") + '\n';
     }
     return text;
 }
