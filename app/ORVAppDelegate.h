@@ -16,7 +16,7 @@
 /// The application. It owns everything for the whole run, refreshes every two seconds and on
 /// demand, and decides what the status item and its menu show.
 ///
-/// It is used on the UI thread only, but for its two sources, which belong to the refresh queue
+/// It is used on the UI thread only, except for its two sources, which belong to the refresh queue
 /// once they are made. Closures that have not run yet keep it alive.
 class ORVAppDelegate final : public std::enable_shared_from_this<ORVAppDelegate> {
 public:

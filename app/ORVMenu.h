@@ -21,7 +21,7 @@ enum class ORVMenuAction { none, refresh, terminate, changeLanguage };
 struct ORVMenu;
 
 struct ORVMenuItem {
-    std::string field;  ///< The item's name, as scripts choose it; "" for a separator.
+    std::string field;  ///< The name by which scripts choose the item; "" for a separator.
     std::string title;
     bool enabled = true;
     bool hidden = false;
@@ -47,8 +47,8 @@ struct ORVMenu {
 
 struct ORVStatusItem {
     std::string title;  ///< The text in the menu bar.
-    /// The percentage in the title: how much of the context window is in use. None when the title
-    /// has none.
+    /// How much of the context window the task uses, in percent. It stays while feedback takes the
+    /// title's place. None when no usage is known.
     std::optional<double> percentage;
     std::string toolTip;
     std::unique_ptr<ORVMenu> menu;

@@ -89,6 +89,8 @@ std::optional<ORVTemplate> ORVTemplate::parse(std::string_view text) {
             const std::size_t end = text.find('}');
             const std::string_view name =
                 end == std::string_view::npos ? text : text.substr(1, end == 0 ? 0 : end - 1);
+            // A single "}" gives an empty name here, and a "{" without an end the rest of the text;
+            // neither is in the table.
             if (!findName(name)) {
                 return std::nullopt;
             }

@@ -8,11 +8,11 @@
 namespace app {
 
 std::chrono::seconds age(ORVFileDate date, ORVClock::TimePoint now) {
-    const std::int64_t today =
+    const std::int64_t nowSeconds =
         std::chrono::floor<std::chrono::seconds>(now.time_since_epoch()).count();
     constexpr std::int64_t kLongAgo = std::int64_t{1} << 60U;
     return std::chrono::seconds(
-        std::max<std::int64_t>(0, today - std::max(date.seconds, -kLongAgo)));
+        std::max<std::int64_t>(0, nowSeconds - std::max(date.seconds, -kLongAgo)));
 }
 
 std::string ageText(ORVFileDate date, ORVClock::TimePoint now) {

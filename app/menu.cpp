@@ -1,4 +1,4 @@
-// The menu: built once, filled with texts by key, and what its items do.
+// Builds the menu, fills in its texts, and carries out what a chosen item stands for.
 // Tests: tests/app/app_delegate_test.cpp.
 
 #include "app/ORVAppDelegate.h"

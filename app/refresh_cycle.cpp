@@ -16,7 +16,6 @@ void ORVAppDelegate::applicationDidFinishLaunching() {
         localizer_->showOnlyEnglish();
     }
     refreshQueue_ = host_.makeSerialQueue("com.orvellan.brimlet.refresh");
-    statusItem_.title = text("status_loading");
     statusItem_.toolTip = "Brimlet";
     statusItem_.menu = buildMenu();
     applyLocalization();
@@ -55,11 +54,7 @@ void ORVAppDelegate::finishRefresh(ORVRefreshResults&& results) {
     lastSnapshot_ = std::move(results.snapshot);  // Without a snapshot the old one goes, too.
     lastFolder_ = std::move(results.folder);
     lastHistory_ = std::move(results.history);
-    if (lastSnapshot_) {
-        renderSnapshot(*lastSnapshot_);
-    } else {
-        renderFocusState(*lastFocusState_);
-    }
+    renderLastResults();
     if (isManual) {
         finishManualRefreshFeedbackWithKey(lastError_ ? "refresh_failed" : "refresh_complete");
     } else {

@@ -50,7 +50,7 @@ ORVRefreshResults refreshFromFiles(const ORVRefreshRequest& request,
                                    ORVCodexSessionSource& source) {
     try {
         ORVRefreshResults results = request.task.choice == ORVShownTask::Choice::inView
-                                        ? refreshFromFiles(focusSource, source)
+                                        ? refreshOfTaskInView(focusSource, source)
                                         : refreshOfChosenTask(request.task, source);
         if (results.snapshot && request.wantsFolder) {
             results.folder = source.workingFolderForSessionURL(results.snapshot->fileURL());
@@ -67,8 +67,8 @@ ORVRefreshResults refreshFromFiles(const ORVRefreshRequest& request,
     }
 }
 
-ORVRefreshResults refreshFromFiles(ORVCodexFocusLogSource& focusSource,
-                                   ORVAgentSessionSource& source) {
+ORVRefreshResults refreshOfTaskInView(ORVCodexFocusLogSource& focusSource,
+                                      ORVAgentSessionSource& source) {
     ORVErrorSlot error;
     ORVCodexFocusState focusState = focusSource.currentFocusStateWithError(&error);
     std::optional<ORVSessionSnapshot> snapshot;

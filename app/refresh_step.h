@@ -45,9 +45,9 @@ ORVRefreshResults refreshFromFiles(const ORVRefreshRequest& request,
                                    ORVCodexSessionSource& source);
 
 /// Asks which task is in view and, if there is one, for its snapshot. Both sources write into one
-/// slot, so the error is that of the session source if it reported one, else that of the focus
-/// source.
-ORVRefreshResults refreshFromFiles(ORVCodexFocusLogSource& focusSource,
-                                   ORVAgentSessionSource& source);
+/// slot, in which an error of the session source replaces one of the focus source; only the error
+/// that the task has no session file does not.
+ORVRefreshResults refreshOfTaskInView(ORVCodexFocusLogSource& focusSource,
+                                      ORVAgentSessionSource& source);
 
 }  // namespace app

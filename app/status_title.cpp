@@ -1,4 +1,4 @@
-// The short title of a task, and what else shows figures without words.
+// Writes figures without words: a task's short title, percentages and bars.
 // Tests: tests/app/app_delegate_test.cpp.
 
 #include "app/status_title.h"

@@ -106,7 +106,7 @@ std::string titlesAnswer(const Titles& titles) {
 }
 
 std::string statusText(const ORVSessionSnapshot& snapshot, bool isColored) {
-    const std::string title = app::statusItemTitle(snapshot);
+    std::string title = app::statusItemTitle(snapshot);
     const ORVContextUsage* usage = app::shownUsage(snapshot);
     if (!isColored || !usage) {
         return title;

@@ -45,7 +45,7 @@ std::string answer(Sources& sources, const std::string& query) {
         return titlesAnswer(sources.session.threadTitles());
     }
     if (query == "refresh") {
-        const ORVRefreshResults results = app::refreshFromFiles(sources.focus, sources.session);
+        const ORVRefreshResults results = app::refreshOfTaskInView(sources.focus, sources.session);
         return text::objectJSON({{"focus", focusJSON(results.focusState)},
                                  {"snapshot", snapshotJSON(results.snapshot)},
                                  {"error", errorJSON(results.error)}});

@@ -99,6 +99,7 @@ std::string line(const TaskRow& row, const Cells& cells, const Widths& widths,
 std::string taskTable(const std::vector<TaskRow>& rows, ORVClock::TimePoint now, bool isColored) {
     const terminal::Screen screen = terminal::screenOfOutput();
     std::vector<Cells> table;
+    table.reserve(rows.size());
     for (const TaskRow& row : rows) {
         table.push_back(cellsOf(row, now, screen));
     }

@@ -178,6 +178,7 @@ std::string tasksText(const std::vector<ReadTask>& tasks, const Arguments& argum
         return text;
     }
     std::vector<TaskRow> rows;
+    rows.reserve(tasks.size());
     for (const ReadTask& task : tasks) {
         rows.push_back({*task.snapshot, task.folder.value_or("")});
     }

@@ -49,8 +49,8 @@ public:
     /// path at which it would stand.
     static std::string installedCodexInfoPlistURL(ORVFiles& files);
 
-    /// Returns "CFBundleShortVersionString" of that file, which is read at every call; none when
-    /// the key is absent or its value is not a string.
+    /// Returns "CFBundleShortVersionString" of the property list at infoPlistPath(), which is read
+    /// at every call; none when the file cannot be read or holds no such string.
     std::optional<std::string> installedCodexVersion();
 
     // Log lines (log_lines.cpp)
@@ -59,8 +59,9 @@ public:
     /// change the file's windows and the current event.
     void consumeLineData(std::string_view line, ORVFocusLogFileState& fileState);
 
-    /// Returns the event of an activity line as if its window were unknown, and null for every
-    /// other line. The line must be valid UTF-8.
+    /// Returns the event of an activity line, whatever is known of its window. Returns null for any
+    /// other line, and for one that is not about an active thread in a focused primary window. The
+    /// line must be valid UTF-8.
     static std::shared_ptr<ORVFocusLogEvent> eventFromLineData(std::string_view line);
 
     /// Returns what follows the first "field=" of the line, up to white space; none when the line

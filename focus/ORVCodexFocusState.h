@@ -26,7 +26,10 @@ public:
 
     ORVCodexFocusStatus status() const { return status_; }
 
-    /// Returns a valid thread identifier in the log's spelling when a task is in view, else none.
+    // The refresh step makes up a state for a task that the user has named. Such a state has no
+    // version and no message, and may have no identifier even for a task in view.
+
+    /// Returns the identifier of the task in view, in the log's spelling; none for other statuses.
     const std::optional<std::string>& threadID() const { return threadID_; }
 
     /// Returns the version in the installed application's Info.plist, whatever the status; none

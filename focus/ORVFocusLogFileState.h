@@ -8,7 +8,7 @@
 #include "focus/ORVFocusWindowState.h"
 #include "text/byte_buffer.h"
 
-/// How far one log file has been read, and the windows that it has told of.
+/// How far one log file has been read, and the windows that its lines have described.
 ///
 /// The source owns one for each path. A replaced or shortened file gets a fresh state without
 /// windows; the state of a file that is no longer found is dropped.

@@ -1,7 +1,7 @@
 // What the lines of the desktop application's log mean. An owner-sync line names the route that a
 // window shows, a render-state line tells whether the window is primary, focused and visible; both
 // name the window by its web contents. An activity line names the thread that became active; it
-// counts by itself while its window is unknown or has no route.
+// counts only while its window is unknown or has no route, otherwise the route counts.
 // Tests: tests/focus/focus_test.cpp.
 
 #include "focus/ORVCodexFocusLogSource.h"

@@ -97,9 +97,9 @@ bool ORVCodexFocusLogSource::updateFileState(ORVFocusLogFileState& fileState,
     try {
         return readOn(fileState, *file, fileSize, error);
     } catch (const std::bad_alloc&) {
-        constexpr int kAMinute = 30;
-        fileState = ORVFocusLogFileState{};  // Frees the file's memory.
-        fileState.refreshesToPassOver = kAMinute;
+        constexpr int kRefreshesInAMinute = 30;  // One every two seconds.
+        fileState = ORVFocusLogFileState{};      // Frees the file's memory.
+        fileState.refreshesToPassOver = kRefreshesInAMinute;
         chunkBuffer_.releaseMemory();
         storeError(error, platform::posixError(ENOMEM));
         return false;

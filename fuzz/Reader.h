@@ -16,7 +16,7 @@ public:
         : sessions_(disk, clock, "/codex"), focus_(disk, "/logs", "/Info.plist") {}
 
     std::string answers() {
-        const ORVRefreshResults results = app::refreshFromFiles(focus_, sessions_);
+        const ORVRefreshResults results = app::refreshOfTaskInView(focus_, sessions_);
         std::string text = ctl::focusJSON(results.focusState) + ctl::errorJSON(results.error) +
                            ctl::titlesJSON(sessions_.threadTitles());
         ORVErrorSlot error;

@@ -3,7 +3,7 @@
 #include "l10n/ORVLocalizer.h"
 
 const ORVStringTable& ORVLocalizer::englishStrings() {
-    // A text is never broken, so that it can be searched for.
+    // The layout of this table is kept by hand.
     // clang-format off
     static const ORVStringTable kStrings = {
         {"access_change", "Change Codex Data Access…"},

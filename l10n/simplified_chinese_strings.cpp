@@ -3,7 +3,7 @@
 #include "l10n/ORVLocalizer.h"
 
 const ORVStringTable& ORVLocalizer::simplifiedChineseStrings() {
-    // A text is never broken, so that it can be searched for.
+    // The layout of this table is kept by hand.
     // clang-format off
     static const ORVStringTable kStrings = {
         {"access_change", "重新授权 Codex 数据…"},

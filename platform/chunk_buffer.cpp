@@ -11,8 +11,9 @@
 
 namespace platform {
 namespace {
-constexpr std::size_t kPageBytes = 16 * 1024;  // The largest page of Linux and macOS.
-}
+// A multiple of the usual page of 4 KB; pages of Apple's processors have this size.
+constexpr std::size_t kPageBytes = 16 * 1024;
+}  // namespace
 
 void ChunkBuffer::takeMemory() {
     void* bytes = nullptr;

@@ -62,10 +62,10 @@ constexpr std::uint32_t kCalls[] = {
     // Reading files.
     SYS_read, SYS_readv, SYS_pread64, SYS_lseek, SYS_getdents64, SYS_fstat, SYS_newfstatat,
     SYS_statx, SYS_faccessat, kFaccessat2, SYS_readlinkat, SYS_getcwd,
-    // What is open: the output, and the pipe that wakes the run loop.
+    // Using descriptors: the output, and the pipe that wakes the run loop.
     SYS_write, SYS_writev, SYS_close, kCloseRange, SYS_pipe2, SYS_ppoll, SYS_pselect6,
 #ifdef SYS_open
-    // The same by calls that aarch64 does not have.
+    // Older calls for the purposes of this list, which aarch64 does not have.
     SYS_stat, SYS_lstat, SYS_access, SYS_readlink, SYS_pipe, SYS_poll, SYS_select, SYS_time,
     SYS_getpgrp,
 #endif
@@ -80,7 +80,7 @@ constexpr std::uint32_t kCalls[] = {
     SYS_getrandom, SYS_getpid, SYS_gettid, SYS_getpgid, SYS_getuid, SYS_geteuid, SYS_getgid,
     SYS_getegid, SYS_getrlimit, SYS_getcpu, SYS_sysinfo};
 
-/// Calls that only a thread that stores settings may make, too. Landlock holds it to their folders.
+/// Further calls, for a thread that stores settings. Landlock limits them to the settings' folders.
 constexpr std::uint32_t kCallsForStoring[] = {
     // Opening files with all flags.
     SYS_openat, SYS_mkdirat, SYS_renameat, SYS_unlinkat, SYS_fsync,
@@ -114,7 +114,8 @@ struct Rule {
 };
 
 std::vector<Rule> rulesForAll() {
-    // Without one of these flags, opening changes no file. O_TMPFILE needs an access mode, too.
+    // Opening a file without any of these flags changes nothing. O_TMPFILE takes effect only with
+    // an access mode for writing.
     constexpr std::uint64_t kToWrite = O_ACCMODE | O_CREAT | O_TRUNC;
     constexpr std::uint64_t kAllBits = ~std::uint64_t{0};
     constexpr std::uint32_t kThread = CLONE_VM | CLONE_FS | CLONE_FILES | CLONE_SIGHAND |
@@ -193,11 +194,12 @@ Ruleset everything(long version) {
     Ruleset ruleset{};
     ruleset.files = ((1U << rights) - 1) & ~(kReadFile | kReadFolder);
     ruleset.network = version >= 4 ? 3 : 0;  // To offer a connection, and to make one.
-    ruleset.scopes = version >= 6 ? 3 : 0;   // Sockets that are no files, and signals to others.
+    ruleset.scopes = version >= 6 ? 3 : 0;   // Abstract sockets, and signals to other processes.
     return ruleset;
 }
 
-/// Returns false when the kernel has no Landlock or when it is turned off.
+/// Limits the calling thread's changes of files to these folders. Returns false when the kernel has
+/// no Landlock or has it turned off. In a folder that cannot be opened nothing may be changed.
 bool limitWriting(const std::vector<std::string>& folders) {
     const long version = syscall(kLandlockCreateRuleset, nullptr, 0, kAskForVersion);
     if (version < 1) {

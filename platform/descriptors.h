@@ -19,8 +19,9 @@ namespace platform {
 /// -1), and marks the descriptors that are ready.
 void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds);
 
-/// Waits at most that long until up to PIPE_BUF bytes can be written without waiting, and returns
-/// whether they can.
+/// Waits at most that long until a write of up to PIPE_BUF bytes would not wait, and returns
+/// whether that is so. It is also so when the write would fail at once, for example without a
+/// reader.
 bool isWritable(int descriptor, int milliseconds);
 
 }  // namespace platform

@@ -75,6 +75,7 @@ public:
                     watch.isReady || (hasHungUp && watch.interest == Interest::hangUpOnly &&
                                       static_cast<uintptr_t>(watch.descriptor) == event.ident);
             }
+            // Without this the queue would return the same event again, and the loop would not end.
             struct kevent removal;
             EV_SET(&removal, event.ident, EVFILT_READ, EV_DELETE, 0, 0, nullptr);
             kevent(queue_, &removal, 1, nullptr, 0, nullptr);

@@ -1,4 +1,4 @@
-// Runs closures on queues of Grand Central Dispatch, each in an autorelease pool of its own.
+// Runs closures on queues of Grand Central Dispatch. Tests: tests/appkit/appkit_test.mm.
 // Tests: tests/appkit/appkit_test.mm.
 
 #include "platform/dispatch_queue.h"
@@ -12,7 +12,7 @@ namespace {
 
 using Closure = std::function<void()>;
 
-void* keptUntilItRan(Closure&& closure) {
+void* movedToHeap(Closure&& closure) {
     return std::make_unique<Closure>(std::move(closure)).release();
 }
 
@@ -37,16 +37,16 @@ DispatchQueue::~DispatchQueue() {
 }
 
 void DispatchQueue::dispatch(std::function<void()> closure) {
-    dispatch_async_f(queue_, keptUntilItRan(std::move(closure)), run);
+    dispatch_async_f(queue_, movedToHeap(std::move(closure)), run);
 }
 
 void postToMainQueue(std::function<void()> closure) {
-    dispatch_async_f(dispatch_get_main_queue(), keptUntilItRan(std::move(closure)), run);
+    dispatch_async_f(dispatch_get_main_queue(), movedToHeap(std::move(closure)), run);
 }
 
 void postToMainQueueAfter(std::chrono::nanoseconds delay, std::function<void()> closure) {
     dispatch_after_f(dispatch_time(DISPATCH_TIME_NOW, delay.count()), dispatch_get_main_queue(),
-                     keptUntilItRan(std::move(closure)), run);
+                     movedToHeap(std::move(closure)), run);
 }
 
 }  // namespace platform

@@ -11,8 +11,9 @@
 
 #include "platform/ORVError.h"
 
-/// A file's modification date, exactly as the file system gave it: Unix time, UTC. Two integers,
-/// because any 64-bit number of seconds may stand in an inode and must neither overflow nor round.
+/// A file's modification date, exactly as the file system gave it: Unix time, UTC. It is two
+/// integers, because an inode may hold any 64-bit number of seconds, which must neither overflow
+/// nor be rounded.
 struct ORVFileDate {
     std::int64_t seconds = 0;
     std::int32_t nanoseconds = 0;  ///< 0 to 999 999 999.
@@ -22,7 +23,7 @@ struct ORVFileDate {
 /// The attributes of one item. An attribute that the file system does not have is absent.
 struct ORVFileAttributes {
     std::optional<std::uint64_t> size;        ///< Bytes.
-    std::optional<std::uint64_t> fileNumber;  ///< The inode: another number, another file.
+    std::optional<std::uint64_t> fileNumber;  ///< The inode; a different one is another file.
     std::optional<ORVFileDate> modifiedAt;
 };
 
@@ -46,9 +47,9 @@ public:
 
 /// Everything that Brimlet asks of the file system. Nothing here writes.
 ///
-/// Paths are bytes without an encoding. The functions are called on the refresh queue, except that
-/// the installed application is looked for where its source is made. Several threads may use the
-/// implementation that makeFiles returns. Tests replace it to bring about faults.
+/// Paths are bytes without an encoding. Several threads may use the implementation that makeFiles
+/// returns: the refresh queue, the UI thread, and threads that read many files at once. Tests
+/// replace it to bring about faults.
 class ORVFiles {
 public:
     using NameTest = std::function<bool(std::string_view name)>;
@@ -60,8 +61,8 @@ public:
     /// Visits every regular file below `root`, to any depth, whose name `wanted` accepts and whose
     /// attributes can be read. Hidden files are passed over, hidden folders not entered, symbolic
     /// links neither visited nor followed (but the root itself may be one). Each folder that cannot
-    /// be read is reported to `failed`, and the walk goes on. False when the root itself cannot be
-    /// opened; that is reported, too.
+    /// be read is reported to `failed`, and the walk goes on. Returns false when the root itself
+    /// cannot be opened; that is reported, too.
     virtual bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
                       const ErrorHandler& failed) = 0;
 

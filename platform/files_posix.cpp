@@ -1,6 +1,6 @@
-// The file system of Linux and macOS. A path may name any kind of item, and another one at the next
-// system call: nothing here waits for a FIFO, and a walk enters no link that it finds.
-// Tests: tests/platform/files_test.cpp, over real folders.
+// The file system of Linux and macOS. A path may name any kind of item, and may name another item
+// at the next system call. Therefore nothing here waits for a FIFO, and a walk enters no link that
+// it finds. Tests: tests/platform/files_test.cpp, over real folders.
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -14,7 +14,7 @@ public:
     std::unique_ptr<ORVRepeatingTimer> makeRepeatingTimer(std::chrono::milliseconds interval,
                                                           Closure closure) override;
 
-    /// Called at the end of every turn.
+    /// Sets the closure that is called at the end of every turn.
     void setTurnEnd(Closure turnEnd) { turnEnd_ = std::move(turnEnd); }
 
 private:

@@ -7,7 +7,7 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-/// The target of a timer, which keeps it alive.
+/// The target of a timer. The timer keeps its target alive.
 @interface ORVTimerTarget : NSObject {
     std::function<void()> closure_;
 }
@@ -35,8 +35,8 @@ NS_ASSUME_NONNULL_END
 
 namespace {
 
-/// A timer on the main run loop, in the common modes: in others it would not fire while the menu is
-/// open.
+/// A timer on the main run loop, in the common modes: in the default mode alone it would not fire
+/// while the menu is open.
 class MainTimer final : public ORVRepeatingTimer {
 public:
     MainTimer(std::chrono::milliseconds interval, std::function<void()> closure) {

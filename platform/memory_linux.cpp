@@ -7,7 +7,7 @@
 namespace platform {
 
 void returnFreedMemory() {
-    // glibc raises the first whenever a larger block is freed, unless it has been set.
+    // glibc raises the first threshold when a larger block is freed, unless one of these is set.
     constexpr int kMappedFromBytes = 64 * 1024;
     constexpr int kPageBytes = 4 * 1024;
     mallopt(M_MMAP_THRESHOLD, kMappedFromBytes);

@@ -24,12 +24,10 @@ public:
 
     Clock::time_point nextDue() const { return nextDue_; }
 
-    /// Returns the closure and sets the next firing, a multiple of the interval after the first.
-    /// Firings that were missed are left out.
+    /// Returns the closure of a timer that is due, and sets the next firing a multiple of the
+    /// interval after the first one. Firings that were missed are left out.
     Closure takeDue(Clock::time_point now) {
-        while (nextDue_ <= now) {
-            nextDue_ += interval_ * std::max<Clock::rep>(1, (now - nextDue_) / interval_);
-        }
+        nextDue_ += interval_ * ((now - nextDue_) / interval_ + 1);
         return closure_;
     }
 

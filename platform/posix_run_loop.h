@@ -31,7 +31,7 @@ public:
     void watch(int descriptor, Interest interest, Closure ready);
     void unwatch(int descriptor);
 
-    /// Called at the end of every turn.
+    /// Sets the closure that is called at the end of every turn.
     void setTurnEnd(Closure turnEnd) { turnEnd_ = std::move(turnEnd); }
 
     /// Wakes the loop, which then calls `wakened` in a turn. A signal handler may call this.
@@ -42,7 +42,8 @@ public:
     int run();
     void stop(int status);
 
-    /// Destroys every closure that has not run, and so releases the objects that they keep alive.
+    /// Destroys all closures except those of timers, and so releases the objects that they keep
+    /// alive.
     void dropClosures();
 
 private:

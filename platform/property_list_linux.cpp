@@ -11,10 +11,6 @@
 namespace platform {
 namespace {
 
-bool isNamed(const pugi::xml_node& node, const char* name) {
-    return std::strcmp(node.name(), name) == 0;
-}
-
 /// Returns the whole text of an element, which comments and CDATA sections may divide.
 std::string textOf(const pugi::xml_node& element) {
     std::string text;
@@ -32,11 +28,11 @@ std::optional<std::string> propertyListString(std::string_view bytes, const std:
         return std::nullopt;
     }
     std::optional<std::string> found;
-    pugi::xml_node value;
     for (const pugi::xml_node& name : document.child("plist").child("dict").children("key")) {
         if (textOf(name) == key) {
-            value = name.next_sibling();
-            found = isNamed(value, "string") ? std::optional(textOf(value)) : std::nullopt;
+            const pugi::xml_node value = name.next_sibling();
+            const bool isString = std::strcmp(value.name(), "string") == 0;
+            found = isString ? std::optional(textOf(value)) : std::nullopt;
         }
     }
     return found && text::isValidUTF8(*found) ? found : std::nullopt;

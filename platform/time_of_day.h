@@ -7,7 +7,7 @@
 /// How a language writes the time of day, in two ways, since not every system has the data of every
 /// locale.
 struct ORVTimeFormat {
-    /// "en_US". A system that has the data of locales uses this one's medium style.
+    /// The name of a locale, such as "en_US". A system with locale data uses its medium style.
     const char* locale;
 
     /// The same style as a pattern for `strftime`, for systems without such data. Where it begins

@@ -7,7 +7,7 @@ namespace platform {
 
 std::string mediumTimeOfDay(ORVFileDate date, const ORVTimeFormat& format) {
     @autoreleasepool {
-        // A formatter keeps the time zone of the moment at which it is made.
+        // A new formatter is made each time, because a formatter keeps its first time zone.
         NSDateFormatter* formatter = [[[NSDateFormatter alloc] init] autorelease];
         formatter.locale = [[[NSLocale alloc]
             initWithLocaleIdentifier:foundationString(format.locale)] autorelease];

@@ -22,6 +22,7 @@
 #include "platform/home_folder.h"
 #include "platform/user_defaults.h"
 #include "text/json_text.h"
+#include "text/paths.h"
 
 namespace platform {
 namespace {
@@ -30,19 +31,10 @@ namespace dom = simdjson::dom;
 
 constexpr std::size_t kLimitBytes = 64 * 1024;
 
-std::string settingsFolder() {
+std::string settingsPath() {
     const char* variable = std::getenv("XDG_CONFIG_HOME");
     const bool isUsable = variable && *variable == '/';  // The XDG rules ignore a relative path.
-    return (isUsable ? variable : homeFolder() + "/.config") + "/brimlet";
-}
-
-std::string settingsPath() {
-    return settingsFolder() + "/defaults.json";
-}
-
-std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == 0 ? "/" : path.substr(0, slash);
+    return (isUsable ? variable : homeFolder() + "/.config") + "/brimlet/defaults.json";
 }
 
 std::string reasonOf(int errnoValue) {
@@ -165,7 +157,7 @@ int makeFolders(const std::string& path) {
     if (path == homeFolder() || path == "/") {
         return ENOENT;
     }
-    const int failure = makeFolders(folderOf(path));
+    const int failure = makeFolders(text::folderOf(path));
     if (failure != 0) {
         return failure;
     }
@@ -223,7 +215,7 @@ public:
         const StoredSettings settings = storedSettings(path_);
         std::string reason = settings.refusal;
         if (reason.empty()) {
-            int failure = makeFolders(folderOf(path_));
+            int failure = makeFolders(text::folderOf(path_));
             failure = failure != 0
                           ? failure
                           : replaceFile(settings, withInteger(settings.content, key, value));
@@ -255,9 +247,9 @@ std::vector<std::string> foldersOfUserDefaults() {
     if (!settings.refusal.empty()) {
         return {};
     }
-    std::string folder = folderOf(settings.path);
+    std::string folder = text::folderOf(settings.path);
     while (access(folder.c_str(), F_OK) != 0 && folder != "/" && folder != homeFolder()) {
-        folder = folderOf(folder);
+        folder = text::folderOf(folder);
     }
     return {folder};
 }

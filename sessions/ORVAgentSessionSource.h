@@ -8,8 +8,7 @@
 #include "platform/ORVError.h"
 #include "sessions/ORVSessionSnapshot.h"
 
-/// The questions that the application asks about an agent's session data. Used on the refresh queue
-/// only.
+/// The questions that the application asks about an agent's session data, on the refresh queue.
 class ORVAgentSessionSource {
 public:
     virtual ~ORVAgentSessionSource() = default;
@@ -19,9 +18,9 @@ public:
     [[nodiscard]] virtual std::optional<ORVSessionSnapshot> latestSnapshotWithError(
         ORVErrorSlot* error) = 0;
 
-    /// Returns the task with this identifier, summed over all its session files. Returns none when
-    /// any of the files cannot be read; the slot then holds an error, unless the reason is that the
-    /// file system tells no size or no date.
+    /// Returns the snapshot of the task with this identifier, summed over all its session files.
+    /// Returns none when the task has no file or one of them cannot be read. The slot then holds an
+    /// error, unless the reason is that the file system gave no size or no date.
     [[nodiscard]] virtual std::optional<ORVSessionSnapshot> snapshotForThreadID(
         std::string_view threadID, ORVErrorSlot* error) = 0;
 

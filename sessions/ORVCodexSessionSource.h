@@ -30,8 +30,9 @@ struct ORVTask {
 /// The session files of the Codex application: finds those of a task, follows them as they grow,
 /// and sums up what their records say.
 ///
-/// A source lives as long as the program and keeps its place in every file that it ever read. It is
-/// used on the refresh queue only and locks nothing. A call that fails keeps what it had read.
+/// A source keeps its place in every file that it has read. It locks nothing, so one thread uses it
+/// at a time: in the application the refresh queue. A call that fails keeps what it had read,
+/// unless memory ran out.
 class ORVCodexSessionSource final : public ORVAgentSessionSource {
 public:
     /// Without `codexHome` the Codex home is the folder ".codex" in the user's home. `files` and
@@ -84,8 +85,8 @@ public:
     /// for reading stays allocated, because a caller asks about many tasks in turn.
     std::optional<ORVSessionSnapshot> snapshotForTask(const ORVTask& task, ORVErrorSlot* error);
 
-    /// Forgets what was read of every session file. A caller that asks about each of many tasks
-    /// once calls this after each, so that memory does not grow with their number.
+    /// Forgets the figures of every session file, but not the working folders. A caller that asks
+    /// about each of many tasks once calls this after each, so that memory does not grow with them.
     void forgetFiles();
 
     // Working folders (working_folders.cpp)
@@ -108,12 +109,13 @@ public:
     // Histories (history.cpp)
 
     /// Makes the source record what happens in every file that it reads, at most this many events
-    /// of each: when there are more, neighbours are merged. Must be called before anything is read.
+    /// of each. When there are more, neighbouring usages are merged, and if that is not enough,
+    /// compactions are left out. Must be called before anything is read.
     void keepHistories(std::size_t eventsPerFile) { eventsPerFile_ = eventsPerFile; }
 
     /// Returns what happened in the task from its beginning to its last snapshot, the oldest file's
-    /// events first; null when no snapshot was made. A compaction that stands in several files
-    /// occurs once.
+    /// events first; null when no snapshot was made since forgetFiles, or when histories are not
+    /// kept. A compaction that stands in several files occurs once.
     std::shared_ptr<const ORVHistory> historyForThreadID(std::string_view threadID) const;
 
     // Titles (titles.cpp)
@@ -128,8 +130,10 @@ public:
     /// Reads what the file holds between the state's offset and `fileSize`, which comes from the
     /// file's attributes of this moment, and interprets the complete lines in it. Returns false,
     /// with the system's error, when the file cannot be opened or read; the state then keeps what
-    /// was read before. A file that turns out to be shorter is no failure, and the next call tries
-    /// again. The memory for reading stays allocated until the snapshot that needs it is made.
+    /// was read before. When memory runs out the error is ENOMEM: the state begins anew, and the
+    /// file is not read for a minute unless its size changes. A file that turns out to be shorter
+    /// is no failure, and the next call tries again. The memory for reading stays allocated until
+    /// the snapshot that needs it is made.
     bool updateState(ORVSessionParseState& state, const std::string& url, std::uint64_t fileSize,
                      ORVErrorSlot* error);
 
@@ -143,7 +147,9 @@ public:
     static bool isValidCurrentCompactionObject(const ORVJSONValue& object,
                                                const ORVJSONValue& payload);
 
-    /// Returns what tells one compaction from another; none for a compaction without such a mark.
+    /// Returns the name of a compaction, by which it is counted once: "current:" and its window's
+    /// identifier, or "legacy:" and its time stamp. Returns none when the record holds no such
+    /// text.
     static std::optional<std::string> compactionIdentifierForObject(const ORVJSONValue& object,
                                                                     const ORVJSONValue& payload,
                                                                     bool isCurrent);

@@ -11,7 +11,7 @@ public:
     /// Returns the tokens of the turn, "input_tokens" of the token count; 1 or more.
     std::int64_t inputTokens() const { return inputTokens_; }
 
-    /// Returns the tokens that the window holds, "model_context_window"; 1 or more.
+    /// Returns the tokens that the window holds, "model_context_window"; 1 or more in a session.
     std::int64_t contextWindow() const { return contextWindow_; }
 
     /// Returns the tokens of the turn in percent of the window. A turn that exceeded the window

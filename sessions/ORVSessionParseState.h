@@ -20,9 +20,8 @@ struct ORVRecordedEvent {
 
 /// How far one session file has been read, and what its records have said so far.
 ///
-/// The source owns one for each path and uses it on the refresh queue only. A replaced or shortened
-/// file gets a fresh state; fields are never reset one by one, so no figure of the old file can
-/// survive.
+/// The source owns one for each path. A replaced or shortened file gets a fresh state; fields are
+/// never reset one by one, so no figure of the old file can survive.
 struct ORVSessionParseState {
     /// Whether some record was about compaction, understood or not. Before the first of them
     /// compactionStatus says nothing.

@@ -37,11 +37,11 @@ public:
     /// Returns the absolute path of the task's newest session file, in the system's bytes.
     const std::string& fileURL() const { return fileURL_; }
 
-    /// Returns how many different compactions the task's session files tell of.
+    /// Returns how many different compactions the task's session files record.
     std::int64_t compactionCount() const { return compactionCount_; }
 
-    /// Returns the usage that the newest file tells. While contextStatus is incompatible it may be
-    /// that of an earlier turn.
+    /// Returns the usage in the newest file. While contextStatus is incompatible it may be that of
+    /// an earlier turn.
     const std::optional<ORVContextUsage>& contextUsage() const { return contextUsage_; }
     ORVContextStatus contextStatus() const { return contextStatus_; }
     ORVCompactionStatus compactionStatus() const { return compactionStatus_; }

@@ -23,8 +23,8 @@ void merge(ORVRecordedEvent& first, ORVRecordedEvent&& second) {
     }
 }
 
-/// Merges neighbouring usages two by two. Compactions stay, unless most of the remaining events are
-/// compactions: then every second one is dropped.
+/// Merges neighbouring usages two by two. When that leaves more than three quarters of the events,
+/// because compactions stand between the usages, every second compaction is dropped as well.
 void thinOut(std::vector<ORVRecordedEvent>& history) {
     const std::size_t before = history.size();
     std::vector<ORVRecordedEvent> kept;
@@ -68,11 +68,11 @@ void ORVCodexSessionSource::record(const ORVJSONValue& object, std::optional<ORV
 
 ORVHistory ORVCodexSessionSource::historyOfFiles(const std::vector<std::string>& urls) const {
     ORVHistory history;
-    std::unordered_set<std::string_view> told;
+    std::unordered_set<std::string_view> seen;
     for (const std::string& url : urls) {
         for (const ORVRecordedEvent& recorded : states_.at(url).history) {
             const std::string& identifier = recorded.compactionIdentifier;
-            if (identifier.empty() || told.insert(identifier).second) {
+            if (identifier.empty() || seen.insert(identifier).second) {
                 history.push_back(recorded.event);
             }
         }

@@ -139,7 +139,7 @@ bool ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
         return false;
     }
     if (*inputTokens == 0) {
-        // The agent writes this after a compaction, before the next answer: it tells no usage.
+        // The agent writes this after a compaction, before the next answer. It is not a usage.
         if (!state.contextUsage) {
             state.contextStatus = ORVContextStatusWaiting;
         }

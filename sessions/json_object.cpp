@@ -64,7 +64,8 @@ void takeNumber(ORVJSONValue& value, const dom::element& element) {
     value.kind = Kind::number;
     std::uint64_t natural = 0;
     double real = 0;
-    if (element.get_uint64().get(natural) == simdjson::SUCCESS) {  // From a signed one, too.
+    // This succeeds for a number that the parser holds as signed, too, if it is 0 or more.
+    if (element.get_uint64().get(natural) == simdjson::SUCCESS) {
         value.number = natural;
     } else if (element.get_double().get(real) == simdjson::SUCCESS) {
         value.number = real;
@@ -173,8 +174,8 @@ bool isNumberLiteral(std::string_view text) {
     return text.empty();
 }
 
-/// Whether the parser may be unable to hold the number: without an exponent, every shorter one fits
-/// into 64 bits.
+/// Whether the parser may be unable to hold the number. A literal of at most 18 characters without
+/// an exponent always fits.
 bool mayBeTooLarge(std::string_view literal) {
     constexpr std::size_t kDigitsThatFit = 18;
     return literal.size() > kDigitsThatFit || literal.find_first_of("eE") != std::string_view::npos;
@@ -281,7 +282,8 @@ std::optional<ORVJSONValue> ORVJSONReader::readObject(std::string_view text,
     return object;
 }
 
-/// Returns a parser for a text that the kept one cannot take, else null.
+/// Returns a parser for this text alone if the kept one cannot take it. Otherwise returns null, and
+/// the kept one exists.
 std::unique_ptr<ORVJSONReader::Parser> ORVJSONReader::parserForThisTextAlone(std::size_t size) {
     if (size > kUsualLineBytes) {
         releaseMemory();

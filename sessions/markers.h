@@ -9,7 +9,7 @@ namespace sessions {
 inline constexpr std::string_view kCompact = "compact";
 inline constexpr std::string_view kTokenCount = "token_count";
 
-/// The rare bytes, "m…a" and "k…_", are those that were fastest on session files.
+/// The rare bytes, "m…c" and "k…_", are those that were fastest on session files.
 inline constexpr ORVMarker kMarkers[] = {{kCompact, 2, 5}, {kTokenCount, 2, 5}};
 
 }  // namespace sessions

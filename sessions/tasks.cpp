@@ -1,6 +1,6 @@
-// All tasks at once, from the names of the session files. A name holds the identifier of its task;
-// after the task was taken back to an earlier point, that of a segment follows it.
-// Tests: tests/sessions/tasks_test.cpp.
+// All tasks at once, from the names of the session files. A name holds the identifier of its task.
+// A task that was taken back to an earlier point goes on in a file whose name holds a second
+// identifier after that of the task. Tests: tests/sessions/tasks_test.cpp.
 
 #include <algorithm>
 #include <tuple>

@@ -35,7 +35,7 @@ std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTit
     const std::string& path) {
     const auto attributes = files_.attributesOfItem(path, nullptr);
     if (!attributes || attributes->size.value_or(0) > kIndexLimitBytes) {
-        return std::nullopt;  // Its first 64 MB would be read in vain at every refresh.
+        return std::nullopt;  // Reading it up to the limit at every refresh would be in vain.
     }
     auto text = platform::contentsOfFile(files_, path, kIndexLimitBytes);
     if (!text || !text::isValidUTF8(*text)) {

@@ -27,8 +27,8 @@ const ORVJSONShape& firstRecordShape() {
 
 std::optional<std::string> workingFolderIn(const ORVJSONValue& record) {
     const std::string& path = record["payload"]["cwd"].text;
-    const bool isTold = record["type"].text == "session_meta" && path.starts_with('/');
-    return isTold ? std::optional(path) : std::nullopt;
+    const bool namesFolder = record["type"].text == "session_meta" && path.starts_with('/');
+    return namesFolder ? std::optional(path) : std::nullopt;
 }
 
 /// Returns the length of the holder's path when the folder is the holder itself or lies in it, else

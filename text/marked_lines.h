@@ -12,8 +12,9 @@ namespace text {
 /// `consumeLine` with it, without its line feed. Lines without a marker are passed over without
 /// being cut out.
 ///
-/// `pending` holds the beginning of a line whose line feed has not arrived, and after the call what
-/// follows the chunk's last line feed. No byte is searched twice for a line feed.
+/// `pending` holds the beginning of a line whose line feed has not arrived. The call completes that
+/// line and leaves in `pending` the line that the chunk does not end. The bytes in `pending` are
+/// never searched for a line feed again.
 ///
 /// ORVByteBuffer::kReadableBytesBeyond readable bytes must follow the chunk, because consumers may
 /// read as far beyond a line's end. A line is valid during the call of `consumeLine` only.

@@ -8,8 +8,8 @@
 struct ORVMarker {
     std::string_view text;
     /// Positions in `text` of two bytes, the earlier one first. The two decide the speed: choose a
-    /// pair that seldom stands at this distance in the data, since a common pair costs more than
-    /// half. Markers that share the byte at `rareByte` are cheaper to look for together.
+    /// pair that seldom stands at this distance in the data, since a common pair makes the search
+    /// less than half as fast. Markers that share the byte at `rareByte` are found faster together.
     std::size_t rareByte;
     std::size_t otherRareByte;
 };
@@ -34,8 +34,8 @@ class ORVMarkerSearch {
 public:
     static constexpr std::size_t kMostMarkers = 4;
 
-    /// The markers' texts must outlive the search. Each number of markers has a loop of its own, in
-    /// which the compared bytes stay in registers; more markers than that do not compile.
+    /// The markers' texts must outlive the search. At most kMostMarkers markers compile, because
+    /// every number of them has a loop of its own, in which the compared bytes stay in registers.
     template <std::size_t Count>
     explicit ORVMarkerSearch(const ORVMarker (&markers)[Count]) : count_(Count) {
         static_assert(Count <= kMostMarkers);

@@ -1,4 +1,4 @@
-// Compiled for AVX2, so that these functions may be called only on processors that have it.
+// This file is compiled for AVX2. Its function may be called only on processors that have it.
 
 #include "text/marker_scan.h"
 #include "text/marker_search_wide.h"

@@ -1,5 +1,5 @@
-// Asks the processor for AVX2; compiled for the oldest one. Tests:
-// tests/text/marked_lines_test.cpp.
+// Asks whether the processor has AVX2. This file is compiled for processors without it as well.
+// Tests: tests/text/marked_lines_test.cpp.
 
 #include "text/marker_search_wide.h"
 

@@ -60,12 +60,12 @@ std::size_t illFormedLength(std::string_view bytes) {
         length = 2;
     } else if (lead >= 0xE0 && lead <= 0xEF) {
         length = 3;
-        lowest = lead == 0xE0 ? 0xA0 : lowest;    // Else overlong.
-        highest = lead == 0xED ? 0x9F : highest;  // Else a surrogate.
+        lowest = lead == 0xE0 ? 0xA0 : lowest;    // A lower byte would be overlong.
+        highest = lead == 0xED ? 0x9F : highest;  // A higher byte would give a surrogate.
     } else if (lead >= 0xF0 && lead <= 0xF4) {
         length = 4;
-        lowest = lead == 0xF0 ? 0x90 : lowest;    // Else overlong.
-        highest = lead == 0xF4 ? 0x8F : highest;  // Else beyond U+10FFFF.
+        lowest = lead == 0xF0 ? 0x90 : lowest;    // A lower byte would be overlong.
+        highest = lead == 0xF4 ? 0x8F : highest;  // A higher byte would exceed U+10FFFF.
     }
     std::size_t count = 1;
     while (count < length && count < bytes.size() && byteAt(count) >= lowest &&

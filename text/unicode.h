@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// Questions about UTF-8 text. Every function takes any bytes; none throws or fails.
+/// Functions for UTF-8 text. Every function takes any bytes; none reports a failure.
 namespace text {
 
 bool isValidUTF8(std::string_view bytes);

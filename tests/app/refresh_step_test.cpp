@@ -43,7 +43,7 @@ public:
     }
 
     std::string refresh() {
-        const ORVRefreshResults results = app::refreshFromFiles(focus_, sessions_);
+        const ORVRefreshResults results = app::refreshOfTaskInView(focus_, sessions_);
         return ctl::focusJSON(results.focusState) + ctl::snapshotJSON(results.snapshot) +
                ctl::errorJSON(results.error);
     }
@@ -118,7 +118,7 @@ TEST(RefreshStepTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
     /// Returns the focus status, the snapshot's task, and the error.
     const auto refresh = [&](int failingCall) {
         disk.failingCall = failingCall == 0 ? 0 : disk.calls + failingCall;
-        const ORVRefreshResults results = app::refreshFromFiles(focus, sessions);
+        const ORVRefreshResults results = app::refreshOfTaskInView(focus, sessions);
         return std::to_string(results.focusState.status()) +
                (results.snapshot ? " " + results.snapshot->threadID() : "") +
                (results.error ? " error " + std::to_string(results.error->code) : "");

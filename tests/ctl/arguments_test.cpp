@@ -17,6 +17,7 @@ std::variant<ctl::Arguments, ctl::Mistake> parse(const std::string& line) {
         words.push_back(word == "''" ? "" : word);
     }
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words) {
         pointers.push_back(word.data());
     }

@@ -87,8 +87,7 @@ TEST_F(TasksTest, OnlyAFirstLineThatTellsAnAbsoluteFolderCounts) {
                                        sessionMeta("null"),
                                        sessionMeta("\"relative\""),
                                        sessionMeta("\"\""),
-                                       R"({"type":"other","payload":{"cwd":"/"}})"
-                                       "\n",
+                                       "{\"type\":\"other\",\"payload\":{\"cwd\":\"/\"}}\n",
                                        "{}\n" + sessionMeta("\"/\""),
                                        R"({"x":")" + std::string(2'000'000, 'x') +
                                            R"(","type":"session_meta","payload":{"cwd":"/"}})"
