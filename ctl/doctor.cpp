@@ -1,5 +1,5 @@
-// Looks at every place that the program reads. What is missing and what may not be read are told
-// apart. Tests: tests/ctl/brimletctl_test.cpp.
+// Looks at every place that the program reads, and distinguishes items that are missing from items
+// that may not be read. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/doctor.h"
 

@@ -21,6 +21,6 @@ context window is and how often the conversation has been compacted: live in
 a terminal, as a line for tmux, Waybar or a prompt, as JSON, or drawn over
 time.
 
-It reads local files alone, sends nothing anywhere, and has the kernel hold it
-to that.]])
+It reads local files only and sends nothing anywhere, and the kernel enforces
+this.]])
 include(CPack)

@@ -1,12 +1,12 @@
--- Neovim 0.7 or later: `C3 · 47%` in the status line, of the task that works in the
--- current folder; nothing where there is none.
+-- Neovim 0.7 or later: `C3 · 47%` in the status line, for the task that works in the current
+-- folder; nothing if there is none.
 -- Copy to ~/.config/nvim/lua/brimlet.lua and put into init.lua:
 --
 --     local brimlet = require('brimlet')
 --     vim.o.statusline = '%f %h%m%r%=' .. brimlet.item .. ' %l,%c %P'
 --
--- %{...} shows the text as it is, so {title} may stand before {folder}. Do not make it %{%...%}, which
--- takes a title for more of the status line.
+-- %{...} shows the text as it is. Do not use %{%...%}, which would take a title for a part of the
+-- status line's format.
 local M = { item = "%{v:lua.require'brimlet'.text()}" }
 
 local shown = ''

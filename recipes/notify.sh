@@ -1,11 +1,11 @@
 #!/bin/sh
-# Tells once when a task's context window is 85 % full, and again only after it was below that.
+# Notifies once when a task's context window is 85 % full, and again only after it was below that.
 # Copy to ~/.local/bin/brimlet-notify, make it executable and start it with your session:
 #
 #     brimlet-notify [PERCENT]
 #
-# On Linux with notify-send (package libnotify-bin); on a Mac with osascript, untried there. The title
-# is an argument of its own and plain text: nothing in it is run or taken for markup or an option.
+# It uses notify-send on Linux (package libnotify-bin), and osascript on a Mac, which is untried. The
+# title is an argument of its own: nothing in it is run or taken for markup or an option.
 set -eu
 limit=${1:-85}
 
@@ -15,7 +15,7 @@ tell() { # PERCENT TITLE
     else
         osascript -e 'on run {used, task}' -e 'display notification used with title task' -e 'end run' \
             "$1 % of the context window is in use" "$2"
-    fi || true # The next one may arrive.
+    fi || true # A later notification may still arrive.
 }
 
 # Through a named pipe and not `|`, so that the end of this script ends the program.

@@ -1,9 +1,9 @@
 # bash: `C3 · 47% ` before the prompt, in folders that a task works in; nothing elsewhere.
 # Append to ~/.bashrc, below the line that sets PS1.
 #
-# What the program prints is not expanded again, whatever is in the template. It is asked at most every
-# five seconds, and after each change of folder: with thousands of session files an answer takes long
-# enough to be felt.
+# bash does not expand the program's output again, whatever the template holds. The program runs at most
+# every five seconds, and after each change of folder, because an answer takes noticeable time with
+# thousands of session files.
 __brimlet_folder=
 __brimlet_next=0
 __brimlet_text=
@@ -15,7 +15,7 @@ __brimlet() {
         __brimlet_next=$((SECONDS + 5))
         __brimlet_text=$(brimletctl here --format '{status} ' 2>/dev/null)
     fi
-    return "$status" # What follows in PROMPT_COMMAND sees the user's command's status.
+    return "$status" # The rest of PROMPT_COMMAND sees the status of the user's command.
 }
 
 PROMPT_COMMAND="__brimlet${PROMPT_COMMAND:+; $PROMPT_COMMAND}"

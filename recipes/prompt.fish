@@ -1,9 +1,9 @@
 # fish: `C3 · 47%` at the right of the prompt, in folders that a task works in; nothing elsewhere.
-# Copy to ~/.config/fish/conf.d/brimlet.fish. It takes the place of a right prompt of your own; to keep
-# that, leave out the last function and put its line into yours.
+# Copy to ~/.config/fish/conf.d/brimlet.fish. It replaces a right prompt of your own; to keep yours, leave
+# out the last function and add its line to your own function.
 #
-# fish prints the text as it is. The program is asked at most every five seconds, and after each change
-# of folder: with thousands of session files an answer takes long enough to be felt.
+# fish prints the text as it is. The program runs at most every five seconds, and after each change of
+# folder, because an answer takes noticeable time with thousands of session files.
 function __brimlet --on-event fish_prompt
     set -l now (date +%s)
     if test "$PWD" != "$__brimlet_folder" -o "$now" -ge "$__brimlet_next"

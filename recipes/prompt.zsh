@@ -1,9 +1,9 @@
 # zsh: `C3 · 47%` at the right of the prompt, in folders that a task works in; nothing elsewhere.
 # Append to ~/.zshrc, below the line that sets the prompt.
 #
-# The text goes through psvar, since zsh expands no % and, with PROMPT_SUBST, no $( ) that comes from
-# there. The program is asked at most every five seconds, and after each change of folder: with
-# thousands of session files an answer takes long enough to be felt.
+# The text is in psvar, because zsh expands neither % nor, with PROMPT_SUBST, $( ) in it. The program runs
+# at most every five seconds, and after each change of folder, because an answer takes noticeable time
+# with thousands of session files.
 autoload -Uz add-zsh-hook
 __brimlet_folder=
 __brimlet_next=0

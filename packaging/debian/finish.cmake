@@ -1,4 +1,4 @@
-# Makes of the installed files what Debian wants to find in a package. CPack runs it before it packs.
+# Gives the installed files the form that Debian demands of a package. CPack runs this before packing.
 set(FOLDER ${CPACK_TEMPORARY_DIRECTORY}/usr/share)
 set(DOCUMENTS ${FOLDER}/doc/${CPACK_PACKAGE_NAME})
 
@@ -10,7 +10,7 @@ file(READ ${DOCUMENTS}/LICENSE.md LICENCE)
 file(WRITE ${DOCUMENTS}/copyright "Copyright 2026 ${CPACK_PACKAGE_VENDOR}\n\n${LICENCE}")
 file(REMOVE ${DOCUMENTS}/LICENSE.md)
 
-# As a shared library ncurses would be resident in the calls that show no menu, too.
+# A shared ncurses would be resident even in calls that show no menu.
 file(WRITE ${FOLDER}/lintian/overrides/${CPACK_PACKAGE_NAME}
      "${CPACK_PACKAGE_NAME}: embedded-library ncurses *\n")
 
@@ -18,7 +18,7 @@ string(TIMESTAMP DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 file(WRITE ${DOCUMENTS}/changelog
 "${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}) unstable; urgency=medium
 
-  * Release ${CPACK_PACKAGE_VERSION}; CHANGELOG.md tells what is in it.
+  * Release ${CPACK_PACKAGE_VERSION}; see CHANGELOG.md.
 
  -- ${CPACK_PACKAGE_CONTACT}  ${DATE}
 ")
