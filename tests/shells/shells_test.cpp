@@ -9,25 +9,18 @@
 #include "shells/ORVLineOutput.h"
 #include "shells/ORVPosixHost.h"
 #include "tests/support/MemoryDefaults.h"
+#include "tests/support/MemoryFiles.h"
 
 namespace {
 
-/// A disk whose reads hang until the test lets them go on.
-class HangingFiles final : public ORVFiles {
+/// A disk whose walks hang until the test lets them go on.
+class HangingFiles final : public MemoryFiles {
 public:
-    bool walk(const std::string&, const NameTest&, const FileVisitor&,
-              const ErrorHandler&) override {
-        hang();
-        return true;
-    }
-    std::optional<ORVFileAttributes> attributesOfItem(const std::string&, ORVErrorSlot*) override {
-        return {};
-    }
-    std::optional<ORVFileDate> contentModificationDate(const std::string&) override { return {}; }
-    bool itemExists(const std::string&) override { return false; }
-    std::optional<std::string> realPath(const std::string&) override { return {}; }
-    std::unique_ptr<ORVOpenFile> openForReading(const std::string&, ORVErrorSlot*) override {
-        return nullptr;
+    bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
+              const ErrorHandler& failed) override {
+        std::unique_lock<std::mutex> lock(mutex_);
+        changed_.wait(lock, [this] { return goesOn_; });
+        return MemoryFiles::walk(root, wanted, visit, failed);
     }
     void goOn() {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -36,10 +29,6 @@ public:
     }
 
 private:
-    void hang() {
-        std::unique_lock<std::mutex> lock(mutex_);
-        changed_.wait(lock, [this] { return goesOn_; });
-    }
     std::mutex mutex_;
     std::condition_variable changed_;
     bool goesOn_ = false;

@@ -12,7 +12,7 @@
 /// A disk in memory with faults on demand. It counts its calls, so that a test can make each of
 /// them fail. Paths are absolute, without "." and ".."; walks visit items in the order of their
 /// paths.
-class MemoryFiles final : public ORVFiles {
+class MemoryFiles : public ORVFiles {
 public:
     struct Item {
         bool isFolder = false;
