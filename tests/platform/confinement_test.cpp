@@ -22,7 +22,6 @@
 
 #include <cerrno>
 #include <ctime>
-#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -269,9 +268,7 @@ TEST_F(ConfinementTest, WhatThreadsThatReadNeedGoesOn) {
                           DIR* directory = opendir(home.path("open").c_str());
                           expect(directory && readdir(directory), "a folder");
                           closedir(directory);
-                          std::string content;
-                          std::ifstream(home.path("open/old")) >> content;
-                          expect(content == "old", "a file");
+                          expect(home.content("open/old") == "old", "a file");
                           expect(std::string(1 << 24, 'x').size() == 1 << 24, "memory");
                       });
                   }

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "l10n/languages.h"
 #include "platform/confinement.h"
@@ -102,14 +101,6 @@ protected:
         defaults->setInteger(value, "mode");
     }
 
-    std::string contentOf(const std::string& name) {
-        if (std::filesystem::is_directory(home.path(name))) {
-            return "";
-        }
-        std::ifstream content(home.path(name));
-        return {std::istreambuf_iterator<char>(content), {}};
-    }
-
     TemporaryHome home;
     const std::string file = "config/brimlet/defaults.json";
     std::string complaints;
@@ -145,7 +136,7 @@ TEST_F(UserDefaultsTest, AreStoredWholeBesideOtherKeys) {
     store(2);
     EXPECT_EQ("", complaints);
     EXPECT_EQ(2, stored());
-    EXPECT_EQ("{\"their \\\"own\\\"\":[1.5,{\"a\":null}],\"mode\":2}\n", contentOf(file));
+    EXPECT_EQ("{\"their \\\"own\\\"\":[1.5,{\"a\":null}],\"mode\":2}\n", home.content(file));
     struct stat status {};
     stat(home.path(file).c_str(), &status);
     EXPECT_EQ(0644U, status.st_mode & 07777);
@@ -166,7 +157,7 @@ TEST_F(UserDefaultsTest, ALinkIsFollowedToSettingsOfTheSameOwnerOnly) {
     home.makeLink(file, "../../elsewhere/settings");
     store(2);
     EXPECT_EQ("", complaints);
-    EXPECT_EQ("{\"a\":1,\"mode\":2}\n", contentOf("elsewhere/settings"));
+    EXPECT_EQ("{\"a\":1,\"mode\":2}\n", home.content("elsewhere/settings"));
     EXPECT_EQ(std::vector{home.path("elsewhere")}, platform::foldersOfUserDefaults());
     if (geteuid() == 0 && chown(home.path("elsewhere/settings").c_str(), 12345, 12345) == 0) {
         store(1);
@@ -188,19 +179,19 @@ TEST_F(UserDefaultsTest, WhatIsNoSettingsFileStaysAsItIs) {
         home.remove("config");
         home.makeFolder("config/brimlet");
         home.makeLink(file, *target == '/' ? target : home.path(target));
-        const std::string before = contentOf(file);
+        const std::string before = home.content(file);
         store(2);
         EXPECT_EQ(1, std::count(complaints.begin(), complaints.end(), '\n')) << complaints;
         EXPECT_TRUE(complaints.starts_with(home.path(file) + ": ")) << complaints;
         EXPECT_TRUE(std::filesystem::is_symlink(home.path(file))) << target;
-        EXPECT_EQ(before, contentOf(file)) << target;
+        EXPECT_EQ(before, home.content(file)) << target;
         EXPECT_FALSE(home.holds("nowhere"));
         EXPECT_TRUE(platform::foldersOfUserDefaults().empty()) << "nothing is left to write in";
     }
     home.remove("config");
     home.write(file, "not JSON");
     store(2);
-    EXPECT_EQ("not JSON", contentOf(file));
+    EXPECT_EQ("not JSON", home.content(file));
 }
 
 TEST_F(UserDefaultsTest, SayWhereTheyAreStored) {

@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 #include <locale.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "shells/terminal/menu_rows.h"
 #include "shells/terminal/screen_text.h"
 #include "tests/support/PseudoTerminal.h"
@@ -406,9 +403,7 @@ TEST_F(TerminalTest, TheLanguageChosenIsStoredAndChecked) {
     ASSERT_TRUE(ascii.waitFor("Current task: Fix the tests"));
     ascii.press("l");
     EXPECT_TRUE(ascii.waitFor("* Simplified Chinese"));
-    std::stringstream stored;
-    stored << std::ifstream(home.path(".config/brimlet/defaults.json")).rdbuf();
-    EXPECT_EQ("{\"BrimletLanguageMode\":2}\n", stored.str());
+    EXPECT_EQ("{\"BrimletLanguageMode\":2}\n", home.content(".config/brimlet/defaults.json"));
 }
 
 #endif

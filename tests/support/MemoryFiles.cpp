@@ -18,8 +18,8 @@ public:
             storeErrorIfEmpty(error, platform::posixError(EISDIR));
             return std::nullopt;
         }
-        // A file that is read as a whole never seems to end early: its date would not change when its
-        // end appears.
+        // A file that is read as a whole never seems to end early: its date would not change when
+        // its end appears.
         const bool isFollowed =
             !path_.ends_with("session_index.jsonl") && !path_.ends_with(".plist");
         if (offset >= item->content.size() || (isFollowed && disk_.happens(Fault::earlyEnd))) {

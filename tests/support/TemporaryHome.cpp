@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -33,6 +34,12 @@ TemporaryHome::~TemporaryHome() {
 
 bool TemporaryHome::holds(std::string_view name) const {
     return fs::exists(path(name));
+}
+
+std::string TemporaryHome::content(std::string_view name) const {
+    std::ostringstream content;
+    content << std::ifstream(path(name)).rdbuf();
+    return content.str();
 }
 
 void TemporaryHome::write(std::string_view name, std::string_view content) {

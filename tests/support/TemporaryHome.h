@@ -16,6 +16,7 @@ public:
     std::string path(std::string_view name) const { return root_ + '/' + std::string(name); }
 
     bool holds(std::string_view name) const;
+    std::string content(std::string_view name) const;  ///< "" for a folder, or for nothing.
 
     void write(std::string_view name, std::string_view content);  ///< Keeps the file's inode.
     void append(std::string_view name, std::string_view content);
