@@ -198,13 +198,10 @@ void ORVTerminalMenu::pressed(int key) {
         case 'l':
             setSubmenuOpen(!view_.submenuIsOpen);
             break;
-        case '1':
-        case '2':
-        case '3':
-            chooseLanguage(key - '1');
-            break;
         default:
-            if (key > ' ' && key < 127) {
+            if (key >= '1' && key <= '9') {
+                chooseLanguage(key - '1');
+            } else if (key > ' ' && key < 127) {
                 delegate_.performKeyEquivalent(std::string(1, static_cast<char>(key)));
             }
     }
