@@ -97,7 +97,7 @@ public:
     /// Returns, in words, why no task is shown; "" while one is, and before the first refresh ends.
     std::string focusLine() const { return focusItem_->hidden ? "" : focusItem_->title; }
 
-    /// Return the locale of the language that is shown, "zh_CN" or "en_US", and its way to write
+    /// Return the locale of the language that is shown, such as "en_US", and its way to write
     /// the time. Must be called after the launch.
     std::string locale() const { return localizer_->locale(); }
     const ORVTimeFormat& timeFormat() const { return localizer_->timeFormat(); }

@@ -39,7 +39,7 @@ public:
     /// Returns the name of the language that is shown, in that language.
     std::string languageName() const { return stringForKey(language().nameKey); }
 
-    /// Return the locale of that language, "zh_CN" or "en_US", and its way to write the time.
+    /// Return the locale of that language, such as "en_US", and its way to write the time.
     std::string locale() const { return timeFormat().locale; }
     const ORVTimeFormat& timeFormat() const { return language().timeFormat; }
 

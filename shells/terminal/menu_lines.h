@@ -15,7 +15,7 @@ struct View {
     const ORVMenuItem* selected = nullptr;
     bool submenuIsOpen = false;
     bool showsKeys = false;  ///< Whether the list of keys takes the menu's place.
-    std::string locale;      ///< "zh_CN" or "en_US": the language of the words about keys.
+    std::string locale;      ///< Of the words about keys, such as "en_US".
     std::vector<ORVHistoryEvent> history;
 };
 
