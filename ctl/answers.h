@@ -41,7 +41,7 @@ std::string statusText(const ORVSessionSnapshot& snapshot, bool isColored);
 std::string utcText(ORVFileDate date);
 
 /// Fills the user's template from the snapshot. The folder is looked up only if the template names
-/// it.
+/// it. The time of day is written in the system's language: only `watch` reads the chosen one.
 std::string filledTemplate(const ORVTemplate& ownTemplate, const ORVSessionSnapshot& snapshot,
                            Sources& sources);
 

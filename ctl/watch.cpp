@@ -61,9 +61,11 @@ std::string lineFor(const Arguments& arguments, const ORVAppDelegate& delegate) 
             return json::waybar(delegate);
         case Format::ownTemplate:
             return filledTemplate(*arguments.ownTemplate, delegate);
-        default:
-            return text::forTerminal(delegate.statusLine());
+        case Format::text:
+        case Format::svg:  // The arguments allow it for `history` only.
+            break;
     }
+    return text::forTerminal(delegate.statusLine());
 }
 
 void complainOfOutput(int failure) {

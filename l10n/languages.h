@@ -27,7 +27,8 @@ struct ORVLanguage {
     std::string_view nameKey;   ///< The key of the item's text, the same text in every language.
 
     /// A system language whose tag begins with one of these, in lower case, is shown in this
-    /// language. The first language of the table has none: it is shown for every other tag.
+    /// language; a beginning may end inside of a subtag. The first language of the table has none:
+    /// it is shown for every other tag.
     std::span<const std::string_view> tagPrefixes;
 
     ORVTimeFormat timeFormat;

@@ -12,6 +12,14 @@ struct ORVMarker {
     /// less than half as fast. Markers that share the byte at `rareByte` are found faster together.
     std::size_t rareByte;
     std::size_t otherRareByte;
+
+    /// Markers are constants, so that positions outside of the text or out of order do not compile.
+    consteval ORVMarker(std::string_view markerText, std::size_t rare, std::size_t otherRare)
+        : text(markerText), rareByte(rare), otherRareByte(otherRare) {
+        if (rare >= otherRare || otherRare >= markerText.size()) {
+            throw "positions of a marker's rare bytes";
+        }
+    }
 };
 
 namespace text {

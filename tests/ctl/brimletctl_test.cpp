@@ -128,7 +128,8 @@ TEST_F(BrimletctlTest, WatchesAsJSONLines) {
         std::string::npos,
         outcome.output.find(R"({"item":"chineseLanguageItem","title":"简体中文","enabled":true,)"
                             R"("hidden":false,"tag":2,"state":true}]},{"item":"refreshItem",)"
-                            R"("title":"重新检测")"));
+                            R"("title":"重新检测")"))
+        << outcome.output;
     EXPECT_EQ("brimletctl: unknown command: key x\n", run("cat $HOME/complaints").output);
     EXPECT_EQ("{\"BrimletLanguageMode\":2}\n", run("cat $HOME/.config/brimlet/*").output);
     EXPECT_EQ("0\n",

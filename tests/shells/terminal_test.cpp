@@ -379,7 +379,8 @@ TEST_F(TerminalTest, SpeaksEnglishWhereTheCharactersOfTheLanguageCannotBeShown) 
         PseudoTerminal& t = start("exec $b watch", environment);
         EXPECT_TRUE(t.waitFor("Current task: Fix the tests")) << environment;
         t.press("l");
-        EXPECT_TRUE(t.waitUntil([&] { return t.rightEdge().starts_with("+|+|||+||+||||||+"); }));
+        EXPECT_TRUE(t.waitUntil([&] { return t.rightEdge().starts_with("+|+|||+||+||||||+"); }))
+            << t.screen();
         const std::string screen = t.screen();
         EXPECT_NE(std::string::npos, screen.find("* System Default")) << screen;
         EXPECT_NE(std::string::npos, screen.find("Simplified Chinese")) << screen;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr ORVMarker kOne[] = {{"compact", 2, 5}};
 constexpr ORVMarker kTwo[] = {{"compact", 2, 5}, {"token_count", 2, 5}};
+constexpr ORVMarker kThree[] = {{"compact", 2, 5}, {"token_count", 2, 5}, {"wA=", 0, 1}};
 constexpr ORVMarker kSharedByte[] = {{"xw_a", 1, 2}, {"owner sync ", 1, 7}, {"wA=", 0, 1}};
 constexpr ORVMarker kFour[] = {
     {"compact", 2, 5}, {"token_count", 2, 5}, {"wA=", 0, 1}, {"_k", 0, 1}};
@@ -38,9 +39,10 @@ TEST(MarkerSearchTest, FindsWhatAPlainSearchFinds) {
         const std::pair<Markers, ORVMarkerSearch> kSearches[] = {
             {kOne, ORVMarkerSearch(kOne)},
             {kTwo, ORVMarkerSearch(kTwo)},
+            {kThree, ORVMarkerSearch(kThree)},
             {kSharedByte, ORVMarkerSearch(kSharedByte)},
             {kFour, ORVMarkerSearch(kFour)}};
-        const auto& [markers, search] = kSearches[round % 4];
+        const auto& [markers, search] = kSearches[round % 5];
         const std::string bytes = randomBytes(random, markers, random() % 700);
         std::size_t plain = bytes.size();
         std::size_t plainRareByte = std::string::npos;
