@@ -108,12 +108,7 @@ std::string titlesAnswer(const Titles& titles) {
 std::string statusText(const ORVSessionSnapshot& snapshot, bool isColored) {
     std::string title = app::statusItemTitle(snapshot);
     const ORVContextUsage* usage = app::shownUsage(snapshot);
-    if (!isColored || !usage) {
-        return title;
-    }
-    const std::size_t percentage = title.rfind(' ') + 1;
-    return title.substr(0, percentage) +
-           coloredByPercentage(title.substr(percentage), usage->percentage());
+    return isColored && usage ? coloredStatus(title, usage->percentage()) : title;
 }
 
 std::string snapshotText(const ORVSessionSnapshot& snapshot, bool isColored) {

@@ -11,7 +11,7 @@
 #include "sessions/ORVSessionSnapshot.h"
 
 /// The answers of brimletctl, as JSON and as text for people. Scripts rely on the JSON: its keys
-/// and their order never change. Only titlesText ends lines.
+/// and their order never change. Callers add line feeds, except to titlesText.
 namespace ctl {
 
 using Titles = std::map<std::string, std::string>;

@@ -189,7 +189,7 @@ private:
 
     void setFormat(Format format) {
         if (result_.format != Format::text && result_.format != format) {
-            fail("only one of --json, --format, --waybar and --svg can be had at once");
+            fail("only one of --json, --format, --waybar and --svg can be given");
         }
         result_.format = format;
     }

@@ -1,5 +1,5 @@
-// Which folder the agent uses. A relative $CODEX_HOME is ignored, since it would name another
-// folder wherever the program is started. Tests: tests/ctl/brimletctl_test.cpp.
+// Finds the folder that the agent uses. A relative $CODEX_HOME is ignored, since it would name
+// another folder wherever the program is started. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/codex_home.h"
 

@@ -35,6 +35,12 @@ std::string coloredByPercentage(std::string_view text, double percentage) {
                    text);
 }
 
+std::string coloredStatus(std::string_view title, double percentage) {
+    const std::size_t lastWord = title.rfind(' ') + 1;
+    return std::string(title.substr(0, lastWord)) +
+           coloredByPercentage(title.substr(lastWord), percentage);
+}
+
 std::string bold(std::string_view text) {
     return wrapped("1", text);
 }

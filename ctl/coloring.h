@@ -14,6 +14,9 @@ bool isColored(Coloring coloring, int descriptor);
 /// Returns the text in the colour for this percentage: green, yellow from 60 %, red from 85 %.
 std::string coloredByPercentage(std::string_view text, double percentage);
 
+/// Returns a status title with its percentage, which is its last word, in the same colour.
+std::string coloredStatus(std::string_view title, double percentage);
+
 std::string bold(std::string_view text);
 
 }  // namespace ctl

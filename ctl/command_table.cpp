@@ -38,9 +38,8 @@ constexpr Command kCommands[] = {
      "line has changed, as tmux, polybar and i3blocks need it.\n"
      "\n"
      "With --json it reads commands from standard input, one a line: choose ITEM, key r, key q.\n"
-     "SIGINT and SIGTERM end it with status 0. A background job of a script ignores SIGINT: end "
-     "it\n"
-     "with SIGTERM, or close its output.\n"
+     "SIGHUP, SIGINT and SIGTERM end it with status 0. A background job of a script ignores\n"
+     "SIGINT: end it with SIGTERM, or close its output.\n"
      "\n"
      "  brimletctl watch --latest\n"
      "  brimletctl watch --here --format '{percent}% {bar}'\n"
@@ -55,7 +54,6 @@ constexpr Command kCommands[] = {
      {1, 1, "ID"},
      "jf",
      "the task with this thread identifier",
-     "\n"
      "  brimletctl task 01a20e72-983b-7e83-81c7-e87b7b63d181 --json\n"},
     {"here", Call::here, kNone, "jfd", "the newest task that works in this folder",
      "Looks for tasks that work in this folder or in one that holds it. Of several, it shows the "
@@ -64,10 +62,9 @@ constexpr Command kCommands[] = {
      "\n"
      "  brimletctl here\n"
      "  brimletctl here --folder ~/projects/site --format '{status}'\n"},
-    {"tasks", Call::tasks, kNone, "jfni", "all tasks with their figures, newest first",
-     "Shows a table that fits the terminal's width. Elsewhere it writes one task a line: status, "
-     "time\n"
-     "of the last change, folder, title and thread identifier, separated by tabs.\n"
+    {"tasks", Call::tasks, kNone, "jfni", "the newest tasks with their figures",
+     "On a terminal it shows a table that fits the width. Elsewhere it writes one task a line:\n"
+     "status, time of the last change, folder, title and thread identifier, separated by tabs.\n"
      "\n"
      "  brimletctl tasks --since 7d\n"
      "  brimletctl tasks --limit 0 --json\n"},
@@ -142,17 +139,18 @@ std::string helpOnEverything() {
     return text +
            "\n"
            "brimletctl help COMMAND shows a command's own options, with examples.\n"
-           "Exit status: 0 an answer was given; 1 there is nothing to show, or it cannot be read;\n"
-           "2 the arguments were not understood.\n";
+           "Exit status: 0 an answer was given; 1 there is nothing to show, or it cannot be read "
+           "or\n"
+           "written; 2 the arguments were not understood.\n";
 }
 
 std::string helpOn(const Command& command) {
     std::string text = "usage: brimletctl " + std::string(command.name) +
                        (command.operands.most > 0 ? " " : "") + std::string(command.operands.name) +
                        " [OPTIONS]\n\n" + std::string(command.summary) + ".\n";
-    text += command.help.empty()
-                ? ""
-                : (command.help.starts_with('\n') ? "" : "\n") + std::string(command.help);
+    if (!command.help.empty()) {
+        text += '\n' + std::string(command.help);
+    }
     text += "\nOptions:\n";
     for (const Option& option : kOptions) {
         const bool isTaken = command.options.find(option.letter) != std::string_view::npos;

@@ -1,4 +1,5 @@
-// The short commands, and what all commands need to end. Tests: tests/ctl/brimletctl_test.cpp.
+// Holds the short commands, and the functions by which all commands write an answer or explain why
+// there is none. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/commands.h"
 
@@ -9,8 +10,6 @@
 #include "ctl/answers.h"
 #include "ctl/coloring.h"
 #include "ctl/output.h"
-#include "l10n/languages.h"
-#include "platform/preferred_languages.h"
 #include "sessions/errors.h"
 
 namespace ctl {
@@ -101,16 +100,14 @@ int showTask(Sources& sources, const Arguments& arguments) {
 }
 
 int showHere(Sources& sources, const Arguments& arguments) {
-    ORVErrorSlot error;
-    std::optional<ORVSessionSnapshot> snapshot;
     const auto folder = realFolder(*sources.files, arguments.folder);
-    if (folder) {
-        snapshot = sources.session.snapshotForFolder(*folder, &error);
-    } else if (arguments.format != Format::json) {
-        return kNothingToShow;
-    } else {
-        return finish(snapshotAnswer(snapshot, error) + '\n', kNothingToShow);
+    if (!folder) {
+        return arguments.format == Format::json
+                   ? finish(snapshotAnswer(std::nullopt, {}) + '\n', kNothingToShow)
+                   : kNothingToShow;
     }
+    ORVErrorSlot error;
+    const auto snapshot = sources.session.snapshotForFolder(*folder, &error);
     return showSnapshot(sources, snapshot, error, "no task works in " + *folder, arguments);
 }
 

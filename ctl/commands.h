@@ -11,7 +11,7 @@
 #include "platform/files.h"
 #include "sessions/ORVCodexSessionSource.h"
 
-/// The commands of brimletctl that answer once. Each function returns the program's exit status.
+/// The commands of brimletctl except `doctor` and `watch`. Each returns the program's exit status.
 namespace ctl {
 
 inline constexpr int kAnswered = 0;
@@ -48,8 +48,8 @@ int showHistory(Sources& sources, const Arguments& arguments);
 /// Answers one query a line until the input ends (query.cpp).
 int answerQueries(Sources& sources, std::FILE* input);
 
-/// Writes the answer. Returns `status` if that succeeds, and kAnswered if the reader has closed its
-/// end, which is no failure.
+/// Writes the answer. Returns `status` if that succeeds, kAnswered if the reader has closed its
+/// end, which is no failure, and kNothingToShow if writing fails.
 int finish(std::string_view answer, int status);
 
 /// Returns, for a person, why there is no snapshot: `whatIsMissing` unless something went wrong.

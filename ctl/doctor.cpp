@@ -3,8 +3,8 @@
 
 #include "ctl/doctor.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <new>
 
 #include "app/age.h"
 #include "app/status_title.h"
@@ -134,7 +134,7 @@ private:
         tell("Application",
              sources_.focus.infoPlistPath() + ": " +
                  (focusState.codexVersion() ? "version " + *focusState.codexVersion()
-                                            : std::string("no version is told there")));
+                                            : std::string("no version was found there")));
         if (focusState.status() == ORVCodexFocusStatusTaskInView) {
             inView_ = sources_.session.snapshotForThreadID(*focusState.threadID(), nullptr);
         }
@@ -154,7 +154,7 @@ private:
              std::string(confinement_.filtersCalls ? "the kernel allows no network and no programs"
                                                    : "the kernel does not filter system calls") +
                  (confinement_.limitsWriting ? ", and no writing of files"
-                                             : "; it does not limit writing"));
+                                             : "; it does not limit writing to folders"));
     }
 
     void conclude() {

@@ -14,7 +14,6 @@
 #include "shells/history/history_svg.h"
 #include "shells/terminal/screen_size.h"
 #include "text/json_text.h"
-#include "text/unicode.h"
 
 namespace ctl {
 namespace {

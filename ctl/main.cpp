@@ -28,7 +28,8 @@ using ctl::Call;
 
 /// Gives up every right that the call does not need. Only `watch` stores a setting.
 ORVConfinement confineProcess(Call call) {
-    // Looking up the home folder may need a socket, so this is done before, and once.
+    // Looking up the home folder may need a socket, so it is done once, before sockets are given
+    // up.
     const std::string home = platform::homeFolder();
     if (!home.empty()) {
         setenv("HOME", home.c_str(), 1);

@@ -35,7 +35,7 @@ int writeAll(int descriptor, std::string_view bytes) {
 
 void holdStandardDescriptors() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        // Of the numbers that are free the system gives the lowest.
+        // The system gives the lowest number that is free.
         if (fcntl(descriptor, F_GETFD) < 0) {
             [[maybe_unused]] const int held =
                 open("/dev/null", descriptor == STDERR_FILENO ? O_WRONLY : O_RDONLY);

@@ -63,8 +63,8 @@ std::string answerWithinMemory(Sources& sources, const std::string& query) {
     }
 }
 
-/// Returns the next line without its line feed, and none at the end of the input. Of a line that is
-/// too long one byte more than the longest query is kept, so that it becomes an unknown query.
+/// Returns the next line without its line feed, and none at the end of the input. A line that is
+/// too long is cut to one byte more than the longest query, so that it becomes an unknown query.
 std::optional<std::string> nextLine(std::FILE* input) {
     std::string line;
     int c = getc_unlocked(input);

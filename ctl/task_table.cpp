@@ -7,12 +7,10 @@
 
 #include "app/age.h"
 #include "app/status_title.h"
-#include "ctl/answers.h"
 #include "ctl/coloring.h"
 #include "shells/terminal/screen_size.h"
 #include "shells/terminal/screen_text.h"
 #include "text/paths.h"
-#include "text/unicode.h"
 
 namespace ctl {
 namespace {
@@ -85,7 +83,7 @@ std::string line(const TaskRow& row, const Cells& cells, const Widths& widths,
     };
     std::string text = terminal::fitted(cells.status, widths.status, screen);
     if (isColored && usage && terminal::textColumns(cells.status) <= widths.status) {
-        text.replace(0, cells.status.size(), statusText(row.snapshot, true));
+        text.replace(0, cells.status.size(), coloredStatus(cells.status, usage->percentage()));
     }
     text += colored(fitted(cells.gauge, widths.gauge)) + fitted(cells.age, widths.age) +
             fitted(cells.folder, widths.folder);

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -88,7 +87,7 @@ int watchAsLines(const Arguments& arguments, ORVPosixHost::Settings settings) {
             performCommand(application.delegate(), line);
         });
     } else if (hasPersonAtLines()) {
-        complain("q and Enter end it");
+        complain("type q and Enter to quit");
         input.emplace(application.runLoop(), STDIN_FILENO, [&](const std::string& line) {
             if (line == "q") {
                 application.runLoop().stop(kAnswered);
@@ -105,9 +104,11 @@ int watchAsMenu(const Arguments& arguments, ORVPosixHost::Settings settings) {
     ORVPosixApplication application(std::move(settings), [&](const std::string& complaint) {
         complaints.push_back(complaint);
     });
-    ORVPosixApplication::redrawOn(SIGWINCH);
+    // Before curses begins, which would otherwise install its own handler of SIGWINCH.
+    for (const int signalNumber : {SIGWINCH, SIGCONT}) {
+        ORVPosixApplication::redrawOn(signalNumber);
+    }
     ORVTerminalMenu menu(application.delegate(), isColored(arguments.coloring, STDOUT_FILENO));
-    ORVPosixApplication::redrawOn(SIGCONT);
     application.runLoop().watch(STDIN_FILENO, ORVPosixRunLoop::Interest::readable, [&] {
         if (!menu.readKeys()) {
             application.runLoop().stop(kAnswered);

@@ -11,7 +11,7 @@ option(BRIMLET_PINNED_LIBRARIES "Build simdjson and utf8proc from pinned sources
 
 if(BRIMLET_PINNED_LIBRARIES)
     include(FetchContent)
-    if(DEFINED ENV{BRIMLET_DEPENDENCIES})
+    if(NOT "$ENV{BRIMLET_DEPENDENCIES}" STREQUAL "")
         foreach(LIBRARY simdjson utf8proc)
             string(TOUPPER ${LIBRARY} NAME)
             set(FETCHCONTENT_SOURCE_DIR_${NAME} $ENV{BRIMLET_DEPENDENCIES}/${LIBRARY}

@@ -18,8 +18,8 @@
     host_->runLoop().setTurnEnd([controller = controller_] { [controller update]; });
 }
 
-/// AppKit ends the process while the application still runs, so this is for tests. They see to it
-/// that no refresh is under way: it would use the host.
+/// Only tests call dealloc, because AppKit ends the process without it. A test must first let every
+/// refresh end, since a refresh uses the host.
 - (void)dealloc {
     if (activity_) {
         [[NSProcessInfo processInfo] endActivity:activity_];

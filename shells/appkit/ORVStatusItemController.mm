@@ -16,8 +16,8 @@ NS_ASSUME_NONNULL_BEGIN
 
 namespace {
 
-/// A title may hold any bytes, and characters that turn the direction of the text around them: a
-/// task without a name has that of its file.
+/// Makes a title harmless: one from the index may hold control characters, and characters that turn
+/// the direction of the text around them.
 NSString* stringOf(const std::string& text) {
     return platform::foundationString(text::forTerminal(text));
 }

@@ -140,7 +140,7 @@ bool ORVTerminalMenu::readKeys() {
             pressed(key);
         }
     }
-    // A descriptor that is ready but gives no key is that of a terminal that is gone.
+    // A descriptor that is ready but gives no key may mean that the terminal is gone.
     return isAnyKey || (isatty(STDIN_FILENO) && tcgetpgrp(STDIN_FILENO) >= 0);
 }
 

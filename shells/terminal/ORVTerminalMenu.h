@@ -12,7 +12,7 @@
 /// The status item and its open menu on this process's terminal. Used on the UI thread only.
 ///
 /// The constructor takes the terminal over. Screen, cursor and modes are restored when the menu is
-/// closed or destroyed, and when the process dies of a fault, unless the fault is a full stack.
+/// closed or destroyed, and when the process dies of a fault, unless the fault is a stack overflow.
 class ORVTerminalMenu final : public ORVSurface {
 public:
     /// Whether the terminal can place text. A "dumb" terminal and an unknown one cannot.

@@ -7,13 +7,13 @@ namespace terminal {
 /// Whether the terminal can place text. A "dumb" terminal and an unknown one cannot.
 bool isPossible();
 
-/// Sets the process's locale for characters, and for nothing else. Returns whether text is UTF-8:
-/// also when the environment names no locale, or one of UTF-8 that is not installed.
+/// Sets the process's locale for characters, and for nothing else. Returns whether text is UTF-8,
+/// which it also is when the environment names no locale, or a UTF-8 locale that is not installed.
 bool setUpCharacters();
 
 /// Makes the terminal deliver single keys without echo, hides the cursor, and has pasted text
 /// marked. The terminal is restored by restore(), while the process is stopped from the keyboard,
-/// and when the process dies of a fault, unless the fault is a full stack.
+/// and when the process dies of a fault, unless the fault is a stack overflow.
 void takeOver();
 void restore();
 

@@ -68,7 +68,7 @@ protected:
     NSStatusBarButton* button() const { return delegate.controller.statusItem.button; }
     NSMenu* menu() const { return delegate.controller.statusItem.menu; }
 
-    /// Calls the function with every item of the application and the native item in its place.
+    /// Collects every item of the application with the native item in its place.
     void collect(const ORVMenu& menu, NSMenu* shown) {
         ASSERT_EQ(menu.items.size(), static_cast<std::size_t>(shown.numberOfItems));
         EXPECT_FALSE(shown.autoenablesItems);

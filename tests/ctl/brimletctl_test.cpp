@@ -16,7 +16,8 @@ namespace {
 
 constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
 
-/// Whether this system has the program `timeout`, which a Mac lacks.
+/// Shell code that replaces the program `timeout`, which a Mac lacks, by a function without a
+/// limit.
 constexpr const char* kTimeout = "command -v timeout >/dev/null || timeout() { shift; \"$@\"; }; ";
 
 struct Outcome {

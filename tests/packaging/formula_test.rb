@@ -1,5 +1,5 @@
-# The Homebrew formula, filled in for a release that was made up, without Homebrew: what stands in for
-# its base class notes what the formula says of itself and the commands that it would run.
+# Fills in the Homebrew formula for a made-up release. A stand-in for its base class records what the
+# formula declares and the commands that it would run.
 
 require "pathname"
 

@@ -1,5 +1,5 @@
-// Tries in child processes what a confined process can still do. That the menu works in spite of it
-// shows in tests/shells/terminal_test.cpp.
+// Tries in child processes what a confined process can still do. tests/shells/terminal_test.cpp
+// shows that the menu works in one.
 
 #ifdef BRIMLET_IS_CONFINED
 

@@ -36,7 +36,7 @@ std::string read(const std::string& text) {
     return value ? described(*value) : "refused";
 }
 
-/// Texts that are refused, one a line.
+/// Texts that are accepted, one a line; those that are refused follow.
 const char* const kAccepted = R"({}
  {	} 
 {"":{"":[]},"a":"\u00e9\ud83d\ude80\/\b","b":[true,false,null]}

@@ -276,7 +276,7 @@ protected:
         return *terminal;
     }
 
-    /// Whether modes, screen, cursor and pasting have been restored.
+    /// Expects that modes, screen, cursor and pasting have been restored.
     void expectRestored() const {
         const std::string& output = terminal->output;
         EXPECT_TRUE(terminal->hasModesAsFound());
@@ -420,6 +420,7 @@ TEST_F(TerminalTest, ColoursAreShownWhereTheyAreWanted) {
     EXPECT_TRUE(coloured("TERM=xterm"));
     EXPECT_FALSE(coloured("TERM=mach"));
     EXPECT_FALSE(coloured("TERM=xterm-256color NO_COLOR="));
+    EXPECT_TRUE(start("exec $b tasks --color always", "LC_ALL=C").waitFor("C1 - 47%  #####....."));
 }
 
 }  // namespace
