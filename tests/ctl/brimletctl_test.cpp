@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
+using records::kTask;
 
 /// Shell code that replaces the program `timeout`, which a Mac lacks, by a function without a
 /// limit.
@@ -148,11 +148,7 @@ TEST_F(BrimletctlTest, WatchesAsJSONLines) {
 
 TEST_F(BrimletctlTest, WatchesAsLinesWithoutATerminal) {
     makeTask();
-    home.append(
-        "Library/Logs/com.openai.codex/x.log",
-        "1 thread_stream_view_activity_changed active=true rendererWindowAppearance=primary "
-        "rendererWindowFocused=true conversationId=" +
-            std::string(kTask) + "\n");
+    home.append("Library/Logs/com.openai.codex/x.log", records::log("1 activity TASK"));
     EXPECT_EQ("C– · --%\nC1 · 47%  Fix  [31mthe \"tests\"\n",
               run("timeout 20 $b watch </dev/null | head -2").output);
 }

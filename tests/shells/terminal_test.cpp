@@ -12,6 +12,7 @@
 
 namespace {
 
+using records::kTask;
 using terminal::Fullness;
 
 constexpr int kWidths[] = {20, 40, 80, 200};
@@ -249,17 +250,12 @@ TEST_F(MenuRowsTest, TheHistoryStandsBelowWhereThereIsRoom) {
 /// Runs the program on a terminal, with one task in view.
 class TerminalTest : public testing::Test {
 protected:
-    static constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
-
     TerminalTest() {
         useUnicode();
         setTitle("Fix the tests");
         home.append(".codex/sessions/" + std::string(kTask) + ".jsonl",
                     records::compacted("w1") + records::tokenCount("128000"));
-        home.append("Library/Logs/com.openai.codex/x.log",
-                    "1 thread_stream_view_activity_changed active=true rendererWindowAppearance="
-                    "primary rendererWindowFocused=true conversationId=" +
-                        std::string(kTask) + "\n");
+        home.append("Library/Logs/com.openai.codex/x.log", records::log("1 activity TASK"));
     }
 
     void setTitle(const std::string& title) {
