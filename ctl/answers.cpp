@@ -105,14 +105,11 @@ std::string titlesAnswer(const Titles& titles) {
     return text::objectJSON({{"titles", titlesJSON(titles)}});
 }
 
-std::string statusText(const ORVSessionSnapshot& snapshot, bool isColored) {
-    std::string title = app::statusItemTitle(snapshot);
-    const ORVContextUsage* usage = app::shownUsage(snapshot);
-    return isColored && usage ? coloredStatus(title, usage->percentage()) : title;
-}
-
 std::string snapshotText(const ORVSessionSnapshot& snapshot, bool isColored) {
-    return statusText(snapshot, isColored) + "  " + text::forTerminal(snapshot.title());
+    const std::string status = app::statusItemTitle(snapshot);
+    const ORVContextUsage* usage = app::shownUsage(snapshot);
+    return (isColored && usage ? coloredStatus(status, usage->percentage()) : status) + "  " +
+           text::forTerminal(snapshot.title());
 }
 
 std::string filledTemplate(const ORVTemplate& ownTemplate, const ORVSessionSnapshot& snapshot,

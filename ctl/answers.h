@@ -33,9 +33,6 @@ std::string taskJSON(const ORVSessionSnapshot& snapshot, const std::optional<std
 /// Returns "C3 · 47%  Fix the tests", with a colour for the percentage if colours are wanted.
 std::string snapshotText(const ORVSessionSnapshot& snapshot, bool isColored);
 
-/// Returns the status-item title, with a colour for the percentage if colours are wanted.
-std::string statusText(const ORVSessionSnapshot& snapshot, bool isColored);
-
 /// Returns "2026-01-02T03:04:05.123456789Z". A date outside of the years 0 to 9999 becomes the
 /// first or the last second of them.
 std::string utcText(ORVFileDate date);

@@ -56,9 +56,8 @@ constexpr Command kCommands[] = {
      "the task with this thread identifier",
      "  brimletctl task 01a20e72-983b-7e83-81c7-e87b7b63d181 --json\n"},
     {"here", Call::here, kNone, "jfd", "the newest task that works in this folder",
-     "Looks for tasks that work in this folder or in one that holds it. Of several, it shows the "
-     "one\n"
-     "with the deepest folder, and among equals the newest.\n"
+     "Looks for tasks that work in this folder or in one that holds it. Of several, it shows the\n"
+     "one with the deepest folder, and among equals the newest.\n"
      "\n"
      "  brimletctl here\n"
      "  brimletctl here --folder ~/projects/site --format '{status}'\n"},
@@ -139,9 +138,8 @@ std::string helpOnEverything() {
     return text +
            "\n"
            "brimletctl help COMMAND shows a command's own options, with examples.\n"
-           "Exit status: 0 an answer was given; 1 there is nothing to show, or it cannot be read "
-           "or\n"
-           "written; 2 the arguments were not understood.\n";
+           "Exit status: 0 an answer was given; 1 there is nothing to show, or it cannot be read\n"
+           "or written; 2 the arguments were not understood.\n";
 }
 
 std::string helpOn(const Command& command) {

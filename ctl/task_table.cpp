@@ -15,7 +15,7 @@
 namespace ctl {
 namespace {
 
-constexpr int kGaugeCells = 10;
+constexpr int kGaugeCells = 10;  // Those of app::bar.
 constexpr int kWidestFolder = 20;
 constexpr int kLeastTitle = 12;
 

@@ -35,8 +35,8 @@ std::string ORVCodexSessionSource::sessionsFolder() const {
     return codexHome_ + "/sessions";
 }
 
-/// Visits the session files whose names hold the identifier, letter case disregarded. Returns
-/// false, with an error, when the sessions folder cannot be walked.
+/// Visits the session files whose names hold the identifier, letter case disregarded, and all of
+/// them for "". Returns false, with an error, when the sessions folder cannot be walked.
 bool ORVCodexSessionSource::walkSessionFiles(std::string_view threadID,
                                              const ORVFiles::FileVisitor& visit,
                                              ORVErrorSlot* error) {

@@ -78,6 +78,8 @@ const RecordCase kRecordCases[] = {
     {"event with an empty type", event(R"({"type":"","x":"compact"})"), "C0 · --%"},
     {"conversation", records::message("context_compacted token_count"), "C0 · --%"},
     {"quoted", "{\"type\":\"message\",\"x\":\"{\\\"type\\\":\\\"compacted\\\"}\"}\n", "C0 · --%"},
+    {"usage in another record", but(kUsed, "event_msg", "x"), "C0 · --%"},
+    {"compaction in another record", but(contextCompacted("t"), "event_msg", "x"), "C0 · --%"},
     {"other bytes", event(R"({"type":"COMPACTING","x":"token_count"})"), "C0 · --%"},
     {"escaped", event(R"({"type":"token\u005fcount","x":"compact","info":null})"), "C0 · --%"},
     {"both on one line",
