@@ -106,6 +106,7 @@ public:
 private:
     void readTasks() {
         Sources sources(codexHome_);
+        sources.session.keepTitles();
         for (std::size_t i = next_++; i < tasks_.size(); i = next_++) {
             readTask(sources.session, tasks_[i], results_[i]);
             const std::lock_guard<std::mutex> lock(mutex_);

@@ -126,6 +126,9 @@ bool ORVCodexFocusLogSource::readOn(ORVFocusLogFileState& fileState, ORVOpenFile
 
 void ORVCodexFocusLogSource::consumeCompleteLinesFromFileState(ORVFocusLogFileState& fileState,
                                                                std::string_view chunk) {
-    text::consumeChunk(fileState.pendingData, chunk, markers(),
-                       [&](std::string_view line) { consumeLineData(line, fileState); });
+    text::consumeChunk(fileState.pendingData, chunk, markers(), [&](auto lines) {
+        for (const std::string_view line : lines) {
+            consumeLineData(line, fileState);
+        }
+    });
 }

@@ -20,7 +20,7 @@ namespace platform {
 /// suits a processor's second-level cache, from which a chunk is then searched.
 class ChunkBuffer {
 public:
-    static constexpr std::size_t kChunkBytes = 128 * 1024;
+    static constexpr std::size_t kChunkBytes = 512 * 1024;
 
     /// Reads the next bytes of the file from `offset`: at most `limit`, at most one chunk, and none
     /// at the file's end. Returns nothing, with the system's error, when the file cannot be read.

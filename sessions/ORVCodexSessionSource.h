@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -122,6 +123,10 @@ public:
 
     std::map<std::string, std::string> threadTitles() override;
 
+    /// Reads the titles now and never again. This is for reading many tasks at once, where asking
+    /// for the file's date at every task would be felt.
+    void keepTitles();
+
     /// Returns the path of the file that holds the titles.
     std::string titleIndexPath() const;
 
@@ -142,6 +147,10 @@ public:
     /// Interprets one line, without its line feed. A line that cannot be understood leaves the
     /// state as it is. ORVByteBuffer::kReadableBytesBeyond bytes after the line must be readable.
     void consumeLine(std::string_view line, ORVSessionParseState& state);
+
+    /// Does what consumeLine does with each of the lines in turn, faster: all that a usage tells is
+    /// overtaken by the next one.
+    void consumeLines(std::span<const std::string_view> lines, ORVSessionParseState& state);
 
     /// Whether a "compacted" record has every key of the current format.
     static bool isValidCurrentCompactionObject(const ORVJSONValue& object,
@@ -206,6 +215,7 @@ private:
     void releaseReadingMemory();
 
     // Interpretation (interpretation.cpp)
+    bool tellsUsage(std::string_view line);
     static bool consumeCompaction(const std::optional<std::string>& identifier,
                                   ORVSessionParseState& state);
     static bool consumeTokenCount(const ORVJSONValue& payload, ORVSessionParseState& state);
@@ -244,6 +254,7 @@ private:
 
     std::map<std::string, std::string> titleIndex_;
     std::optional<ORVFileDate> titleIndexModifiedAt_;
+    bool titlesAreKept_ = false;
 
     /// The result of a search for a task's files.
     struct Search {

@@ -108,6 +108,36 @@ void ORVCodexSessionSource::consumeLine(std::string_view line, ORVSessionParseSt
     }
 }
 
+void ORVCodexSessionSource::consumeLines(std::span<const std::string_view> lines,
+                                         ORVSessionParseState& state) {
+    const auto mayTellCompaction = [](std::string_view line) {
+        return dataContainsUTF8(line, kCompact);
+    };
+    const auto isLastUsage = [&](std::string_view line) {
+        return !mayTellCompaction(line) && tellsUsage(line);
+    };
+    // A history needs every usage.
+    const auto lastUsage =
+        eventsPerFile_ > 0 ? lines.rend() : std::find_if(lines.rbegin(), lines.rend(), isLastUsage);
+    const auto linesBefore =
+        static_cast<std::size_t>(std::max<std::ptrdiff_t>(lines.rend() - lastUsage - 1, 0));
+    for (const std::string_view line : lines.first(linesBefore)) {
+        if (mayTellCompaction(line)) {
+            consumeLine(line, state);
+        }
+    }
+    for (const std::string_view line : lines.subspan(linesBefore)) {
+        consumeLine(line, state);
+    }
+}
+
+/// Whether the line, which does not mention compaction, tells a usage.
+bool ORVCodexSessionSource::tellsUsage(std::string_view line) {
+    ORVSessionParseState stateOfThisLine;
+    consumeLine(line, stateOfThisLine);
+    return stateOfThisLine.contextUsage.has_value();
+}
+
 /// Counts a compaction and returns whether it was a new one: each identifier counts once.
 bool ORVCodexSessionSource::consumeCompaction(const std::optional<std::string>& identifier,
                                               ORVSessionParseState& state) {

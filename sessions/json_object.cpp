@@ -1,15 +1,18 @@
-// Lines of JSON through simdjson, whose DOM parser checks the whole text. It refuses some standard
-// JSON: integers beyond 64 bits and numbers beyond every double. Such a line is parsed a second
-// time, with a harmless number in the place of each that cannot be held.
+// Lines of JSON. simdjson checks UTF-8 and finds where each token begins. The walk here visits
+// every token through the library's On-Demand interface, checks it and decodes only what is wanted.
+// The library's DOM would check a text by itself, but it copies every string, and a compaction
+// repeats the whole conversation; it also refuses numbers beyond its own types.
 //
-// Works alike with simdjson 3.0 and 4.x, which name these refusals differently and treat a byte
-// order mark differently. Tests: tests/sessions/json_object_test.cpp, fuzz/session_lines.cpp.
+// Works alike with simdjson 3.0 and 4.x. Tests: tests/sessions/json_object_test.cpp,
+// fuzz/session_lines.cpp.
 
 #include "sessions/json_object.h"
 
 #include <simdjson.h>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <new>
 #include <string>
 
@@ -26,8 +29,14 @@ constexpr std::size_t kUsualLineBytes = 4 * 1024 * 1024;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-namespace dom = simdjson::dom;
+namespace ondemand = simdjson::ondemand;
 using Kind = ORVJSONValue::Kind;
+
+/// Takes the value out of one of the library's results; returns false when it holds an error.
+template <typename Result, typename Value>
+bool get(Result&& result, Value& value) {
+    return std::forward<Result>(result).get(value) == simdjson::SUCCESS;
+}
 
 const ORVJSONShape* wantedField(const ORVJSONShape& shape, std::string_view key) {
     const auto found = std::find_if(shape.fields.begin(), shape.fields.end(),
@@ -49,219 +58,259 @@ ORVJSONValue& addMember(ORVJSONValue& object, const ORVJSONShape& shape) {
     return member.value;
 }
 
-void take(ORVJSONValue& value, const dom::element& element, const ORVJSONShape& shape);
-
-void takeFields(ORVJSONValue& value, const dom::object& object, const ORVJSONShape& shape) {
-    value.members.reserve(shape.fields.size());
-    for (const dom::key_value_pair field : object) {
-        if (const ORVJSONShape* wanted = wantedField(shape, field.key)) {
-            take(addMember(value, *wanted), field.value, *wanted);
-        }
-    }
-}
-
-void takeNumber(ORVJSONValue& value, const dom::element& element) {
-    value.kind = Kind::number;
-    std::uint64_t natural = 0;
-    double real = 0;
-    // This succeeds for a number that the parser holds as signed, too, if it is 0 or more.
-    if (element.get_uint64().get(natural) == simdjson::SUCCESS) {
-        value.number = natural;
-    } else if (element.get_double().get(real) == simdjson::SUCCESS) {
-        value.number = real;
-    }
-}
-
-void take(ORVJSONValue& value, const dom::element& element, const ORVJSONShape& shape) {
-    switch (element.type()) {
-        case dom::element_type::NULL_VALUE:
-            value.kind = Kind::null;
-            break;
-        case dom::element_type::BOOL:
-            value.kind = Kind::boolean;
-            break;
-        case dom::element_type::STRING:
-            value.kind = Kind::string;
-            if (shape.keepsText) {
-                value.text = std::string_view(element);
-            }
-            break;
-        case dom::element_type::ARRAY:
-            value.kind = Kind::array;
-            break;
-        case dom::element_type::OBJECT:
-            value.kind = Kind::object;
-            takeFields(value, dom::object(element), shape);
-            break;
-        default:
-            takeNumber(value, element);
-            break;
-    }
-}
-
-/// Whether the refusal proves that the text is not standard JSON, or is nested too deep. Every
-/// other refusal may come from the parser's own limits.
-bool provesNoJSON(simdjson::error_code refusal) {
-    switch (refusal) {
-        case simdjson::TAPE_ERROR:
-        case simdjson::DEPTH_ERROR:
-        case simdjson::STRING_ERROR:
-        case simdjson::T_ATOM_ERROR:
-        case simdjson::F_ATOM_ERROR:
-        case simdjson::N_ATOM_ERROR:
-        case simdjson::UTF8_ERROR:
-        case simdjson::EMPTY:
-        case simdjson::UNESCAPED_CHARS:
-        case simdjson::UNCLOSED_STRING:
-            return true;
-        default:
-            return false;
-    }
-}
-
-/// Returns how many containers are open at the deepest place of the text.
-std::size_t nestingOf(std::string_view text) {
-    std::size_t deepest = 0;
-    std::size_t depth = 0;
-    bool isInString = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '"') {
-            isInString = !isInString;
-        } else if (isInString) {
-            i += c == '\\' ? 1 : 0;
-        } else if (c == '{' || c == '[') {
-            deepest = std::max(deepest, ++depth);
-        } else if ((c == '}' || c == ']') && depth > 0) {
-            --depth;
-        }
-    }
-    return deepest;
-}
-
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Removes the digits at the beginning of the text; returns false when there are none.
-bool skipDigits(std::string_view& text) {
-    const std::size_t count = std::min(text.find_first_not_of("0123456789"), text.size());
-    text.remove_prefix(count);
-    return count > 0;
+bool isHexDigit(char c) {
+    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool isSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
 /// Whether the whole text is a number in JSON's notation.
 bool isNumberLiteral(std::string_view text) {
-    const auto skip = [&text](std::string_view characters) {
-        const bool isThere =
-            !text.empty() && characters.find(text.front()) != std::string_view::npos;
-        text.remove_prefix(isThere ? 1 : 0);
-        return isThere;
+    const char* position = text.data();
+    const char* const end = position + text.size();
+    const auto skip = [&](char c) { return position != end && *position == c && ++position; };
+    const auto skipDigits = [&] {
+        const char* const first = position;
+        position = std::find_if_not(position, end, isDigit);
+        return position != first;
     };
-    skip("-");
-    if (!skip("0") && !skipDigits(text)) {
+    skip('-');
+    if (!skip('0') && !skipDigits()) {
         return false;
     }
-    if (skip(".") && !skipDigits(text)) {
+    if (skip('.') && !skipDigits()) {
         return false;
     }
-    if (skip("eE")) {
-        skip("+-");
-        if (!skipDigits(text)) {
+    if (skip('e') || skip('E')) {
+        skip('-') || skip('+');
+        if (!skipDigits()) {
             return false;
         }
     }
-    return text.empty();
+    return position == end;
 }
 
-/// Whether the parser may be unable to hold the number. A literal of at most 18 characters without
-/// an exponent always fits.
-bool mayBeTooLarge(std::string_view literal) {
-    constexpr std::size_t kDigitsThatFit = 18;
-    return literal.size() > kDigitsThatFit || literal.find_first_of("eE") != std::string_view::npos;
+/// Whether the letter after a backslash is a whole escape. A table is faster than comparisons,
+/// which a processor cannot predict here.
+bool isOneLetterEscape(char letter) {
+    static constexpr auto kTable = [] {
+        std::array<bool, 256> table{};
+        for (const char c : std::string_view("\"\\/bfnrt")) {
+            table[static_cast<unsigned char>(c)] = true;
+        }
+        return table;
+    }();
+    return kTable[static_cast<unsigned char>(letter)];
 }
+
+/// Whether the text after a backslash begins with "u" and the four digits of a character. Half of a
+/// surrogate pair is none.
+bool isCharacterInNumbers(std::string_view text) {
+    constexpr std::size_t kDigits = 4;
+    if (text.size() <= kDigits || text[0] != 'u') {
+        return false;
+    }
+    const std::string_view digits = text.substr(1, kDigits);
+    const bool isSurrogate = (digits[0] == 'd' || digits[0] == 'D') && digits[1] >= '8';
+    return !isSurrogate && std::all_of(digits.begin(), digits.end(), isHexDigit);
+}
+
+/// What has to be decoded because of the escapes in a text.
+enum class Escapes {
+    simple,     ///< Nothing: they stand for characters that no wanted key has.
+    inNumbers,  ///< The keys, since one may spell a wanted key with "\u".
+    doubtful,   ///< The keys and all strings, since only decoding tells whether they are right.
+};
+
+/// Looks at every backslash of a text. In JSON they stand in strings only.
+Escapes escapesIn(std::string_view text) {
+    Escapes escapes = Escapes::simple;
+    for (std::size_t i = text.find('\\'); i < text.size(); i = text.find('\\', i + 2)) {
+        const std::string_view escape = text.substr(i + 1);
+        if (escape.empty() || !isOneLetterEscape(escape.front())) {
+            if (!isCharacterInNumbers(escape)) {
+                return Escapes::doubtful;
+            }
+            escapes = Escapes::inNumbers;
+        }
+    }
+    return escapes;
+}
+
+/// Walks through a text in its order. Every function returns false as soon as something is not
+/// standard JSON; what was taken until then is worth nothing. Without a shape nothing of a value is
+/// wanted, and `taken` is null.
+class Walk {
+public:
+    explicit Walk(std::string_view text)
+        : end_(text.data() + text.size()), escapes_(escapesIn(text)) {}
+
+    bool readObject(ondemand::object& object, const ORVJSONShape* shape, ORVJSONValue* taken) {
+        if (shape) {
+            taken->kind = Kind::object;
+            taken->members.reserve(shape->fields.size());
+        }
+        for (auto result : object) {
+            std::string_view key;
+            if (result.error() != simdjson::SUCCESS || !readKey(result.value_unsafe(), key)) {
+                return false;
+            }
+            const ORVJSONShape* wanted = shape ? wantedField(*shape, key) : nullptr;
+            if (!readValue(result.value_unsafe().value(), wanted,
+                           wanted ? &addMember(*taken, *wanted) : nullptr)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    bool readKey(ondemand::field& field, std::string_view& key) const {
+        if (escapes_ != Escapes::simple) {
+            return get(field.unescaped_key(), key);
+        }
+        // The key ends at the last quotation mark before the value.
+        const char* const first = field.key().raw();
+        const char* end = field.value().raw_json_token().data();
+        while (*--end != '"') {
+        }
+        key = {first, end};
+        return true;
+    }
+
+    bool readValue(ondemand::value& value, const ORVJSONShape* shape, ORVJSONValue* taken) {
+        // Reaches to the next token, and so over any space between.
+        const std::string_view token = value.raw_json_token();
+        if (token.data() >= end_) {
+            return false;  // The library looks further when brackets do not match.
+        }
+        switch (token.front()) {
+            case '{':
+            case '[':
+                return readContainer(value, token.front(), shape, taken);
+            case '"':
+                return readString(value, shape, taken);
+            default:
+                return readScalar(value, token, taken);
+        }
+    }
+
+    bool readContainer(ondemand::value& value, char bracket, const ORVJSONShape* shape,
+                       ORVJSONValue* taken) {
+        if (depth_ == ORVJSONReader::kMaxDepth) {
+            return false;
+        }
+        ++depth_;
+        bool isRead = false;
+        if (bracket == '{') {
+            ondemand::object object;
+            isRead = get(value.get_object(), object) && readObject(object, shape, taken);
+        } else {
+            ondemand::array array;
+            isRead = get(value.get_array(), array) && readArray(array, taken);
+        }
+        --depth_;
+        return isRead;
+    }
+
+    bool readArray(ondemand::array& array, ORVJSONValue* taken) {
+        if (taken) {
+            taken->kind = Kind::array;
+        }
+        for (auto result : array) {
+            if (result.error() != simdjson::SUCCESS ||
+                !readValue(result.value_unsafe(), nullptr, nullptr)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool readString(ondemand::value& value, const ORVJSONShape* shape, ORVJSONValue* taken) const {
+        const bool keepsText = shape && shape->keepsText;
+        std::string_view text;
+        // Either call moves on. The library takes a string that nobody asked for and that a colon
+        // follows for a key.
+        ondemand::raw_json_string raw;
+        const bool isRead = keepsText || escapes_ == Escapes::doubtful
+                                ? get(value.get_string(), text)
+                                : get(value.get_raw_json_string(), raw);
+        if (taken) {
+            taken->kind = Kind::string;
+            taken->text = keepsText ? text : "";
+        }
+        return isRead;
+    }
+
+    static bool readScalar(ondemand::value& value, std::string_view token, ORVJSONValue* taken) {
+        while (isSpace(token.back())) {
+            token.remove_suffix(1);
+        }
+        const bool isNull = token == "null";
+        if (isNull || token == "true" || token == "false") {
+            if (taken) {
+                taken->kind = isNull ? Kind::null : Kind::boolean;
+            }
+            return true;
+        }
+        if (!isNumberLiteral(token)) {
+            return false;
+        }
+        if (taken) {
+            takeNumber(value, *taken);
+        }
+        return true;
+    }
+
+    static void takeNumber(ondemand::value& value, ORVJSONValue& taken) {
+        taken.kind = Kind::number;
+        std::uint64_t natural = 0;
+        double real = 0;
+        if (get(value.get_uint64(), natural)) {
+            taken.number = natural;
+        } else {
+            const bool isHeld = get(value.get_double(), real) && std::isfinite(real);
+            taken.number = isHeld ? real : 0.5;
+        }
+    }
+
+    const char* const end_;
+    const Escapes escapes_;
+    std::size_t depth_ = 1;  ///< Open objects and arrays; the outermost object is one.
+};
 
 }  // namespace
 
 class ORVJSONReader::Parser {
 public:
-    explicit Parser(std::size_t longestText) : longestText_(longestText) {
-        allowDepth(kMaxDepth);
-        if (document_.allocate(longestText) != simdjson::SUCCESS) {
+    explicit Parser(std::size_t longestText) {
+        if (parser_.allocate(longestText) != simdjson::SUCCESS) {
             throw std::bad_alloc();
         }
     }
 
-    /// Returns the root of the text, which refers to the parser's memory until the next call, and
-    /// none for a text that is not JSON.
-    std::optional<dom::element> parse(std::string_view text) {
-        const auto root = parseOnce(text);
-        if (root || provesNoJSON(refusal_)) {
-            return root;
+    std::optional<ORVJSONValue> readObject(std::string_view text, const ORVJSONShape& shape) {
+        constexpr std::size_t kBeyond = ORVByteBuffer::kReadableBytesBeyond;
+        ondemand::document document;
+        ondemand::object object;
+        std::optional<ORVJSONValue> taken(std::in_place);
+        if (!get(parser_.iterate(text.data(), text.size(), text.size() + kBeyond), document) ||
+            !get(document.get_object(), object) ||
+            !Walk(text).readObject(object, &shape, &*taken) ||
+            document.current_location().error() != simdjson::OUT_OF_BOUNDS) {
+            taken.reset();
         }
-        std::string harmless(text);
-        harmless.append(ORVByteBuffer::kReadableBytesBeyond, ' ');
-        const bool isChanged = replaceNumbersThatCannotBeHeld(harmless, text.size());
-        return isChanged ? parseOnce(std::string_view(harmless).substr(0, text.size()))
-                         : std::nullopt;
+        return taken;
     }
 
 private:
-    std::optional<dom::element> parseOnce(std::string_view text) {
-        auto root = parseToDepth(text);
-        if (refusal_ == simdjson::DEPTH_ERROR && nestingOf(text) == kMaxDepth) {
-            // The library counts one level more below a container that is not empty.
-            allowDepth(kMaxDepth + 1);
-            root = parseToDepth(text);
-            allowDepth(kMaxDepth);
-        }
-        return root;
-    }
-
-    void allowDepth(std::size_t depth) {
-        if (parser_.allocate(longestText_, depth) != simdjson::SUCCESS) {
-            throw std::bad_alloc();
-        }
-    }
-
-    std::optional<dom::element> parseToDepth(std::string_view text) {
-        dom::element root;
-        refusal_ =
-            parser_.parse_into_document(document_, text.data(), text.size(), false).get(root);
-        return refusal_ == simdjson::SUCCESS ? std::optional(root) : std::nullopt;
-    }
-
-    /// Overwrites every number that the parser refuses even by itself with "0.500…" of the same
-    /// length. `size` is the length of the JSON text, which the readable bytes follow. Returns
-    /// whether there was such a number.
-    bool replaceNumbersThatCannotBeHeld(std::string& text, std::size_t size) {
-        bool isChanged = false;
-        bool isInString = false;
-        for (std::size_t i = 0; i < size; ++i) {
-            if (isInString && text[i] == '\\') {
-                ++i;
-            } else if (text[i] == '"') {
-                isInString = !isInString;
-            } else if (!isInString && (isDigit(text[i]) || text[i] == '-')) {
-                const std::size_t end =
-                    std::min(text.find_first_not_of("0123456789+-.eE", i), size);
-                const std::string_view literal = std::string_view(text).substr(i, end - i);
-                if (mayBeTooLarge(literal) && isNumberLiteral(literal) && !parseOnce(literal)) {
-                    text.replace(i, 3, "0.5");
-                    std::fill(text.begin() + static_cast<std::ptrdiff_t>(i) + 3,
-                              text.begin() + static_cast<std::ptrdiff_t>(end), '0');
-                    isChanged = true;
-                }
-                i = end - 1;
-            }
-        }
-        return isChanged;
-    }
-
-    const std::size_t longestText_;
-    dom::parser parser_;
-    dom::document document_;
-    simdjson::error_code refusal_ = simdjson::SUCCESS;
+    ondemand::parser parser_;
 };
 
 ORVJSONReader::ORVJSONReader() = default;
@@ -269,17 +318,11 @@ ORVJSONReader::~ORVJSONReader() = default;
 
 std::optional<ORVJSONValue> ORVJSONReader::readObject(std::string_view text,
                                                       const ORVJSONShape& shape) {
-    if (text.size() > kMaxBytes || text.starts_with(kByteOrderMark)) {
+    if (text.empty() || text.size() > kMaxBytes || text.starts_with(kByteOrderMark)) {
         return std::nullopt;
     }
     const std::unique_ptr<Parser> ownParser = parserForThisTextAlone(text.size());
-    const auto root = (ownParser ? ownParser : parser_)->parse(text);
-    if (!root || !root->is_object()) {
-        return std::nullopt;
-    }
-    ORVJSONValue object;
-    take(object, *root, shape);
-    return object;
+    return (ownParser ? ownParser : parser_)->readObject(text, shape);
 }
 
 /// Returns a parser for this text alone if the kept one cannot take it. Otherwise returns null, and

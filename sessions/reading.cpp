@@ -109,7 +109,7 @@ void ORVCodexSessionSource::consumeCompleteLinesFromState(ORVSessionParseState& 
         chunk.remove_prefix(state.isPassingOverLine ? chunk.size() : lineFeed + 1);
     }
     text::consumeChunk(state.pendingData, chunk, markers(),
-                       [&](std::string_view line) { consumeLine(line, state); });
+                       [&](auto lines) { consumeLines(lines, state); });
     if (state.pendingData.size() > ORVJSONReader::kMaxBytes) {
         state.isPassingOverLine = true;
         state.pendingData = ORVByteBuffer();

@@ -20,6 +20,9 @@ const ORVJSONShape& entryShape() {
 }  // namespace
 
 void ORVCodexSessionSource::refreshTitleIndexIfNeeded() {
+    if (titlesAreKept_) {
+        return;
+    }
     const std::string path = titleIndexPath();
     const auto modifiedAt = files_.contentModificationDate(path);
     if (!modifiedAt || modifiedAt == titleIndexModifiedAt_) {
@@ -58,6 +61,11 @@ std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTit
     });
     jsonReader_.releaseMemory();
     return titles;
+}
+
+void ORVCodexSessionSource::keepTitles() {
+    refreshTitleIndexIfNeeded();
+    titlesAreKept_ = true;
 }
 
 std::string ORVCodexSessionSource::titleIndexPath() const {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace text {
 namespace {
@@ -37,7 +38,7 @@ const char* lineStartBefore(const char* begin, const char* end) {
 }  // namespace
 
 void consumeChunk(ORVByteBuffer& pending, std::string_view chunk, const ORVMarkerSearch& markers,
-                  const std::function<void(std::string_view line)>& consumeLine) {
+                  const LinesConsumer& consumeLines) {
     const char* position = chunk.data();
     const char* const end = position + chunk.size();
     if (!pending.empty()) {
@@ -48,11 +49,12 @@ void consumeChunk(ORVByteBuffer& pending, std::string_view chunk, const ORVMarke
         }
         const std::string_view line = pending.bytes();
         if (markers.find(line.data(), line.data() + line.size()) != line.data() + line.size()) {
-            consumeLine(line);
+            consumeLines({&line, 1});
         }
         pending.clear();
         position = lineFeed + 1;
     }
+    std::vector<std::string_view> lines;
     const char* const restStart = lineStartBefore(position, end);
     while (position != restStart) {
         // The range ends after a line feed, so the line of every marker in it is complete.
@@ -62,8 +64,11 @@ void consumeChunk(ORVByteBuffer& pending, std::string_view chunk, const ORVMarke
         }
         const char* lineStart = lineStartBefore(position, marker);
         const char* lineEnd = findLineFeed(marker, restStart);
-        consumeLine({lineStart, lineEnd});
+        lines.emplace_back(lineStart, lineEnd);
         position = lineEnd + 1;
+    }
+    if (!lines.empty()) {
+        consumeLines(lines);
     }
     pending.append({restStart, end});
 }

@@ -1,4 +1,10 @@
+#include <algorithm>
+#include <random>
+#include <span>
+#include <tuple>
+
 #include "tests/sessions/SessionSourceTest.h"
+#include "text/unicode.h"
 
 namespace {
 
@@ -97,6 +103,35 @@ TEST_F(SessionRecordTest, Records) {
         disk.replace(fileOf(kTask), c.lines);
         EXPECT_EQ(c.title, title());
         EXPECT_EQ(c.contextStatus, snapshot()->contextStatus());
+    }
+}
+
+TEST_F(SessionRecordTest, LinesAtOnceTellWhatTheyTellOneByOne) {
+    std::string text;
+    for (const RecordCase& c : kRecordCases) {
+        text += c.lines;
+    }
+    const std::size_t size = text.size();
+    text.append(ORVByteBuffer::kReadableBytesBeyond, ' ');
+    std::vector<std::string_view> pool;
+    text::forEachLine(std::string_view(text).substr(0, size),
+                      [&](std::string_view line) { pool.push_back(line); });
+    const auto figures = [](const ORVSessionParseState& state) {
+        return std::tuple(state.contextUsage, state.contextStatus, state.sawCompactionSignal,
+                          state.compactionStatus, state.compactionCount);
+    };
+    std::mt19937 random(3);
+    for (int round = 0; round < 5'000; ++round) {
+        std::vector<std::string_view> lines(random() % 9);
+        std::generate(lines.begin(), lines.end(), [&] { return pool[random() % pool.size()]; });
+        ORVSessionParseState one;
+        ORVSessionParseState all;
+        for (const std::string_view line : lines) {
+            source.consumeLine(line, one);
+        }
+        source.consumeLines(std::span(lines).first(lines.size() / 3), all);
+        source.consumeLines(std::span(lines).subspan(lines.size() / 3), all);
+        ASSERT_EQ(figures(one), figures(all)) << "round " << round;
     }
 }
 

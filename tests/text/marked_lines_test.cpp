@@ -87,7 +87,11 @@ TEST(MarkedLinesTest, AnyChunksGiveTheLinesOfTheWhole) {
             position += size;
             chunk.append(ORVByteBuffer::kReadableBytesBeyond, '\0');
             text::consumeChunk(pending, std::string_view(chunk).substr(0, size), search,
-                               [&](std::string_view line) { lines.append(line) += '\n'; });
+                               [&](std::span<const std::string_view> found) {
+                                   for (const std::string_view line : found) {
+                                       lines.append(line) += '\n';
+                                   }
+                               });
         }
         ASSERT_EQ(expected, lines) << "round " << round;
         ASSERT_EQ(bytes.substr(end), pending.bytes());
