@@ -12,9 +12,12 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <new>
 #include <string>
+#include <system_error>
 
 #include "text/byte_buffer.h"
 
@@ -94,6 +97,19 @@ bool isNumberLiteral(std::string_view text) {
         }
     }
     return position == end;
+}
+
+/// Returns the value of a number in JSON's notation. Another byte of the text must follow it. The
+/// library's own conversion gives up on long exponents.
+std::variant<std::uint64_t, double> valueOfNumber(std::string_view literal) {
+    const char* const end = literal.data() + literal.size();
+    std::uint64_t natural = 0;
+    const auto [parsedEnd, error] = std::from_chars(literal.data(), end, natural);
+    if (parsedEnd == end && error == std::errc()) {
+        return natural;
+    }
+    const double real = std::strtod(literal.data(), nullptr);
+    return std::isfinite(real) ? real : 0.5;
 }
 
 /// Whether the letter after a backslash is a whole escape. A table is faster than comparisons,
@@ -197,7 +213,7 @@ private:
             case '"':
                 return readString(value, shape, taken);
             default:
-                return readScalar(value, token, taken);
+                return readScalar(token, taken);
         }
     }
 
@@ -248,7 +264,7 @@ private:
         return isRead;
     }
 
-    static bool readScalar(ondemand::value& value, std::string_view token, ORVJSONValue* taken) {
+    static bool readScalar(std::string_view token, ORVJSONValue* taken) {
         while (isSpace(token.back())) {
             token.remove_suffix(1);
         }
@@ -263,21 +279,10 @@ private:
             return false;
         }
         if (taken) {
-            takeNumber(value, *taken);
+            taken->kind = Kind::number;
+            taken->number = valueOfNumber(token);
         }
         return true;
-    }
-
-    static void takeNumber(ondemand::value& value, ORVJSONValue& taken) {
-        taken.kind = Kind::number;
-        std::uint64_t natural = 0;
-        double real = 0;
-        if (get(value.get_uint64(), natural)) {
-            taken.number = natural;
-        } else {
-            const bool isHeld = get(value.get_double(), real) && std::isfinite(real);
-            taken.number = isHeld ? real : 0.5;
-        }
     }
 
     const char* const end_;

@@ -46,7 +46,7 @@ struct ORVJSONMember {
 /// Parses lines of JSON. It accepts a text that is one object of standard JSON, whatever its
 /// numbers, nested at most kMaxDepth levels and at most kMaxBytes long, and nothing else.
 ///
-/// While it is parsed, a line of many small values takes up to 13 times its length of memory;
+/// While it is parsed, a line of many small values takes up to 5 times its length of memory;
 /// std::bad_alloc is thrown when there is not as much.
 class ORVJSONReader {
 public:

@@ -107,7 +107,11 @@ TEST(JSONObjectTest, TheWantedFields) {
     EXPECT_NE(read(R"({"n":18446744073709551614})"), read(R"({"n":18446744073709551615})"));
     EXPECT_EQ(read(R"({"n":18446744073709551616.0})"), read(R"({"n":18446744073709551616})"));
     EXPECT_EQ(read(R"({"n":-9223372036854775809.0})"), read(R"({"n":-9223372036854775809})"));
-    for (const char* number : {"1e309", "-1E+309"}) {
+    for (const char* zero : {"1e-400", "0e99999999999999999999999999999999"}) {
+        EXPECT_EQ(read(R"({"n":0.0})"), read(std::string(R"({"n":)") + zero + "}")) << zero;
+    }
+    EXPECT_EQ(read(R"({"n":5e9})"), read(R"({"n":5E000000000000000000000000000009 })"));
+    for (const char* number : {"1e309", "-1E+309", "1e99999999999999999999999999999999"}) {
         EXPECT_EQ(read(R"({"n":0.5})"), read(std::string(R"({"n":)") + number + "}")) << number;
     }
     // Such a number, also in a string, leaves the wanted fields beside it as they are.
