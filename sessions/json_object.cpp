@@ -65,10 +65,6 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-bool isHexDigit(char c) {
-    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
 bool isSpace(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
@@ -125,38 +121,15 @@ bool isOneLetterEscape(char letter) {
     return kTable[static_cast<unsigned char>(letter)];
 }
 
-/// Whether the text after a backslash begins with "u" and the four digits of a character. Half of a
-/// surrogate pair is none.
-bool isCharacterInNumbers(std::string_view text) {
-    constexpr std::size_t kDigits = 4;
-    if (text.size() <= kDigits || text[0] != 'u') {
-        return false;
-    }
-    const std::string_view digits = text.substr(1, kDigits);
-    const bool isSurrogate = (digits[0] == 'd' || digits[0] == 'D') && digits[1] >= '8';
-    return !isSurrogate && std::all_of(digits.begin(), digits.end(), isHexDigit);
-}
-
-/// What has to be decoded because of the escapes in a text.
-enum class Escapes {
-    simple,     ///< Nothing: they stand for characters that no wanted key has.
-    inNumbers,  ///< The keys, since one may spell a wanted key with "\u".
-    doubtful,   ///< The keys and all strings, since only decoding tells whether they are right.
-};
-
-/// Looks at every backslash of a text. In JSON they stand in strings only.
-Escapes escapesIn(std::string_view text) {
-    Escapes escapes = Escapes::simple;
+/// Whether every escape in a text is one letter after its backslash, and so right without being
+/// decoded. In JSON, backslashes stand in strings only.
+bool hasOneLetterEscapesOnly(std::string_view text) {
     for (std::size_t i = text.find('\\'); i < text.size(); i = text.find('\\', i + 2)) {
-        const std::string_view escape = text.substr(i + 1);
-        if (escape.empty() || !isOneLetterEscape(escape.front())) {
-            if (!isCharacterInNumbers(escape)) {
-                return Escapes::doubtful;
-            }
-            escapes = Escapes::inNumbers;
+        if (i + 1 == text.size() || !isOneLetterEscape(text[i + 1])) {
+            return false;
         }
     }
-    return escapes;
+    return true;
 }
 
 /// Walks through a text in its order. Every function returns false as soon as something is not
@@ -165,7 +138,7 @@ Escapes escapesIn(std::string_view text) {
 class Walk {
 public:
     explicit Walk(std::string_view text)
-        : end_(text.data() + text.size()), escapes_(escapesIn(text)) {}
+        : end_(text.data() + text.size()), mustDecode_(!hasOneLetterEscapesOnly(text)) {}
 
     bool readObject(ondemand::object& object, const ORVJSONShape* shape, ORVJSONValue* taken) {
         if (shape) {
@@ -174,7 +147,8 @@ public:
         }
         for (auto result : object) {
             std::string_view key;
-            if (result.error() != simdjson::SUCCESS || !readKey(result.value_unsafe(), key)) {
+            if (result.error() != simdjson::SUCCESS ||
+                !get(result.value_unsafe().unescaped_key(), key)) {
                 return false;
             }
             const ORVJSONShape* wanted = shape ? wantedField(*shape, key) : nullptr;
@@ -187,19 +161,6 @@ public:
     }
 
 private:
-    bool readKey(ondemand::field& field, std::string_view& key) const {
-        if (escapes_ != Escapes::simple) {
-            return get(field.unescaped_key(), key);
-        }
-        // The key ends at the last quotation mark before the value.
-        const char* const first = field.key().raw();
-        const char* end = field.value().raw_json_token().data();
-        while (*--end != '"') {
-        }
-        key = {first, end};
-        return true;
-    }
-
     bool readValue(ondemand::value& value, const ORVJSONShape* shape, ORVJSONValue* taken) {
         // Reaches to the next token, and so over any space between.
         const std::string_view token = value.raw_json_token();
@@ -254,9 +215,8 @@ private:
         // Either call moves on. The library takes a string that nobody asked for and that a colon
         // follows for a key.
         ondemand::raw_json_string raw;
-        const bool isRead = keepsText || escapes_ == Escapes::doubtful
-                                ? get(value.get_string(), text)
-                                : get(value.get_raw_json_string(), raw);
+        const bool isRead = keepsText || mustDecode_ ? get(value.get_string(), text)
+                                                     : get(value.get_raw_json_string(), raw);
         if (taken) {
             taken->kind = Kind::string;
             taken->text = keepsText ? text : "";
@@ -286,7 +246,7 @@ private:
     }
 
     const char* const end_;
-    const Escapes escapes_;
+    const bool mustDecode_;  ///< All strings, to see whether their escapes are right.
     std::size_t depth_ = 1;  ///< Open objects and arrays; the outermost object is one.
 };
 
