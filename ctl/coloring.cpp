@@ -22,9 +22,12 @@ bool isColored(Coloring coloring, int descriptor) {
     if (coloring != Coloring::automatic) {
         return coloring == Coloring::always;
     }
-    const char* terminal = std::getenv("TERM");
-    return isatty(descriptor) && !std::getenv("NO_COLOR") && terminal &&
-           std::string_view(terminal) != "dumb";
+    return isatty(descriptor) && !std::getenv("NO_COLOR") && !terminalIsDumb();
+}
+
+bool terminalIsDumb() {
+    const char* const terminal = std::getenv("TERM");
+    return !terminal || std::string_view(terminal) == "dumb";
 }
 
 std::string coloredByPercentage(std::string_view text, double percentage) {

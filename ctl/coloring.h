@@ -11,6 +11,9 @@ namespace ctl {
 /// Whether text on this descriptor is to be coloured.
 bool isColored(Coloring coloring, int descriptor);
 
+/// Whether TERM names no terminal that understands control sequences.
+bool terminalIsDumb();
+
 /// Returns the text in the colour for this percentage: green, yellow from 60 %, red from 85 %.
 std::string coloredByPercentage(std::string_view text, double percentage);
 

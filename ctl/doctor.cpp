@@ -105,9 +105,10 @@ private:
         if (titles.empty()) {
             (void)sources_.files->openForReading(path, &failure);
         }
-        tell(
-            "Titles",
-            path + ": " + (failure ? trouble(failure) : std::to_string(titles.size()) + " titles"));
+        const std::string count = std::to_string(titles.size());
+        tell("Titles", path + ": " +
+                           (failure ? trouble(failure)
+                                    : count + (titles.size() == 1 ? " title" : " titles")));
     }
 
     void lookAtUnreadSessions() {
@@ -158,7 +159,8 @@ private:
     }
 
     void conclude() {
-        const auto latest = sources_.session.latestSnapshotWithError(nullptr);
+        ORVErrorSlot failure;
+        const auto latest = sources_.session.latestSnapshotWithError(&failure);
         canShow_ = inView_ || latest;
         const auto shown = [](const ORVSessionSnapshot& snapshot) {
             return app::statusItemTitle(snapshot) + "  " + text::forTerminal(snapshot.title());
@@ -172,13 +174,21 @@ private:
                 "application; brimletctl watch --latest shows: " +
                 shown(*latest) + '\n';
         } else {
-            report_ += "brimletctl watch shows no task: " +
-                       (sessions_.isFolder && sessions_.count > 0
-                            ? std::string("the newest session file cannot be read.")
-                            : "there is no session file; run the agent once, or name its home with "
-                              "--codex-home.") +
-                       '\n';
+            report_ += "brimletctl watch shows no task: " + reasonForNoTask(failure) + '\n';
         }
+    }
+
+    std::string reasonForNoTask(const ORVErrorSlot& failure) {
+        const std::string orAnotherHome = "or name the agent's home with --codex-home.";
+        if (sessions_.newest) {
+            return "the newest session file " + text::forTerminal(sessions_.newest->path) + ' ' +
+                   trouble(failure) + "; make it readable, " + orAnotherHome;
+        }
+        if (sessions_.failure && sessions_.failure->code != ENOENT) {
+            return "the session files " + trouble(sessions_.failure) + "; make them readable, " +
+                   orAnotherHome;
+        }
+        return "there is no session file; run the agent once, " + orAnotherHome;
     }
 
     Sources& sources_;

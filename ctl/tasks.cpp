@@ -47,7 +47,8 @@ void clearProgressAndDie(int signalNumber) {
 /// Tells a person at a terminal how many tasks have been read.
 class Progress {
 public:
-    explicit Progress(std::size_t total) : total_(total), isWanted_(isatty(STDERR_FILENO) != 0) {}
+    explicit Progress(std::size_t total)
+        : total_(total), isWanted_(isatty(STDERR_FILENO) != 0 && !terminalIsDumb()) {}
     ~Progress() {
         if (isShown_) {
             write(std::string(kClearLine));
@@ -106,7 +107,6 @@ public:
 private:
     void readTasks() {
         Sources sources(codexHome_);
-        sources.session.keepTitles();
         for (std::size_t i = next_++; i < tasks_.size(); i = next_++) {
             readTask(sources.session, tasks_[i], results_[i]);
             const std::lock_guard<std::mutex> lock(mutex_);
@@ -118,6 +118,7 @@ private:
 
     static void readTask(ORVCodexSessionSource& source, const ORVTask& task, ReadTask& result) {
         try {
+            source.readTitlesOnce();
             result.snapshot = source.snapshotForTask(task, &result.error);
             result.folder = source.workingFolderForTask(task);
             source.forgetFiles();

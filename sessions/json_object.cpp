@@ -1,7 +1,7 @@
-// Lines of JSON. simdjson checks UTF-8 and finds where each token begins. The walk here visits
-// every token through the library's On-Demand interface, checks it and decodes only what is wanted.
-// The library's DOM would check a text by itself, but it copies every string, and a compaction
-// repeats the whole conversation; it also refuses numbers beyond its own types.
+// Lines of JSON. simdjson checks the bytes and finds where each token begins. The walk here visits
+// every token through the library's On-Demand interface and checks it. Most strings are not
+// decoded; the library's DOM would copy each, and a compaction repeats the whole conversation. The
+// DOM also refuses numbers beyond its own types.
 //
 // Works alike with simdjson 3.0 and 4.x. Tests: tests/sessions/json_object_test.cpp,
 // fuzz/session_lines.cpp.
@@ -12,12 +12,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <new>
 #include <string>
-#include <system_error>
+#include <utility>
 
 #include "text/byte_buffer.h"
 
@@ -73,7 +72,11 @@ bool isSpace(char c) {
 bool isNumberLiteral(std::string_view text) {
     const char* position = text.data();
     const char* const end = position + text.size();
-    const auto skip = [&](char c) { return position != end && *position == c && ++position; };
+    const auto skip = [&](char c) {
+        const bool isThere = position != end && *position == c;
+        position += isThere ? 1 : 0;
+        return isThere;
+    };
     const auto skipDigits = [&] {
         const char* const first = position;
         position = std::find_if_not(position, end, isDigit);
@@ -87,7 +90,9 @@ bool isNumberLiteral(std::string_view text) {
         return false;
     }
     if (skip('e') || skip('E')) {
-        skip('-') || skip('+');
+        if (!skip('-')) {
+            skip('+');
+        }
         if (!skipDigits()) {
             return false;
         }
@@ -95,16 +100,21 @@ bool isNumberLiteral(std::string_view text) {
     return position == end;
 }
 
-/// Returns the value of a number in JSON's notation. Another byte of the text must follow it. The
-/// library's own conversion gives up on long exponents.
-std::variant<std::uint64_t, double> valueOfNumber(std::string_view literal) {
-    const char* const end = literal.data() + literal.size();
+/// Returns the value of a number in JSON's notation.
+std::variant<std::uint64_t, double> valueOfNumber(ondemand::value& value,
+                                                  std::string_view literal) {
     std::uint64_t natural = 0;
-    const auto [parsedEnd, error] = std::from_chars(literal.data(), end, natural);
-    if (parsedEnd == end && error == std::errc()) {
+    double real = 0;
+    if (get(value.get_uint64(), natural)) {
         return natural;
     }
-    const double real = std::strtod(literal.data(), nullptr);
+    // The library gives up on numbers beyond every double and on long exponents. A number that is
+    // longer still is left alone, since a Mac's strtod may take minutes for a megabyte of digits.
+    constexpr std::size_t kMostDigits = 1'000;
+    if (!get(value.get_double(), real)) {
+        real = literal.size() > kMostDigits ? HUGE_VAL
+                                            : std::strtod(std::string(literal).c_str(), nullptr);
+    }
     return std::isfinite(real) ? real : 0.5;
 }
 
@@ -133,12 +143,12 @@ bool hasOneLetterEscapesOnly(std::string_view text) {
 }
 
 /// Walks through a text in its order. Every function returns false as soon as something is not
-/// standard JSON; what was taken until then is worth nothing. Without a shape nothing of a value is
-/// wanted, and `taken` is null.
+/// standard JSON or nested too deep; what was taken until then is worth nothing. When nothing of a
+/// value is wanted, `shape` and `taken` are null.
 class Walk {
 public:
     explicit Walk(std::string_view text)
-        : end_(text.data() + text.size()), mustDecode_(!hasOneLetterEscapesOnly(text)) {}
+        : end_(text.data() + text.size()), mustDecodeAll_(!hasOneLetterEscapesOnly(text)) {}
 
     bool readObject(ondemand::object& object, const ORVJSONShape* shape, ORVJSONValue* taken) {
         if (shape) {
@@ -165,7 +175,7 @@ private:
         // Reaches to the next token, and so over any space between.
         const std::string_view token = value.raw_json_token();
         if (token.data() >= end_) {
-            return false;  // The library looks further when brackets do not match.
+            return false;  // Where a closing bracket is missing, the library goes on at the end.
         }
         switch (token.front()) {
             case '{':
@@ -174,7 +184,7 @@ private:
             case '"':
                 return readString(value, shape, taken);
             default:
-                return readScalar(token, taken);
+                return readScalar(value, token, taken);
         }
     }
 
@@ -212,11 +222,11 @@ private:
     bool readString(ondemand::value& value, const ORVJSONShape* shape, ORVJSONValue* taken) const {
         const bool keepsText = shape && shape->keepsText;
         std::string_view text;
-        // Either call moves on. The library takes a string that nobody asked for and that a colon
-        // follows for a key.
+        // One of the two must be called: the library would take an unread string before a colon for
+        // a key, and pass over both.
         ondemand::raw_json_string raw;
-        const bool isRead = keepsText || mustDecode_ ? get(value.get_string(), text)
-                                                     : get(value.get_raw_json_string(), raw);
+        const bool isRead = keepsText || mustDecodeAll_ ? get(value.get_string(), text)
+                                                        : get(value.get_raw_json_string(), raw);
         if (taken) {
             taken->kind = Kind::string;
             taken->text = keepsText ? text : "";
@@ -224,7 +234,7 @@ private:
         return isRead;
     }
 
-    static bool readScalar(std::string_view token, ORVJSONValue* taken) {
+    static bool readScalar(ondemand::value& value, std::string_view token, ORVJSONValue* taken) {
         while (isSpace(token.back())) {
             token.remove_suffix(1);
         }
@@ -240,14 +250,14 @@ private:
         }
         if (taken) {
             taken->kind = Kind::number;
-            taken->number = valueOfNumber(token);
+            taken->number = valueOfNumber(value, token);
         }
         return true;
     }
 
     const char* const end_;
-    const bool mustDecode_;  ///< All strings, to see whether their escapes are right.
-    std::size_t depth_ = 1;  ///< Open objects and arrays; the outermost object is one.
+    const bool mustDecodeAll_;  ///< Every string, to see whether its escapes are right.
+    std::size_t depth_ = 1;     ///< Open objects and arrays; the outermost object is one.
 };
 
 }  // namespace
@@ -283,7 +293,7 @@ ORVJSONReader::~ORVJSONReader() = default;
 
 std::optional<ORVJSONValue> ORVJSONReader::readObject(std::string_view text,
                                                       const ORVJSONShape& shape) {
-    if (text.empty() || text.size() > kMaxBytes || text.starts_with(kByteOrderMark)) {
+    if (text.size() > kMaxBytes || text.starts_with(kByteOrderMark)) {
         return std::nullopt;
     }
     const std::unique_ptr<Parser> ownParser = parserForThisTextAlone(text.size());

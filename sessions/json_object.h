@@ -46,10 +46,11 @@ struct ORVJSONMember {
 /// Parses lines of JSON. It accepts a text that is one object of standard JSON, whatever its
 /// numbers, nested at most kMaxDepth levels and at most kMaxBytes long, and nothing else.
 ///
-/// While it is parsed, a line of many small values takes up to 5 times its length of memory;
-/// std::bad_alloc is thrown when there is not as much.
+/// While it is parsed, a line of many small values takes up to 4 times its length of memory, and 6
+/// times is asked for; std::bad_alloc is thrown when there is not as much.
 class ORVJSONReader {
 public:
+    /// As many levels need 256 KB of stack; a Mac's threads have 512 KB.
     static constexpr std::size_t kMaxDepth = 512;
     static constexpr std::size_t kMaxBytes = 64 * 1024 * 1024;
 

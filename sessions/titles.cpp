@@ -20,7 +20,7 @@ const ORVJSONShape& entryShape() {
 }  // namespace
 
 void ORVCodexSessionSource::refreshTitleIndexIfNeeded() {
-    if (titlesAreKept_) {
+    if (titlesAreFinal_) {
         return;
     }
     const std::string path = titleIndexPath();
@@ -63,9 +63,9 @@ std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTit
     return titles;
 }
 
-void ORVCodexSessionSource::keepTitles() {
+void ORVCodexSessionSource::readTitlesOnce() {
     refreshTitleIndexIfNeeded();
-    titlesAreKept_ = true;
+    titlesAreFinal_ = true;
 }
 
 std::string ORVCodexSessionSource::titleIndexPath() const {

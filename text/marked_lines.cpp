@@ -67,9 +67,7 @@ void consumeChunk(ORVByteBuffer& pending, std::string_view chunk, const ORVMarke
         lines.emplace_back(lineStart, lineEnd);
         position = lineEnd + 1;
     }
-    if (!lines.empty()) {
-        consumeLines(lines);
-    }
+    consumeLines(lines);
     pending.append({restStart, end});
 }
 

@@ -12,9 +12,9 @@ namespace text {
 /// Takes lines in file order, without their line feeds. They are valid during the call only.
 using LinesConsumer = std::function<void(std::span<const std::string_view> lines)>;
 
-/// Finds, in the next bytes of a file, each line that holds one of the markers and calls
-/// `consumeLines` with them, at most twice. Lines without a marker are passed over without being
-/// cut out.
+/// Finds, in the next bytes of a file, the lines that hold one of the markers. `consumeLines` is
+/// called with the line that `pending` began, if it is one of them, and then with the others. Lines
+/// without a marker are passed over without being cut out.
 ///
 /// `pending` holds the beginning of a line whose line feed has not arrived. The call completes that
 /// line and leaves in `pending` the line that the chunk does not end. The bytes in `pending` are

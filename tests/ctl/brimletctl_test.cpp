@@ -191,6 +191,10 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
               run("$b latest --codex-home .codex/file").output);
     EXPECT_EQ(1, run("$b doctor --codex-home /nowhere").status);
     EXPECT_EQ(
+        "brimletctl watch shows no task: the session files cannot be read: Not a directory; make "
+        "them readable, or name the agent's home with --codex-home.\n",
+        run("$b doctor --codex-home .codex/file | tail -1").output);
+    EXPECT_EQ(
         "brimletctl watch shows no task, since none is in view in the desktop application; "
         "brimletctl watch --latest shows: C0 · 10%  Codex\n",
         run("$b doctor | tail -1").output);
@@ -322,6 +326,12 @@ TEST_F(BrimletctlTest, MemoryThatRunsOutIsAnAnswer) {
               R"({"snapshot":null,"error":{"domain":"posix","code":12,"des)"
               "\n",
               answers.output);
+    home.truncate(".codex/session_index.jsonl", 60'000'000);
+    const Outcome all = run(limit + "$b tasks");
+    EXPECT_EQ(1, all.status);
+    EXPECT_EQ("brimletctl: cannot read the task large.jsonl: Cannot allocate memory\n",
+              all.output.substr(0, all.output.find('\n') + 1));
+    home.write(".codex/session_index.jsonl", "");
     // A line that is too long is passed over, even when there is not enough memory to hold it.
     home.truncate(large, 1'000'000'000);
     home.append(large, "\n" + records::tokenCount("136000"));

@@ -29,11 +29,20 @@ std::string described(const ORVJSONValue& value) {
     return text;
 }
 
-std::string read(const std::string& text) {
+/// Reads the text, which `next` follows again and again in memory.
+std::string read(const std::string& text, char next = 'x') {
     ORVJSONReader reader;
-    const std::string padded = text + std::string(ORVByteBuffer::kReadableBytesBeyond, 'x');
+    const std::string padded = text + std::string(ORVByteBuffer::kReadableBytesBeyond, next);
     const auto value = reader.readObject(std::string_view(padded).substr(0, text.size()), shape());
     return value ? described(*value) : "refused";
+}
+
+std::string repeated(const std::string& text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i) {
+        all += text;
+    }
+    return all;
 }
 
 /// Texts that are accepted, one a line; those that are refused follow.
@@ -59,7 +68,13 @@ const char* const kRefused = R"(
 {"a":+1}
 {"a":-}
 {"a":tru}
+{"a":truex}
+{"a":nul}
 {"a":"\q"}
+{"a":"\v"}
+{"a":"\u00g0"}
+{"a":"b":"c"}
+{"a":{]}
 {"a":"\ud83d"}
 {"a":"	"}
 {'a':1}
@@ -82,12 +97,20 @@ TEST(JSONObjectTest, OneWholeObjectOfStandardJSONAndNothingElse) {
     });
     for (const std::string& text :
          {"{\"a\":" + std::string(400, '1') + "}", "{\"a\":1." + std::string(500, '3') + "}",
-          nested(512), nested(512, "1"), nested(512, "1e999,\"[[\\\"\""), nested(511, "{}")}) {
+          std::string("{\"a\":[1\t,2\r\n ,\"\"\n]\n}\r"),
+          "{\"a\":[" + repeated("[],{},", 600) + "0]}", nested(512), nested(512, "1"),
+          nested(512, "1e999,\"[[\\\"\""), nested(511, "{}")}) {
         EXPECT_NE("refused", read(text)) << text.substr(0, 60);
     }
     text::forEachLine(kRefused, [](std::string_view line) {
         EXPECT_EQ("refused", read(std::string(line))) << line;
     });
+    // Nothing that follows the text completes it.
+    for (const char next : std::string_view("]},:\"{[0 ")) {
+        for (const char* text : {"{\"a\":[{}", "{\"a\":{}", "{\"a\":[[[{}", "{\"a\":[0,{}"}) {
+            EXPECT_EQ("refused", read(text, next)) << text << next;
+        }
+    }
     for (const std::string& text :
          {std::string("{}\0", 3), std::string("\xEF\xBB\xBF{}"), std::string("{\"a\":\"\xFF\"}"),
           "{\"a\":" + std::string(400, '1') + "x}", nested(513), nested(513, "1"),
@@ -103,7 +126,9 @@ TEST(JSONObjectTest, TheWantedFields) {
     EXPECT_EQ(read(R"({"o":5})"), read(R"({"o":{"s":"a"},"\u006f":5})"));
     EXPECT_EQ(read(R"({"n":7})"), read(R"({"x":{"n":1},"y":[{"n":2}],"n":7,"z":"n"})"));
     EXPECT_EQ(read(R"({"n":1000.0})"), read(R"({"n":1e3})"));
-    // Numbers are exact up to 2^64 - 1, and beyond every double a fraction.
+    EXPECT_NE(read(R"({"n":true})"), read(R"({"n":null})"));
+    EXPECT_EQ(read(R"({"n":"x"})"), read(R"({"n":"y","a":"\u0061"})")) << "its text is not kept";
+    // Numbers are exact up to 2^64 - 1. A number beyond every double reads as a fraction.
     EXPECT_NE(read(R"({"n":18446744073709551614})"), read(R"({"n":18446744073709551615})"));
     EXPECT_EQ(read(R"({"n":18446744073709551616.0})"), read(R"({"n":18446744073709551616})"));
     EXPECT_EQ(read(R"({"n":-9223372036854775809.0})"), read(R"({"n":-9223372036854775809})"));
@@ -111,6 +136,7 @@ TEST(JSONObjectTest, TheWantedFields) {
         EXPECT_EQ(read(R"({"n":0.0})"), read(std::string(R"({"n":)") + zero + "}")) << zero;
     }
     EXPECT_EQ(read(R"({"n":5e9})"), read(R"({"n":5E000000000000000000000000000009 })"));
+    EXPECT_EQ(read(R"({"n":0.25})"), read("{\"n\":0.25" + std::string(2'000, '0') + "}"));
     for (const char* number : {"1e309", "-1E+309", "1e99999999999999999999999999999999"}) {
         EXPECT_EQ(read(R"({"n":0.5})"), read(std::string(R"({"n":)") + number + "}")) << number;
     }
