@@ -12,10 +12,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstdlib>
+#include <charconv>
 #include <new>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "text/byte_buffer.h"
@@ -100,22 +100,19 @@ bool isNumberLiteral(std::string_view text) {
     return position == end;
 }
 
-/// Returns the value of a number in JSON's notation.
-std::variant<std::uint64_t, double> valueOfNumber(ondemand::value& value,
-                                                  std::string_view literal) {
+/// Returns the value of a number in JSON's notation. Fractions and exponents, which are rare, are
+/// left to the DOM: On-Demand reads some of them wrongly, and a Mac's strtod may take minutes for a
+/// megabyte of digits.
+std::variant<std::uint64_t, double> valueOfNumber(std::string_view literal) {
+    const char* const end = literal.data() + literal.size();
     std::uint64_t natural = 0;
-    double real = 0;
-    if (get(value.get_uint64(), natural)) {
+    const auto [parsedEnd, error] = std::from_chars(literal.data(), end, natural);
+    if (parsedEnd == end && error == std::errc()) {
         return natural;
     }
-    // The library gives up on numbers beyond every double and on long exponents. A number that is
-    // longer still is left alone, since a Mac's strtod may take minutes for a megabyte of digits.
-    constexpr std::size_t kMostDigits = 1'000;
-    if (!get(value.get_double(), real)) {
-        real = literal.size() > kMostDigits ? HUGE_VAL
-                                            : std::strtod(std::string(literal).c_str(), nullptr);
-    }
-    return std::isfinite(real) ? real : 0.5;
+    simdjson::dom::parser parser;
+    double real = 0;
+    return get(parser.parse(std::string(literal)).get_double(), real) ? real : 0.5;
 }
 
 /// Whether the letter after a backslash is a whole escape. A table is faster than comparisons,
@@ -184,7 +181,7 @@ private:
             case '"':
                 return readString(value, shape, taken);
             default:
-                return readScalar(value, token, taken);
+                return readScalar(token, taken);
         }
     }
 
@@ -234,7 +231,7 @@ private:
         return isRead;
     }
 
-    static bool readScalar(ondemand::value& value, std::string_view token, ORVJSONValue* taken) {
+    static bool readScalar(std::string_view token, ORVJSONValue* taken) {
         while (isSpace(token.back())) {
             token.remove_suffix(1);
         }
@@ -250,7 +247,7 @@ private:
         }
         if (taken) {
             taken->kind = Kind::number;
-            taken->number = valueOfNumber(value, token);
+            taken->number = valueOfNumber(token);
         }
         return true;
     }

@@ -28,7 +28,8 @@ struct ORVJSONValue {
     std::string text;
 
     /// The value of a number: an integer from 0 to 2^64 - 1 exactly, every other number as the
-    /// nearest double. A number beyond every double reads as 0.5, which is not whole either.
+    /// nearest double. A number beyond every double and an integer of more than 64 bits read as
+    /// 0.5, which is not whole either.
     std::variant<std::uint64_t, double> number;
 
     /// The wanted fields of an object. Of a key that occurs more than once, the last counts.
