@@ -46,18 +46,22 @@ const ORVJSONShape* wantedField(const ORVJSONShape& shape, std::string_view key)
     return found == shape.fields.end() ? nullptr : &*found;
 }
 
-/// Adds a field to an object, in the place of an earlier field with the same key. The reference is
-/// valid until the next field is added.
-ORVJSONValue& addMember(ORVJSONValue& object, const ORVJSONShape& shape) {
-    for (ORVJSONMember& member : object.members) {
-        if (member.shape == &shape) {
+/// Adds a wanted field to an object, in the place of an earlier field with the same key; returns
+/// null when the field is not wanted. The pointer is valid until the next field is added.
+ORVJSONMember* addIfWanted(ORVJSONMember& object, std::string_view key) {
+    const ORVJSONShape* const shape = wantedField(*object.shape, key);
+    if (!shape) {
+        return nullptr;
+    }
+    for (ORVJSONMember& member : object.value.members) {
+        if (member.shape == shape) {
             member.value = ORVJSONValue{};
-            return member.value;
+            return &member;
         }
     }
-    ORVJSONMember& member = object.members.emplace_back();
-    member.shape = &shape;
-    return member.value;
+    ORVJSONMember& member = object.value.members.emplace_back();
+    member.shape = shape;
+    return &member;
 }
 
 bool isDigit(char c) {
@@ -140,17 +144,17 @@ bool hasOneLetterEscapesOnly(std::string_view text) {
 }
 
 /// Walks through a text in its order. Every function returns false as soon as something is not
-/// standard JSON or nested too deep; what was taken until then is worth nothing. When nothing of a
-/// value is wanted, `shape` and `taken` are null.
+/// standard JSON or nested too deep; what was taken until then is worth nothing. `wanted` takes
+/// what its shape names of a value; it is null when nothing is wanted.
 class Walk {
 public:
     explicit Walk(std::string_view text)
         : end_(text.data() + text.size()), mustDecodeAll_(!hasOneLetterEscapesOnly(text)) {}
 
-    bool readObject(ondemand::object& object, const ORVJSONShape* shape, ORVJSONValue* taken) {
-        if (shape) {
-            taken->kind = Kind::object;
-            taken->members.reserve(shape->fields.size());
+    bool readObject(ondemand::object& object, ORVJSONMember* wanted) {
+        if (wanted) {
+            wanted->value.kind = Kind::object;
+            wanted->value.members.reserve(wanted->shape->fields.size());
         }
         for (auto result : object) {
             std::string_view key;
@@ -158,9 +162,8 @@ public:
                 !get(result.value_unsafe().unescaped_key(), key)) {
                 return false;
             }
-            const ORVJSONShape* wanted = shape ? wantedField(*shape, key) : nullptr;
-            if (!readValue(result.value_unsafe().value(), wanted,
-                           wanted ? &addMember(*taken, *wanted) : nullptr)) {
+            ORVJSONMember* const field = wanted ? addIfWanted(*wanted, key) : nullptr;
+            if (!readValue(result.value_unsafe().value(), field)) {
                 return false;
             }
         }
@@ -168,7 +171,7 @@ public:
     }
 
 private:
-    bool readValue(ondemand::value& value, const ORVJSONShape* shape, ORVJSONValue* taken) {
+    bool readValue(ondemand::value& value, ORVJSONMember* wanted) {
         // Reaches to the next token, and so over any space between.
         const std::string_view token = value.raw_json_token();
         if (token.data() >= end_) {
@@ -177,16 +180,15 @@ private:
         switch (token.front()) {
             case '{':
             case '[':
-                return readContainer(value, token.front(), shape, taken);
+                return readContainer(value, token.front(), wanted);
             case '"':
-                return readString(value, shape, taken);
+                return readString(value, wanted);
             default:
-                return readScalar(token, taken);
+                return readScalar(token, wanted);
         }
     }
 
-    bool readContainer(ondemand::value& value, char bracket, const ORVJSONShape* shape,
-                       ORVJSONValue* taken) {
+    bool readContainer(ondemand::value& value, char bracket, ORVJSONMember* wanted) {
         if (depth_ == ORVJSONReader::kMaxDepth) {
             return false;
         }
@@ -194,60 +196,59 @@ private:
         bool isRead = false;
         if (bracket == '{') {
             ondemand::object object;
-            isRead = get(value.get_object(), object) && readObject(object, shape, taken);
+            isRead = get(value.get_object(), object) && readObject(object, wanted);
         } else {
             ondemand::array array;
-            isRead = get(value.get_array(), array) && readArray(array, taken);
+            isRead = get(value.get_array(), array) && readArray(array, wanted);
         }
         --depth_;
         return isRead;
     }
 
-    bool readArray(ondemand::array& array, ORVJSONValue* taken) {
-        if (taken) {
-            taken->kind = Kind::array;
+    bool readArray(ondemand::array& array, ORVJSONMember* wanted) {
+        if (wanted) {
+            wanted->value.kind = Kind::array;
         }
         for (auto result : array) {
-            if (result.error() != simdjson::SUCCESS ||
-                !readValue(result.value_unsafe(), nullptr, nullptr)) {
+            if (result.error() != simdjson::SUCCESS || !readValue(result.value_unsafe(), nullptr)) {
                 return false;
             }
         }
         return true;
     }
 
-    bool readString(ondemand::value& value, const ORVJSONShape* shape, ORVJSONValue* taken) const {
-        const bool keepsText = shape && shape->keepsText;
+    bool readString(ondemand::value& value, ORVJSONMember* wanted) const {
+        const bool keepsText = wanted && wanted->shape->keepsText;
         std::string_view text;
         // One of the two must be called: the library would take an unread string before a colon for
         // a key, and pass over both.
         ondemand::raw_json_string raw;
         const bool isRead = keepsText || mustDecodeAll_ ? get(value.get_string(), text)
                                                         : get(value.get_raw_json_string(), raw);
-        if (taken) {
-            taken->kind = Kind::string;
-            taken->text = keepsText ? text : "";
+        if (wanted) {
+            wanted->value.kind = Kind::string;
+            wanted->value.text = keepsText ? text : "";
         }
         return isRead;
     }
 
-    static bool readScalar(std::string_view token, ORVJSONValue* taken) {
+    static bool readScalar(std::string_view token, ORVJSONMember* wanted) {
         while (isSpace(token.back())) {
             token.remove_suffix(1);
         }
         const bool isNull = token == "null";
         if (isNull || token == "true" || token == "false") {
-            if (taken) {
-                taken->kind = isNull ? Kind::null : Kind::boolean;
+            if (wanted) {
+                wanted->value.kind = isNull ? Kind::null : Kind::boolean;
             }
             return true;
         }
         if (!isNumberLiteral(token)) {
             return false;
         }
-        if (taken) {
-            taken->kind = Kind::number;
-            taken->number = valueOfNumber(token);
+        if (wanted) {
+            wanted->value.kind = Kind::number;
+            wanted->value.number = valueOfNumber(token);
         }
         return true;
     }
@@ -271,14 +272,13 @@ public:
         constexpr std::size_t kBeyond = ORVByteBuffer::kReadableBytesBeyond;
         ondemand::document document;
         ondemand::object object;
-        std::optional<ORVJSONValue> taken(std::in_place);
+        ORVJSONMember root{&shape};
         if (!get(parser_.iterate(text.data(), text.size(), text.size() + kBeyond), document) ||
-            !get(document.get_object(), object) ||
-            !Walk(text).readObject(object, &shape, &*taken) ||
+            !get(document.get_object(), object) || !Walk(text).readObject(object, &root) ||
             document.current_location().error() != simdjson::OUT_OF_BOUNDS) {
-            taken.reset();
+            return std::nullopt;
         }
-        return taken;
+        return std::move(root.value);
     }
 
 private:
