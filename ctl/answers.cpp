@@ -14,7 +14,7 @@
 #include "ctl/coloring.h"
 #include "l10n/languages.h"
 #include "platform/preferred_languages.h"
-#include "text/json_text.h"
+#include "text/json_writing.h"
 #include "text/unicode.h"
 
 namespace ctl {

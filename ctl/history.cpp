@@ -13,7 +13,7 @@
 #include "shells/history/history_plot.h"
 #include "shells/history/history_svg.h"
 #include "shells/terminal/screen_size.h"
-#include "text/json_text.h"
+#include "text/json_writing.h"
 
 namespace ctl {
 namespace {

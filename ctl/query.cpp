@@ -10,7 +10,7 @@
 #include "ctl/answers.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "text/json_text.h"
+#include "text/json_writing.h"
 
 namespace ctl {
 namespace {

@@ -22,7 +22,7 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "ctl/task_table.h"
-#include "text/json_text.h"
+#include "text/json_writing.h"
 #include "text/unicode.h"
 
 namespace ctl {

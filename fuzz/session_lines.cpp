@@ -8,7 +8,7 @@
 #include "sessions/ORVCodexSessionSource.h"
 #include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
-#include "text/json_text.h"
+#include "text/json_writing.h"
 
 namespace {
 

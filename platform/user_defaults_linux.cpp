@@ -21,7 +21,7 @@
 #include "platform/ORVError.h"
 #include "platform/home_folder.h"
 #include "platform/user_defaults.h"
-#include "text/json_text.h"
+#include "text/json_writing.h"
 #include "text/paths.h"
 
 namespace platform {

@@ -16,7 +16,7 @@
 #include "sessions/ORVAgentSessionSource.h"
 #include "sessions/ORVHistoryEvent.h"
 #include "sessions/ORVSessionParseState.h"
-#include "sessions/json_object.h"
+#include "text/json_reading.h"
 
 /// A task: all session files whose names hold its identifier.
 struct ORVTask {

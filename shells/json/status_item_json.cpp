@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "text/json_text.h"
+#include "text/json_writing.h"
 
 namespace json {
 namespace {

@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "app/status_title.h"
-#include "text/json_text.h"
+#include "text/json_writing.h"
 #include "text/unicode.h"
 
 namespace json {

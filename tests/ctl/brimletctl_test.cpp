@@ -10,7 +10,7 @@
 #include "ctl/answers.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
-#include "text/json_text.h"
+#include "text/json_writing.h"
 
 namespace {
 

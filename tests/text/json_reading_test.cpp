@@ -1,4 +1,4 @@
-#include "sessions/json_object.h"
+#include "text/json_reading.h"
 
 #include <gtest/gtest.h>
 

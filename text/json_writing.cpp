@@ -1,7 +1,7 @@
 // Writes JSON for scripts: without spaces, with strings in valid UTF-8.
 // Tests: tests/ctl/brimletctl_test.cpp.
 
-#include "text/json_text.h"
+#include "text/json_writing.h"
 
 #include <array>
 #include <cstdio>

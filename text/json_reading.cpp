@@ -3,10 +3,10 @@
 // decoded; the library's DOM would copy each, and a compaction repeats the whole conversation. The
 // DOM also refuses numbers beyond its own types.
 //
-// Works alike with simdjson 3.0 and 4.x. Tests: tests/sessions/json_object_test.cpp,
+// Works alike with simdjson 3.0 and 4.x. Tests: tests/text/json_reading_test.cpp,
 // fuzz/session_lines.cpp.
 
-#include "sessions/json_object.h"
+#include "text/json_reading.h"
 
 #include <simdjson.h>
 
