@@ -32,6 +32,62 @@ struct ORVWalkedFile {
     std::string path;  ///< The root's path and the names below it, bytes as the system gave them.
     ORVFileDate modifiedAt;
     std::uint64_t fileNumber = 0;  ///< The inode; 0 where the file system has none.
+    std::uint64_t size = 0;        ///< Bytes.
+};
+
+/// What the file system tells of one item; of a symbolic link, what it tells of the link itself.
+struct ORVItemStatus {
+    enum class Kind { file, folder, other };
+    Kind kind = Kind::other;  ///< A file is a regular one.
+    bool isHidden = false;    ///< By a flag, which only macOS has. A name with a dot hides, too.
+    ORVFileDate modifiedAt;
+    /// When anything of the item changed: content, name, place or rights. Nobody can set it.
+    ORVFileDate changedAt;
+    std::uint64_t fileIdentifier = 0;  ///< The inode.
+    std::uint64_t size = 0;            ///< Bytes.
+    bool operator==(const ORVItemStatus&) const = default;
+};
+
+/// A folder that is open for looking at its items. Closed when destroyed.
+class ORVOpenFolder {
+public:
+    /// A file's or folder's name, which ends in a NUL, and for a file its status.
+    using FileVisitor = std::function<void(const char* name, const ORVItemStatus& status)>;
+    using FolderVisitor = std::function<void(const char* name)>;
+    /// An item that cannot be looked at, or "" when the list of names cannot be read further.
+    using FailureHandler = std::function<void(const std::string& name, ORVError&&)>;
+
+    virtual ~ORVOpenFolder() = default;
+
+    /// Visits the regular files with names that `wanted` accepts, and the folders. Hidden items and
+    /// symbolic links are passed over, and so is what is removed meanwhile.
+    virtual void readItems(const std::function<bool(std::string_view name)>& wanted,
+                           const FileVisitor& visitFile, const FolderVisitor& visitFolder,
+                           const FailureHandler& failed) = 0;
+
+    /// Returns the status of the item with this path below the folder. Returns none, with the
+    /// system's error, when it cannot be read.
+    virtual std::optional<ORVItemStatus> statusOf(const char* path, ORVErrorSlot* error) = 0;
+};
+
+/// Tells which files were written, as far as the system does: not every system, not every file
+/// system, and not for any number of folders. Its user asks for dates all the same, only more
+/// rarely.
+class ORVFolderWatch {
+public:
+    using ChangeVisitor = std::function<void(const std::string& path)>;
+
+    virtual ~ORVFolderWatch() = default;
+
+    /// Begins to watch the files in a folder, also when the path was watched and may hold another
+    /// folder. Returns false when their changes will not be told.
+    virtual bool watch(const std::string& folder) = 0;
+
+    virtual void forget(const std::string& folder) = 0;
+
+    /// Visits the paths of items that have changed since the last call. Returns false when some
+    /// changes were lost: nothing is watched any more.
+    virtual bool visitChanges(const ChangeVisitor& visit) = 0;
 };
 
 /// An open file. Closed when destroyed.
@@ -65,6 +121,15 @@ public:
     /// cannot be opened; that is reported, too.
     virtual bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
                       const ErrorHandler& failed) = 0;
+
+    /// Opens a folder; when links are refused, none that is reached through a link at the end of
+    /// its path. Returns null, with the system's error, when it cannot be opened.
+    enum class Links { followed, refused };
+    virtual std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
+                                                      ORVErrorSlot* error) = 0;
+
+    /// Returns a watch without folders; null where the system has none.
+    virtual std::unique_ptr<ORVFolderWatch> makeFolderWatch() { return nullptr; }
 
     /// Returns the attributes of the item: of a symbolic link, those of the link itself. Returns
     /// none, with the system's error, when they cannot be read.

@@ -16,17 +16,8 @@
 #include "sessions/ORVAgentSessionSource.h"
 #include "sessions/ORVHistoryEvent.h"
 #include "sessions/ORVSessionParseState.h"
+#include "sessions/ORVTask.h"
 #include "text/json_reading.h"
-
-/// A task: all session files whose names hold its identifier.
-struct ORVTask {
-    /// The identifier as the newest file's name writes it. A file whose name holds none is a task
-    /// by itself, and its whole name stands here.
-    std::string threadID;
-    std::vector<ORVWalkedFile> files;  ///< Oldest first, equal dates by path; never empty.
-
-    const ORVWalkedFile& newestFile() const { return files.back(); }
-};
 
 /// The session files of the Codex application: finds those of a task, follows them as they grow,
 /// and sums up what their records say.
