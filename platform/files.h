@@ -38,8 +38,8 @@ struct ORVWalkedFile {
 /// What the file system tells of one item; of a symbolic link, what it tells of the link itself.
 struct ORVItemStatus {
     enum class Kind { file, folder, other };
-    Kind kind = Kind::other;  ///< A file is a regular one.
-    bool isHidden = false;    ///< By a flag, which only macOS has. A name with a dot hides, too.
+    /// A file is a regular one. What a flag of macOS hides is `other`.
+    Kind kind = Kind::other;
     ORVFileDate modifiedAt;
     /// When anything of the item changed: content, name, place or rights. Nobody can set it.
     ORVFileDate changedAt;
@@ -51,6 +51,7 @@ struct ORVItemStatus {
 /// A folder that is open for looking at its items. Closed when destroyed.
 class ORVOpenFolder {
 public:
+    using NameTest = std::function<bool(std::string_view name)>;
     /// A file's or folder's name, which ends in a NUL, and for a file its status.
     using FileVisitor = std::function<void(const char* name, const ORVItemStatus& status)>;
     using FolderVisitor = std::function<void(const char* name)>;
@@ -61,13 +62,12 @@ public:
 
     /// Visits the regular files with names that `wanted` accepts, and the folders. Hidden items and
     /// symbolic links are passed over, and so is what is removed meanwhile.
-    virtual void readItems(const std::function<bool(std::string_view name)>& wanted,
-                           const FileVisitor& visitFile, const FolderVisitor& visitFolder,
-                           const FailureHandler& failed) = 0;
+    virtual void readItems(const NameTest& wanted, const FileVisitor& visitFile,
+                           const FolderVisitor& visitFolder, const FailureHandler& failed) = 0;
 
     /// Returns the status of the item with this path below the folder. Returns none, with the
     /// system's error, when it cannot be read.
-    virtual std::optional<ORVItemStatus> statusOf(const char* path, ORVErrorSlot* error) = 0;
+    virtual std::optional<ORVItemStatus> statusOf(const char* path, ORVErrorSlot* error) const = 0;
 };
 
 /// Tells which files were written, as far as the system does: not every system, not every file
@@ -119,8 +119,8 @@ public:
     /// links neither visited nor followed (but the root itself may be one). Each folder that cannot
     /// be read is reported to `failed`, and the walk goes on. Returns false when the root itself
     /// cannot be opened; that is reported, too.
-    virtual bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
-                      const ErrorHandler& failed) = 0;
+    bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
+              const ErrorHandler& failed);
 
     /// Opens a folder; when links are refused, none that is reached through a link at the end of
     /// its path. Returns null, with the system's error, when it cannot be opened.

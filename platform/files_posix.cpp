@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <memory>
 #include <utility>
-#include <vector>
 
 #include "platform/files.h"
 
@@ -94,102 +93,104 @@ private:
     FileDescriptor descriptor_;
 };
 
+/// Returns the date of the last change of any kind, which has another name in macOS's, too.
+template <typename Status>
+ORVFileDate statusChangeDate(const Status& status) {
+    if constexpr (requires { status.st_ctimespec; }) {
+        return {status.st_ctimespec.tv_sec, static_cast<std::int32_t>(status.st_ctimespec.tv_nsec)};
+    } else {
+        return {status.st_ctim.tv_sec, static_cast<std::int32_t>(status.st_ctim.tv_nsec)};
+    }
+}
+
+ORVItemStatus itemStatus(const struct stat& status) {
+    using Kind = ORVItemStatus::Kind;
+    const Kind kind = hasHiddenFlag(status)     ? Kind::other
+                      : S_ISREG(status.st_mode) ? Kind::file
+                      : S_ISDIR(status.st_mode) ? Kind::folder
+                                                : Kind::other;
+    return {kind, modificationDate(status), statusChangeDate(status),
+            static_cast<std::uint64_t>(status.st_ino), static_cast<std::uint64_t>(status.st_size)};
+}
+
 struct DirectoryCloser {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 using Directory = std::unique_ptr<DIR, DirectoryCloser>;
 
-Directory openDirectory(const std::string& path, bool followLink) {
-    const int flags =
-        O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | (followLink ? 0 : O_NOFOLLOW);
-    FileDescriptor descriptor(uninterrupted([&] { return open(path.c_str(), flags); }));
-    if (descriptor.number() < 0) {
-        return nullptr;
-    }
-    Directory directory(fdopendir(descriptor.number()));
-    if (directory) {
-        descriptor.release();
-    }
-    return directory;
-}
-
-/// One walk. Folders wait in a list and are opened by path, one at a time, so that only one
-/// descriptor is open and nothing recurses. A folder whose path is too long for the system counts
-/// as one that cannot be read.
-class Walk {
+class PosixOpenFolder final : public ORVOpenFolder {
 public:
-    Walk(const ORVFiles::NameTest& wanted, const ORVFiles::FileVisitor& visit,
-         const ORVFiles::ErrorHandler& failed)
-        : wanted_(wanted), visit_(visit), failed_(failed) {}
+    explicit PosixOpenFolder(Directory directory) : directory_(std::move(directory)) {}
 
-    bool run(const std::string& root) {
-        const bool started = readFolder(root, true);
-        while (!waitingFolders_.empty()) {
-            const std::string folder = std::move(waitingFolders_.back());
-            waitingFolders_.pop_back();
-            readFolder(folder, false);
+    void readItems(const NameTest& wanted, const FileVisitor& visitFile,
+                   const FolderVisitor& visitFolder, const FailureHandler& failed) override {
+        while (const dirent* entry = nextEntry()) {
+            const char* const name = entry->d_name;
+            const bool isWanted = wanted(name);
+            const bool kindIsKnown =
+                entry->d_type != DT_UNKNOWN && !hiddenFlagExists<struct stat>();
+            if (name[0] == '.' || (kindIsKnown && entry->d_type != DT_DIR &&
+                                   !(entry->d_type == DT_REG && isWanted))) {
+                continue;
+            }
+            if (kindIsKnown && entry->d_type == DT_DIR) {
+                visitFolder(name);
+                continue;
+            }
+            ORVErrorSlot error;
+            const auto status = statusOf(name, &error);
+            if (!status && error->code != ENOENT) {
+                failed(name, std::move(*error));
+            } else if (status && status->kind == ORVItemStatus::Kind::folder) {
+                visitFolder(name);
+            } else if (status && status->kind == ORVItemStatus::Kind::file && isWanted) {
+                visitFile(name, *status);
+            }
         }
-        return started;
+        if (errno != 0) {
+            failed("", posixError(errno));
+        }
+    }
+
+    std::optional<ORVItemStatus> statusOf(const char* path, ORVErrorSlot* error) const override {
+        struct stat status;
+        if (uninterrupted([&] {
+                return fstatat(dirfd(directory_.get()), path, &status, AT_SYMLINK_NOFOLLOW);
+            }) != 0) {
+            storeError(error, posixError(errno));
+            return std::nullopt;
+        }
+        return itemStatus(status);
     }
 
 private:
-    bool readFolder(const std::string& path, bool isRoot) {
-        const Directory directory = openDirectory(path, isRoot);
-        if (!directory) {
-            failed_(posixError(errno));
-            return false;
-        }
-        const std::string prefix = path.ends_with('/') ? path : path + '/';
-        errno = 0;
-        while (const dirent* entry = readdir(directory.get())) {
-            visitEntry(directory.get(), prefix, *entry);
+    /// Returns null at the end, where errno is 0, and when reading failed.
+    const dirent* nextEntry() {
+        const dirent* entry = nullptr;
+        do {
             errno = 0;
-        }
-        if (errno != 0) {
-            failed_(posixError(errno));
-        }
-        return true;
+            entry = readdir(directory_.get());
+        } while (!entry && errno == EINTR);
+        return entry;
     }
 
-    void visitEntry(DIR* directory, const std::string& prefix, const dirent& entry) {
-        const std::string_view name = entry.d_name;
-        if (name.starts_with('.')) {
-            return;
-        }
-        const bool isWanted = wanted_(name);
-        const bool kindIsKnown = entry.d_type != DT_UNKNOWN && !hiddenFlagExists<struct stat>();
-        if (kindIsKnown && entry.d_type == DT_DIR) {
-            waitingFolders_.push_back(prefix + entry.d_name);
-            return;
-        }
-        if (kindIsKnown && !(entry.d_type == DT_REG && isWanted)) {
-            return;
-        }
-        struct stat status;
-        const int result = uninterrupted(
-            [&] { return fstatat(dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW); });
-        if (result != 0 || hasHiddenFlag(status)) {
-            return;  // The item was removed meanwhile, or it is hidden.
-        }
-        if (S_ISDIR(status.st_mode)) {
-            waitingFolders_.push_back(prefix + entry.d_name);
-        } else if (S_ISREG(status.st_mode) && isWanted) {
-            visit_({prefix + entry.d_name, modificationDate(status),
-                    static_cast<std::uint64_t>(status.st_ino)});
-        }
-    }
-
-    const ORVFiles::NameTest& wanted_;
-    const ORVFiles::FileVisitor& visit_;
-    const ORVFiles::ErrorHandler& failed_;
-    std::vector<std::string> waitingFolders_;
+    Directory directory_;
 };
 
 class PosixFiles final : public ORVFiles {
 public:
-    bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
-              const ErrorHandler& failed) override {
-        return Walk(wanted, visit, failed).run(root);
+    std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
+                                              ORVErrorSlot* error) override {
+        const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK |
+                          (links == Links::followed ? 0 : O_NOFOLLOW);
+        FileDescriptor descriptor(uninterrupted([&] { return open(path.c_str(), flags); }));
+        Directory directory(descriptor.number() < 0 ? nullptr : fdopendir(descriptor.number()));
+        if (!directory) {
+            storeError(error, posixError(errno));
+            return nullptr;
+        }
+        descriptor.release();
+        return std::make_unique<PosixOpenFolder>(std::move(directory));
     }
 
     std::optional<ORVFileAttributes> attributesOfItem(const std::string& path,

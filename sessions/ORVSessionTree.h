@@ -46,7 +46,7 @@ public:
     bool refresh(ORVErrorSlot* error);
 
     /// Names the files to ask for their dates at every refresh, in place of those named before.
-    void lookAtEveryTime(std::set<std::string> paths) { watchedPaths_ = std::move(paths); }
+    void lookAtEveryTime(std::set<std::string> paths) { namedPaths_ = std::move(paths); }
 
     /// What the last refresh noticed, in order; one file may occur several times. Valid until the
     /// next refresh.
@@ -57,7 +57,7 @@ public:
     /// Visits every file, folder by folder. A file keeps its address until it vanishes.
     void forEachFile(const std::function<void(const ORVWalkedFile&)>& visit) const;
 
-    /// Returns the folders and files that the last look at them could not read, by path. What
+    /// Returns the folders, and the files whose dates, the last look at them could not read. What
     /// vanished while it was looked at is none of them.
     std::vector<ORVUnreadable> unreadable() const;
 
@@ -65,4 +65,53 @@ public:
     void forgetAll();
 
 private:
+    struct Folder {
+        /// What the folder's status was right before it was read; none when it must be read again.
+        std::optional<ORVItemStatus> seen;
+        ORVClock::TimePoint noticedAt;  ///< When that status was first met.
+        bool isSettled = false;  ///< Whether a further change would have given it another status.
+        bool isWatched = false;  ///< Whether the system tells what is written in it.
+        std::vector<std::unique_ptr<ORVWalkedFile>> files;  ///< By path.
+        std::vector<ORVUnreadable> unreadable;
+    };
+    using Folders = std::map<std::string, Folder>;
+    using FoundFiles = std::vector<std::pair<std::string, ORVItemStatus>>;  ///< With their paths.
+
+    /// How far the files have been asked for their dates in turn.
+    struct Turn {
+        std::string folder;
+        std::size_t index = 0;  ///< Of the folder's next file.
+    };
+
+    // Which files there are (tree_folders.cpp)
+    void lookAtFolders(const ORVOpenFolder& root);
+    void readFolder(const std::string& path, Folder& folder);
+    void takeFiles(Folder& folder, FoundFiles found);
+    void forgetBelow(const std::string& path);
+    void forgetFilesOf(Folders::value_type& entry);
+    std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, ORVErrorSlot* error);
+    const char* pathBelowRoot(const std::string& path) const;
+
+    // When they were written (tree_dates.cpp)
+    void lookAtWrittenFiles(const ORVOpenFolder& root);
+    void lookAtFilesInTurn(Turn& turn, bool isWatched, std::size_t refreshes);
+    std::size_t lookAtFilesOf(Folders::value_type& entry, std::size_t& index, std::size_t limit);
+    void lookAtFile(const ORVOpenFolder& root, const std::string& path);
+    void take(Folder& folder, ORVWalkedFile& file, const std::optional<ORVItemStatus>& status);
+    void note(Change::Kind kind, const ORVWalkedFile& file);
+
+    ORVFiles& files_;
+    const ORVClock& clock_;
+    const std::string root_;
+    ORVErrorSlot rootError_;  ///< Why the root cannot be opened, though it exists.
+    /// By path. A folder stands before those in it, so that it is looked at before them.
+    Folders folders_;
+    std::size_t fileCount_ = 0;
+    std::unique_ptr<ORVFolderWatch> watch_;  ///< From the second refresh on, where there is one.
+    std::set<std::string> namedPaths_;
+    std::map<std::string, ORVClock::TimePoint> writtenLately_;  ///< By path, when it was noticed.
+    Turn turn_;
+    Turn watchedTurn_;
+    std::vector<Change> changes_;
+    std::vector<std::unique_ptr<ORVWalkedFile>> vanished_;  ///< Those that `changes_` names.
 };

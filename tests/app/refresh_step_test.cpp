@@ -98,8 +98,9 @@ void sweep(const Case& c, bool afterChange) {
         faults += faulty.disk.faults;
         wasUntouched = faulty.disk.calls < faulty.disk.failingCall;
         faulty.disk.failingCall = 0;
-        if (c.fault == Fault::unseenFolder) {
-            faulty.clock.time += std::chrono::seconds(11);  // A search is kept for ten seconds.
+        if (c.fault == Fault::unseenFolder || c.fault == Fault::error) {
+            // A search that missed a folder is kept for ten seconds.
+            faulty.clock.time += std::chrono::seconds(11);
         }
         ASSERT_EQ(expected, faulty.refresh()) << "at call " << call;
     }

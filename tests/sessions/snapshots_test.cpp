@@ -40,7 +40,7 @@ TEST_F(SessionSnapshotTest, ATaskIsTheSumOfItsFilesAndShowsTheNewestOnesUsage) {
 }
 
 TEST_F(SessionSnapshotTest, TheLatestFileStandsForItsWholeTask) {
-    const std::string notes = "/codex/sessions/notes.jsonl";
+    const std::string notes = "/codex/sessions/0/notes.jsonl";
     const auto latest = [&] { return source.latestSnapshotWithError(&error); };
     disk.append(fileOf(kTask, "a"), compacted("w1"));
     disk.append(notes, compacted("w4"));

@@ -16,11 +16,11 @@ namespace {
 /// A disk whose walks hang until the test lets them go on.
 class HangingFiles final : public MemoryFiles {
 public:
-    bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
-              const ErrorHandler& failed) override {
+    std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
+                                              ORVErrorSlot* error) override {
         std::unique_lock<std::mutex> lock(mutex_);
         changed_.wait(lock, [this] { return goesOn_; });
-        return MemoryFiles::walk(root, wanted, visit, failed);
+        return MemoryFiles::openFolder(path, links, error);
     }
     void goOn() {
         const std::lock_guard<std::mutex> lock(mutex_);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <set>
 #include <utility>
 
 #include "text/paths.h"
@@ -32,6 +31,50 @@ public:
 private:
     MemoryFiles& disk_;
     const std::string path_;
+};
+
+class MemoryFiles::OpenFolder final : public ORVOpenFolder {
+public:
+    OpenFolder(MemoryFiles& disk, const std::string& path, bool isUnseen)
+        : disk_(disk), prefix_(path + '/'), isUnseen_(isUnseen) {}
+
+    void readItems(const NameTest& wanted, const FileVisitor& visitFile,
+                   const FolderVisitor& visitFolder, const FailureHandler& failed) override {
+        if (isUnseen_) {
+            failed("", platform::posixError(EIO));
+            return;
+        }
+        for (auto at = disk_.items_.lower_bound(prefix_);
+             at != disk_.items_.end() && at->first.starts_with(prefix_); ++at) {
+            const std::string name = at->first.substr(prefix_.size());
+            if (name.starts_with('.') || name.find('/') != std::string::npos) {
+                continue;
+            }
+            if (at->second.isFolder) {
+                visitFolder(name.c_str());
+            } else if (wanted(name)) {
+                visitFile(name.c_str(), statusOf(at->second));
+            }
+        }
+    }
+
+    std::optional<ORVItemStatus> statusOf(const char* path, ORVErrorSlot* error) const override {
+        const bool isItself = std::string_view(path) == ".";
+        const Item* item =
+            disk_.beginCall(isItself ? text::folderOf(prefix_) : prefix_ + path, error);
+        return item ? std::optional(statusOf(*item)) : std::nullopt;
+    }
+
+private:
+    static ORVItemStatus statusOf(const Item& item) {
+        using Kind = ORVItemStatus::Kind;
+        return {item.isFolder ? Kind::folder : Kind::file, item.modifiedAt, item.modifiedAt,
+                item.number, item.content.size()};
+    }
+
+    MemoryFiles& disk_;
+    const std::string prefix_;
+    const bool isUnseen_;
 };
 
 MemoryFiles::Item& MemoryFiles::make(const std::string& path) {
@@ -104,28 +147,15 @@ const MemoryFiles::Item* MemoryFiles::beginCall(const std::string& path, ORVErro
     return &found->second;
 }
 
-bool MemoryFiles::walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
-                       const ErrorHandler& failed) {
-    ORVErrorSlot error;
-    const Item* start = beginCall(root, &error);
+std::unique_ptr<ORVOpenFolder> MemoryFiles::openFolder(const std::string& path, Links,
+                                                       ORVErrorSlot* error) {
+    const Item* item = beginCall(path, error);
+    if (item && !item->isFolder) {
+        storeError(error, platform::posixError(ENOTDIR));
+        return nullptr;
+    }
     const bool isUnseen = happens(Fault::unseenFolder);
-    if (!start || !start->isFolder || isUnseen) {
-        failed(error.value_or(platform::posixError(isUnseen ? EACCES : ENOTDIR)));
-        return isUnseen;
-    }
-    std::set<std::string> entered = {root};
-    for (const auto& [path, item] : items_) {
-        const std::string_view name = text::lastPathComponent(path);
-        if (!entered.contains(text::folderOf(path)) || path == root || name.starts_with('.')) {
-            continue;
-        }
-        if (item.isFolder) {
-            entered.insert(path);
-        } else if (wanted(name)) {
-            visit({path, item.modifiedAt, item.number});
-        }
-    }
-    return true;
+    return item ? std::make_unique<OpenFolder>(*this, path, isUnseen) : nullptr;
 }
 
 std::optional<ORVFileAttributes> MemoryFiles::attributesOfItem(const std::string& path,

@@ -10,8 +10,8 @@
 #include "platform/files.h"
 
 /// A disk in memory with faults on demand. It counts its calls, so that a test can make each of
-/// them fail. Paths are absolute, without "." and ".."; walks visit items in the order of their
-/// paths.
+/// them fail. Paths are absolute, without "." and ".."; folders list their items in
+/// the order of their names.
 class MemoryFiles : public ORVFiles {
 public:
     struct Item {
@@ -41,7 +41,7 @@ public:
 
     enum class Fault {
         error,         ///< The call fails with EIO, whichever call it is.
-        unseenFolder,  ///< A walk cannot enter the folders that hold the files.
+        unseenFolder,  ///< The names in a folder cannot be read.
         largerSize,    ///< The file is cut after its size was read.
         smallerSize,   ///< The file grows after its size was read.
         noSize,
@@ -60,8 +60,8 @@ public:
     int faults = 0;  ///< How many faults have happened: not every call can have every fault.
     int opened = 0;
 
-    bool walk(const std::string& root, const NameTest& wanted, const FileVisitor& visit,
-              const ErrorHandler& failed) override;
+    std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
+                                              ORVErrorSlot* error) override;
     std::optional<ORVFileAttributes> attributesOfItem(const std::string& path,
                                                       ORVErrorSlot* error) override;
     std::optional<ORVFileDate> contentModificationDate(const std::string& path) override;
@@ -72,6 +72,7 @@ public:
 
 private:
     class OpenFile;
+    class OpenFolder;
     Item& make(const std::string& path);
     void touchFolderOf(const std::string& path);
     bool happens(Fault kind);
