@@ -62,6 +62,8 @@ constexpr std::uint32_t kCalls[] = {
     // Reading files.
     SYS_read, SYS_readv, SYS_pread64, SYS_lseek, SYS_getdents64, SYS_fstat, SYS_newfstatat,
     SYS_statx, SYS_faccessat, kFaccessat2, SYS_readlinkat, SYS_getcwd,
+    // Being told of changes in folders of local file systems.
+    SYS_statfs, SYS_inotify_init1, SYS_inotify_add_watch, SYS_inotify_rm_watch,
     // Using descriptors: the output, and the pipe that wakes the run loop.
     SYS_write, SYS_writev, SYS_close, kCloseRange, SYS_pipe2, SYS_ppoll, SYS_pselect6,
 #ifdef SYS_open

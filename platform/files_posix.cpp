@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "platform/files.h"
+#include "platform/folder_watch.h"
 
 namespace platform {
 namespace {
@@ -120,31 +121,18 @@ using Directory = std::unique_ptr<DIR, DirectoryCloser>;
 
 class PosixOpenFolder final : public ORVOpenFolder {
 public:
-    explicit PosixOpenFolder(Directory directory) : directory_(std::move(directory)) {}
+    explicit PosixOpenFolder(FileDescriptor descriptor)
+        : number_(descriptor.number()), descriptor_(std::move(descriptor)) {}
 
     void readItems(const NameTest& wanted, const FileVisitor& visitFile,
                    const FolderVisitor& visitFolder, const FailureHandler& failed) override {
+        if (!beginReading()) {
+            failed("", posixError(errno));
+            return;
+        }
         while (const dirent* entry = nextEntry()) {
-            const char* const name = entry->d_name;
-            const bool isWanted = wanted(name);
-            const bool kindIsKnown =
-                entry->d_type != DT_UNKNOWN && !hiddenFlagExists<struct stat>();
-            if (name[0] == '.' || (kindIsKnown && entry->d_type != DT_DIR &&
-                                   !(entry->d_type == DT_REG && isWanted))) {
-                continue;
-            }
-            if (kindIsKnown && entry->d_type == DT_DIR) {
-                visitFolder(name);
-                continue;
-            }
-            ORVErrorSlot error;
-            const auto status = statusOf(name, &error);
-            if (!status && error->code != ENOENT) {
-                failed(name, std::move(*error));
-            } else if (status && status->kind == ORVItemStatus::Kind::folder) {
-                visitFolder(name);
-            } else if (status && status->kind == ORVItemStatus::Kind::file && isWanted) {
-                visitFile(name, *status);
+            if (entry->d_name[0] != '.') {
+                visitEntry(*entry, wanted(entry->d_name), visitFile, visitFolder, failed);
             }
         }
         if (errno != 0) {
@@ -154,9 +142,8 @@ public:
 
     std::optional<ORVItemStatus> statusOf(const char* path, ORVErrorSlot* error) const override {
         struct stat status;
-        if (uninterrupted([&] {
-                return fstatat(dirfd(directory_.get()), path, &status, AT_SYMLINK_NOFOLLOW);
-            }) != 0) {
+        if (uninterrupted([&] { return fstatat(number_, path, &status, AT_SYMLINK_NOFOLLOW); }) !=
+            0) {
             storeError(error, posixError(errno));
             return std::nullopt;
         }
@@ -164,6 +151,16 @@ public:
     }
 
 private:
+    /// A list of names takes memory, which who asks only for single items does without.
+    bool beginReading() {
+        if (directory_) {
+            rewinddir(directory_.get());
+        } else if (directory_.reset(fdopendir(number_)); directory_) {
+            descriptor_.release();
+        }
+        return directory_ != nullptr;
+    }
+
     /// Returns null at the end, where errno is 0, and when reading failed.
     const dirent* nextEntry() {
         const dirent* entry = nullptr;
@@ -174,6 +171,29 @@ private:
         return entry;
     }
 
+    void visitEntry(const dirent& entry, bool isWanted, const FileVisitor& visitFile,
+                    const FolderVisitor& visitFolder, const FailureHandler& failed) const {
+        if (entry.d_type != DT_UNKNOWN && !hiddenFlagExists<struct stat>()) {
+            if (entry.d_type == DT_DIR) {
+                visitFolder(entry.d_name);
+            }
+            if (entry.d_type != DT_REG || !isWanted) {
+                return;
+            }
+        }
+        ORVErrorSlot error;
+        const auto status = statusOf(entry.d_name, &error);
+        if (!status && error->code != ENOENT) {
+            failed(entry.d_name, std::move(*error));
+        } else if (status && status->kind == ORVItemStatus::Kind::folder) {
+            visitFolder(entry.d_name);
+        } else if (status && status->kind == ORVItemStatus::Kind::file && isWanted) {
+            visitFile(entry.d_name, *status);
+        }
+    }
+
+    const int number_;
+    FileDescriptor descriptor_;  ///< Owns the number until the list of names does.
     Directory directory_;
 };
 
@@ -184,13 +204,15 @@ public:
         const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK |
                           (links == Links::followed ? 0 : O_NOFOLLOW);
         FileDescriptor descriptor(uninterrupted([&] { return open(path.c_str(), flags); }));
-        Directory directory(descriptor.number() < 0 ? nullptr : fdopendir(descriptor.number()));
-        if (!directory) {
+        if (descriptor.number() < 0) {
             storeError(error, posixError(errno));
             return nullptr;
         }
-        descriptor.release();
-        return std::make_unique<PosixOpenFolder>(std::move(directory));
+        return std::make_unique<PosixOpenFolder>(std::move(descriptor));
+    }
+
+    std::unique_ptr<ORVFolderWatch> makeFolderWatch() override {
+        return platform::makeFolderWatch();
     }
 
     std::optional<ORVFileAttributes> attributesOfItem(const std::string& path,

@@ -103,7 +103,8 @@ private:
     ORVFiles& files_;
     const ORVClock& clock_;
     const std::string root_;
-    ORVErrorSlot rootError_;  ///< Why the root cannot be opened, though it exists.
+    ORVClock::TimePoint now_;  ///< When the last refresh began.
+    ORVErrorSlot rootError_;   ///< Why the root cannot be opened, though it exists.
     /// By path. A folder stands before those in it, so that it is looked at before them.
     Folders folders_;
     std::size_t fileCount_ = 0;

@@ -39,8 +39,7 @@ void ORVSessionTree::lookAtWrittenFiles(const ORVOpenFolder& root) {
             folder.isWatched = false;
         }
     }
-    const auto now = clock_.now();
-    std::erase_if(writtenLately_, [&](const auto& entry) { return !isLately(entry.second, now); });
+    std::erase_if(writtenLately_, [&](const auto& entry) { return !isLately(entry.second, now_); });
     for (const auto& [path, noticedAt] : writtenLately_) {
         paths.insert(path);
     }
@@ -132,12 +131,11 @@ void ORVSessionTree::take(Folder& folder, ORVWalkedFile& file,
 
 void ORVSessionTree::note(Change::Kind kind, const ORVWalkedFile& file) {
     changes_.push_back({kind, &file});
-    const auto now = clock_.now();
     if (kind == Change::Kind::vanished) {
         --fileCount_;
         writtenLately_.erase(file.path);
-    } else if (kind == Change::Kind::changed || isLately(file.modifiedAt, now)) {
-        writtenLately_[file.path] = now;
+    } else if (kind == Change::Kind::changed || isLately(file.modifiedAt, now_)) {
+        writtenLately_[file.path] = now_;
     }
     fileCount_ += kind == Change::Kind::appeared ? 1 : 0;
 }

@@ -37,6 +37,7 @@ bool isGone(const ORVError& error) {
 
 bool ORVSessionTree::refresh(ORVErrorSlot* error) {
     try {
+        now_ = clock_.now();
         changes_.clear();
         vanished_.clear();
         rootError_.reset();
@@ -85,7 +86,6 @@ const char* ORVSessionTree::pathBelowRoot(const std::string& path) const {
 
 /// Folders that a read adds come later in the order of paths, so that they are looked at, too.
 void ORVSessionTree::lookAtFolders(const ORVOpenFolder& root) {
-    const auto now = clock_.now();
     for (auto at = folders_.begin(); at != folders_.end();) {
         Folder& folder = at->second;
         ORVErrorSlot error;
@@ -98,13 +98,11 @@ void ORVSessionTree::lookAtFolders(const ORVOpenFolder& root) {
         }
         const bool isSame = folder.seen && folder.seen == status;
         if (!isSame) {
-            const bool isSameFolder =
-                folder.seen && status && folder.seen->fileIdentifier == status->fileIdentifier;
-            folder.isWatched = folder.isWatched && isSameFolder;
-            folder.noticedAt = now;
+            folder.isWatched = false;  // Another folder may have taken its place and number.
+            folder.noticedAt = now_;
         }
         if (!isSame || !folder.isSettled) {
-            folder.isSettled = isSettled(status, folder.noticedAt, now);
+            folder.isSettled = isSettled(status, folder.noticedAt, now_);
             folder.seen = status;
             readFolder(at->first, folder);
         }

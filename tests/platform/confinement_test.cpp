@@ -44,7 +44,7 @@ constexpr long kRefusedCalls[] = {
     SYS_truncate, SYS_ftruncate, SYS_fallocate, SYS_fchmodat, SYS_fchown, SYS_fchownat,
     SYS_utimensat, SYS_setxattr, SYS_lsetxattr, SYS_fsetxattr, SYS_removexattr, SYS_linkat,
     SYS_symlinkat, SYS_mknodat, SYS_open_by_handle_at, SYS_copy_file_range, SYS_sendfile,
-    SYS_splice, SYS_flock, SYS_fanotify_init, SYS_inotify_init1,
+    SYS_splice, SYS_flock, SYS_fanotify_init,
     // Rights, namespaces and the machine.
     SYS_unshare, SYS_setns, SYS_mount, SYS_umount2, SYS_pivot_root, SYS_chroot, SYS_setuid,
     SYS_setresuid, SYS_setgroups, SYS_capset, SYS_setrlimit, SYS_umask, SYS_personality, SYS_bpf,
