@@ -1,63 +1,73 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <unordered_map>
-#include <vector>
 
 #include "platform/files.h"
 
-/// What the first line of a session file says of its task. Texts are as recorded; one that is empty
-/// or of more than ORVFirstLines::kLongestTextBytes counts as absent.
+/// What the first line of a session file says of its task. A text that is empty or longer than
+/// ORVFirstLines::kLongestTextBytes counts as absent.
 struct ORVFirstLine {
-    /// Whether the line has ended, or is longer than any that is read. Until then nothing else is
-    /// known.
+    /// Whether the line has ended, or is longer than any that is read. Until then nothing is known.
     bool isComplete = false;
-    bool isHelper = false;  ///< Whether the agent started the task to work for another one.
-    std::optional<std::string> folder;      ///< The working folder, an absolute path.
-    std::optional<std::string> parentID;    ///< The task that a helper works for.
+    bool isHelper = false;                ///< Whether the task was started to work for another one.
+    std::optional<std::string> folder;    ///< The working folder, an absolute path.
+    std::optional<std::string> parentID;  ///< The task that a helper works for, as recorded.
     std::optional<std::string> helperName;  ///< The name that the agent gave a helper.
 };
 
-/// The first lines of session files. Each is read once: again only while it is not complete or
-/// cannot be read, and when another file takes the path. Opens no file for what it knows. One
-/// thread at a time uses it.
+/// The first lines of session files, each read once: again only when another file takes the path,
+/// and while it is not complete, when the file has changed. One thread at a time uses the object.
 class ORVFirstLines {
 public:
     /// A longer first line is complete and tells nothing.
     static constexpr std::size_t kLongestLineBytes = 1024 * 1024;
     static constexpr std::size_t kLongestTextBytes = 4096;
 
-    /// `files` must outlive the object, and its calls must bear several threads at once.
-    explicit ORVFirstLines(ORVFiles& files) : files_(files) {}
+    /// `files` must outlive the object, and bear that several threads call it at once.
+    explicit ORVFirstLines(ORVFiles& files);
+    ~ORVFirstLines();
 
-    /// What is known of a file.
+    /// What is known of a file, and the attributes that it had when it was read.
     struct Known {
         ORVFirstLine line;
-        ORVErrorSlot error;  ///< Why the file could not be read; the line is not complete then.
-        std::uint64_t fileIdentifier = 0;  ///< Of the file that was read.
-        ORVFileDate modifiedAt;
+        int error = 0;  ///< The errno of a file that could not be read; the line is not complete.
+        std::uint64_t fileIdentifier = 0;
         std::uint64_t size = 0;
+        ORVFileDate modifiedAt;
+
+        /// Whether these are the attributes of another file, or of one that was cut.
+        bool isOfAnother(const ORVWalkedFile& file) const {
+            return fileIdentifier != file.fileNumber || size > file.size;
+        }
     };
 
-    /// Returns what the file's first line says, and reads it if needed. The reference is valid
-    /// until the file is forgotten.
+    /// Returns what the file's first line says, and opens the file only if needed. The reference is
+    /// valid until the path is forgotten.
     const Known& ofFile(const ORVWalkedFile& file);
 
-    /// Reads the first lines of these files on all processors, unless they are known.
+    /// Does the same, and tries again to read what could not be read.
+    const Known& tryAgain(const ORVWalkedFile& file);
+
+    /// Reads what ofFile would of these files, on all processors, when they are many.
     void readAhead(std::span<const ORVWalkedFile* const> files);
 
-    /// Returns what is known of the path without opening anything; null when it was never read.
+    /// Returns what is known of the path; null when nothing is.
     const Known* knownOf(const std::string& path) const;
 
     void forget(const std::string& path) { known_.erase(path); }
     void forgetAll() { known_.clear(); }
 
 private:
-    bool mustBeRead(const ORVWalkedFile& file) const;
+    class Reader;
+    bool mustRead(const ORVWalkedFile& file) const;
 
     ORVFiles& files_;
+    std::unique_ptr<Reader> reader_;
     std::unordered_map<std::string, Known> known_;  ///< By path.
 };

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <new>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/clock.h"
@@ -21,7 +25,9 @@ struct ORVListedTask {
     /// When the task's newest file that counts was written; for the head of a family, when any of
     /// its family was.
     ORVFileDate changedAt;
-    std::size_t helpers = 0;  ///< How many helpers the family has, where it was asked for.
+    std::size_t helpers = 0;  ///< How many helpers a head's family has, where it was asked for.
+    /// The helpers of a head's family, where they were asked for: the one that changed last first.
+    std::vector<ORVListedTask> helperTasks;
     /// Whether the last refresh, which was not the first, met the task for the first time.
     bool isNew = false;
 };
@@ -43,7 +49,8 @@ class ORVTaskList {
 public:
     /// `sessionsFolder` is the folder below which all session files stand. `files` and `clock` must
     /// outlive the list.
-    ORVTaskList(ORVFiles& files, const ORVClock& clock, std::string sessionsFolder);
+    ORVTaskList(ORVFiles& files, const ORVClock& clock, std::string sessionsFolder)
+        : files_(files), tree_(files, clock, std::move(sessionsFolder)), firstLines_(files) {}
 
     /// Looks for what has changed. Returns false, with an error, when the sessions folder cannot be
     /// read; there are no tasks then.
@@ -55,7 +62,7 @@ public:
 
     /// Names the files whose growth the next refresh must notice, in place of those named before.
     /// Others that were not written lately are noticed within five refreshes.
-    void lookAtEveryTime(std::set<std::string> paths);
+    void lookAtEveryTime(std::set<std::string> paths) { namedPaths_ = std::move(paths); }
 
     // Heads and helpers
 
@@ -65,7 +72,8 @@ public:
         std::optional<ORVFileDate> changedSince;  ///< Families changed then or later.
         /// An absolute path without links: heads whose folder is this one, lies above it or in it.
         std::optional<std::string> folder;
-        bool countsHelpers = false;  ///< Reads all first lines.
+        enum class Helpers { none, counted, listed };
+        Helpers helpers = Helpers::none;  ///< All others need all first lines.
     };
 
     /// Returns the heads, the one whose family changed last first.
@@ -80,9 +88,9 @@ public:
     /// path without links.
     std::optional<ORVListedTask> headForFolder(const std::string& folder);
 
-    /// Returns the head of the family that the task with this identifier belongs to, letter case
-    /// disregarded; none when there is no such task.
-    std::optional<ORVListedTask> headOfFamily(std::string_view threadID);
+    /// Returns the head of the family that the task belongs to; none when there is no such task any
+    /// more. Reads first lines until it meets the family's newest file.
+    std::optional<ORVListedTask> headOfFamily(const ORVTask& task);
 
     /// Returns all helpers of the head's family, the one that changed last first. Reads all first
     /// lines.
@@ -92,7 +100,7 @@ public:
 
     /// Returns the tasks that a part of an identifier means, letter case disregarded, newest file
     /// first: those whose identifiers end with it or, where none does, those whose identifiers hold
-    /// it.
+    /// it. The empty part means all tasks. Reads no first line.
     std::vector<ORVTask> matching(std::string_view part);
 
     /// Returns the shortest ending of the task's identifier, of at least six characters, that no
@@ -110,7 +118,86 @@ public:
     std::vector<ORVUnreadable> unreadable() const;
 
 private:
+    /// The files whose names hold an identifier. They are a task when at least one name holds it
+    /// first: a task that was taken back to an earlier point goes on in a file whose name holds a
+    /// second identifier after that of the task.
+    struct Group {
+        std::string_view identifier;  ///< The key in `groups_`.
+        std::vector<const ORVWalkedFile*> files;
+        std::size_t namesWithItFirst = 0;
+        const ORVWalkedFile* newest = nullptr;  ///< Of the files that count; null when none does.
+        ORVFileDate changedAt;                  ///< Of that file.
+        const ORVFirstLines::Known* known = nullptr;  ///< Of that file; null until it is wanted.
+        std::uint64_t metAt = 0;      ///< The number of the refresh since which some file counts.
+        std::size_t shortLength = 0;  ///< Of the identifier's ending that no other task has.
+
+        // What headOf knows, and when it was found.
+        Group* head = nullptr;
+        std::uint64_t headRevision = 0;
+        std::uint64_t way = 0;
+    };
+
+    /// Orders texts as if they were read backwards.
+    struct ByEnding {
+        bool operator()(std::string_view a, std::string_view b) const {
+            return std::lexicographical_compare(a.rbegin(), a.rend(), b.rbegin(), b.rend());
+        }
+        using is_transparent = void;
+    };
+    struct ChangedLastFirst {
+        bool operator()(const Group* a, const Group* b) const;
+    };
+    using Groups = std::map<std::string, Group, ByEnding>;
+    using Order = std::set<Group*, ChangedLastFirst>;
+
+    template <typename Work>
+    auto orForgetAll(Work work) {
+        try {
+            return work();
+        } catch (const std::bad_alloc&) {
+            forgetAll();
+            throw;
+        }
+    }
+
+    // Tasks (task_groups.cpp)
+    void apply(const ORVSessionTree::Change& change);
+    void place(Group& group);
+    void placeAll();
+    void placeTasksOf(const ORVWalkedFile& file);
+    void lookAgainAtIncompleteFiles();
+    Groups::iterator groupNamed(std::string_view identifier);
+    Group* groupOf(const ORVTask& task);
+    void measureIdentifiers();
+    static ORVTask taskOf(const Group& group);
+    void forgetAll();
+    ORVListedTask listed(const Group& group, ORVFileDate changedAt) const;
+
+    // Families (families.cpp)
+    const ORVFirstLines::Known& readFirstLine(const ORVWalkedFile& file);
+    bool settle(Group& group);
+    bool settleFully(Group& group);
+    void readFirstLinesAhead();
+    Group* parentOf(const Group& group);
+    Group& headOf(Group& group);
+    template <typename Visit>
+    void visitTasks(Visit visit);
+
+    ORVFiles& files_;
     ORVSessionTree tree_;
     ORVFirstLines firstLines_;
+    std::set<std::string> namedPaths_;
     std::uint64_t revision_ = 0;
+    std::uint64_t refreshes_ = 0;
+
+    /// By identifier in lower case, or by the path of a file whose name holds none. The order is
+    /// that of the texts read backwards, so that those with long endings in common are neighbours.
+    Groups groups_;
+    Order order_;  ///< The tasks with files that count, as far as first lines are known.
+    std::set<const ORVWalkedFile*> incomplete_;  ///< First lines not complete, or not to be read.
+    bool allCount_ = false;  ///< Whether no first line is complete, so that every file counts.
+
+    std::uint64_t familyRevision_ = 0;  ///< Changes whenever a head may have become another one.
+    std::uint64_t lastWay_ = 0;         ///< The number of the last way from parent to parent.
+    bool identifiersAreMeasured_ = false;
 };

@@ -1,0 +1,259 @@
+// Which tasks belong together: the agent lets helpers work for a task, and names the task in their
+// first lines. Tests: tests/sessions/task_list_test.cpp.
+
+#include <unordered_map>
+
+#include "sessions/ORVTaskList.h"
+#include "text/bytes.h"
+
+namespace {
+
+/// How a working folder lies to one folder, by its path as written and by its path without links.
+/// Each path is looked up once.
+class Neighbourhood {
+public:
+    struct Relation {
+        std::optional<std::size_t> depth;  ///< Of a path that is the folder or holds it.
+        bool isNear = false;               ///< Whether one is the other or holds it.
+    };
+
+    Neighbourhood(ORVFiles& files, const std::string& folder) : files_(files), folder_(folder) {}
+
+    const Relation& of(const std::string& path) {
+        const auto [found, isNew] = relations_.try_emplace(path);
+        Relation& relation = found->second;
+        if (isNew) {
+            relation = asWritten(path);
+            if (const auto real = relation.depth ? std::nullopt : files_.realPath(path)) {
+                const bool wasNear = relation.isNear;
+                relation = asWritten(*real);
+                relation.isNear = relation.isNear || wasNear;
+            }
+        }
+        return relation;
+    }
+
+private:
+    /// Returns the length of the holder's path when the folder is the holder itself or lies in it,
+    /// else none. The root folder holds everything and has the length 0.
+    static std::optional<std::size_t> depthOfHolder(std::string_view holder,
+                                                    std::string_view folder) {
+        while (holder.ends_with('/')) {
+            holder.remove_suffix(1);
+        }
+        const bool holds =
+            folder.starts_with(holder) &&
+            (folder.size() == holder.size() || folder[holder.size()] == '/' || holder.empty());
+        return holds ? std::optional(holder.size()) : std::nullopt;
+    }
+
+    Relation asWritten(std::string_view path) const {
+        const auto depth = depthOfHolder(path, folder_);
+        return {depth, depth || depthOfHolder(folder_, path)};
+    }
+
+    ORVFiles& files_;
+    const std::string& folder_;
+    std::unordered_map<std::string, Relation> relations_;
+};
+
+}  // namespace
+
+const ORVFirstLines::Known& ORVTaskList::readFirstLine(const ORVWalkedFile& file) {
+    const ORVFirstLines::Known& known = firstLines_.ofFile(file);
+    if (!known.line.isComplete && incomplete_.insert(&file).second && !allCount_) {
+        placeTasksOf(file);
+    }
+    return known;
+}
+
+/// Reads the first line of the task's newest file, and returns whether the task keeps its place:
+/// with an incomplete line the file does not count.
+bool ORVTaskList::settle(Group& group) {
+    const ORVWalkedFile* const newest = group.newest;
+    if (newest && !group.known) {
+        const ORVFirstLines::Known& known = readFirstLine(*newest);
+        if (group.newest == newest) {
+            group.known = &known;
+        }
+    }
+    return group.newest == newest;
+}
+
+/// Returns whether a file of the task counts in the end.
+bool ORVTaskList::settleFully(Group& group) {
+    while (!settle(group)) {
+    }
+    return group.newest != nullptr;
+}
+
+/// Visits the tasks with files that count, the one that changed last first, until `visit` returns
+/// false. First lines are read on the way, so that a task may go further back; it is visited there.
+template <typename Visit>
+void ORVTaskList::visitTasks(Visit visit) {
+    auto last = order_.end();
+    while (true) {
+        const auto at = last == order_.end() ? order_.begin() : std::next(last);
+        if (at == order_.end()) {
+            if (last != order_.end() || allCount_ || incomplete_.empty()) {
+                return;
+            }
+            allCount_ = true;
+            placeAll();
+        } else if (settle(**at)) {
+            if (!visit(**at)) {
+                return;
+            }
+            last = at;
+        }
+    }
+}
+
+/// Where an answer needs all first lines, reads them on all processors.
+void ORVTaskList::readFirstLinesAhead() {
+    std::vector<const ORVWalkedFile*> unread;
+    for (const Group* group : order_) {
+        if (!group->known) {
+            unread.push_back(group->newest);
+        }
+    }
+    firstLines_.readAhead(unread);
+}
+
+/// Returns the task that a helper works for; null for what is no helper, and where there is no such
+/// task.
+ORVTaskList::Group* ORVTaskList::parentOf(const Group& group) {
+    const ORVFirstLine& line = group.known->line;
+    const auto parent = line.isHelper && line.parentID ? groupNamed(*line.parentID) : groups_.end();
+    if (parent == groups_.end()) {
+        return nullptr;
+    }
+    return settleFully(parent->second) ? &parent->second : nullptr;
+}
+
+/// Goes from parent to parent, and remembers for each task on the way where it led. The task must
+/// be settled.
+ORVTaskList::Group& ORVTaskList::headOf(Group& group) {
+    ++lastWay_;
+    std::vector<Group*> way;
+    Group* head = &group;
+    for (Group* next = &group; next; next = parentOf(*next)) {
+        head = next;
+        if (next->headRevision == familyRevision_) {
+            head = next->head;
+            break;
+        }
+        if (next->way == lastWay_) {
+            const auto circle = std::find(way.begin(), way.end(), next);
+            head = *std::min_element(circle, way.end(), [](const Group* a, const Group* b) {
+                return a->identifier < b->identifier;
+            });
+            break;
+        }
+        next->way = lastWay_;
+        way.push_back(next);
+    }
+    for (Group* passed : way) {
+        passed->head = head;
+        passed->headRevision = familyRevision_;
+    }
+    return *head;
+}
+
+std::vector<ORVListedTask> ORVTaskList::heads(const Wanted& wanted) {
+    return orForgetAll([&] {
+        using Helpers = Wanted::Helpers;
+        const bool wantsHelpers = wanted.helpers != Helpers::none;
+        if (wanted.limit == 0 || wanted.folder || wantsHelpers) {
+            readFirstLinesAhead();
+        }
+        const std::string folder = wanted.folder.value_or("");
+        Neighbourhood neighbourhood(files_, folder);
+        const auto isWanted = [&](const Group& head) {
+            const auto& path = head.known->line.folder;
+            return !wanted.folder || (path && neighbourhood.of(*path).isNear);
+        };
+        std::vector<ORVListedTask> tasks;
+        std::unordered_map<const Group*, std::optional<std::size_t>> positions;  // In `tasks`.
+        visitTasks([&](Group& group) {
+            const auto isFull = [&] { return wanted.limit > 0 && tasks.size() == wanted.limit; };
+            const bool isOld = wanted.changedSince && group.changedAt < *wanted.changedSince;
+            const Group& head = headOf(group);
+            const auto [position, isNew] = positions.try_emplace(&head);
+            if (isNew && !isFull() && !isOld && isWanted(head)) {
+                position->second = tasks.size();
+                tasks.push_back(listed(head, group.changedAt));
+            }
+            if (wantsHelpers && position->second && &group != &head) {
+                ORVListedTask& task = tasks[*position->second];
+                ++task.helpers;
+                if (wanted.helpers == Helpers::listed) {
+                    task.helperTasks.push_back(listed(group, group.changedAt));
+                }
+            }
+            return wantsHelpers || !(isFull() || isOld);
+        });
+        return tasks;
+    });
+}
+
+std::optional<ORVListedTask> ORVTaskList::newestHead() {
+    auto newest = heads({.limit = 1});
+    return newest.empty() ? std::nullopt : std::optional(std::move(newest.front()));
+}
+
+std::optional<ORVListedTask> ORVTaskList::headForFolder(const std::string& folder) {
+    return orForgetAll([&] {
+        readFirstLinesAhead();
+        Neighbourhood neighbourhood(files_, folder);
+        const Group* best = nullptr;
+        std::optional<std::size_t> bestDepth;
+        ORVFileDate changedAt;
+        visitTasks([&](Group& group) {
+            const Group& head = headOf(group);
+            const auto& path = head.known->line.folder;
+            const auto depth = path ? neighbourhood.of(*path).depth : std::nullopt;
+            // Families come in the order of their changes, so of equal depths the first one stays.
+            if (depth && (!bestDepth || *depth > *bestDepth)) {
+                best = &head;
+                bestDepth = depth;
+                changedAt = group.changedAt;
+            }
+            return true;
+        });
+        return best ? std::optional(listed(*best, changedAt)) : std::nullopt;
+    });
+}
+
+std::optional<ORVListedTask> ORVTaskList::headOfFamily(const ORVTask& task) {
+    return orForgetAll([&] {
+        Group* const member = groupOf(task);
+        const Group* head = nullptr;
+        std::optional<ORVListedTask> found;
+        visitTasks([&](Group& group) {
+            if (!head) {
+                head = member && settleFully(*member) ? &headOf(*member) : nullptr;
+            }
+            if (head == &headOf(group)) {
+                found = listed(*head, group.changedAt);
+            }
+            return head && !found;
+        });
+        return found;
+    });
+}
+
+std::vector<ORVListedTask> ORVTaskList::helpersOf(const ORVTask& head) {
+    return orForgetAll([&] {
+        readFirstLinesAhead();
+        const Group* const wanted = groupOf(head);
+        std::vector<ORVListedTask> helpers;
+        visitTasks([&](Group& group) {
+            if (&group != wanted && &headOf(group) == wanted) {
+                helpers.push_back(listed(group, group.changedAt));
+            }
+            return true;
+        });
+        return helpers;
+    });
+}

@@ -1,0 +1,165 @@
+// Reads the first lines of session files and what they say of a task: its folder, and whether it
+// works for another one. Tests: tests/sessions/task_list_test.cpp.
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+#include "platform/chunk_buffer.h"
+#include "platform/parallel.h"
+#include "sessions/ORVFirstLines.h"
+#include "text/byte_buffer.h"
+#include "text/json_reading.h"
+
+namespace {
+
+/// Enough to read most first lines with one system call: they hold the agent's instructions and
+/// have some 25 KB.
+constexpr std::uint64_t kFirstReadBytes = 32 * 1024;
+
+/// Starting threads pays for more files than these.
+constexpr std::size_t kWorthThreads = 64;
+
+const ORVJSONShape& recordShape() {
+    static const ORVJSONShape kSpawn{
+        "thread_spawn", false, {{"parent_thread_id", true}, {"agent_nickname", true}}};
+    static const ORVJSONShape kPayload{"payload",
+                                       false,
+                                       {{"cwd", true},
+                                        {"thread_source", true},
+                                        {"parent_thread_id", true},
+                                        {"agent_nickname", true},
+                                        {"source", false, {{"subagent", false, {kSpawn}}}}}};
+    static const ORVJSONShape kShape{"", false, {{"type", true}, kPayload}};
+    return kShape;
+}
+
+std::optional<std::string> shortText(const ORVJSONValue& value) {
+    const std::size_t size = value.text.size();
+    return size > 0 && size <= ORVFirstLines::kLongestTextBytes ? std::optional(value.text)
+                                                                : std::nullopt;
+}
+
+ORVFirstLine lineOf(const ORVJSONValue& record) {
+    ORVFirstLine line;
+    line.isComplete = true;
+    const ORVJSONValue& payload = record["payload"];
+    if (record["type"].text != "session_meta") {
+        return line;
+    }
+    line.folder = shortText(payload["cwd"]);
+    if (line.folder && !line.folder->starts_with('/')) {
+        line.folder.reset();
+    }
+    const ORVJSONValue& subagent = payload["source"]["subagent"];
+    line.isHelper =
+        payload["thread_source"].text == "subagent" ||
+        (subagent.kind != ORVJSONValue::Kind::absent && subagent.kind != ORVJSONValue::Kind::null);
+    if (line.isHelper) {
+        const ORVJSONValue& spawn = subagent["thread_spawn"];
+        const auto inEither = [&](std::string_view key) {
+            const auto found = shortText(payload[key]);
+            return found ? found : shortText(spawn[key]);
+        };
+        line.parentID = inEither("parent_thread_id");
+        line.helperName = inEither("agent_nickname");
+    }
+    return line;
+}
+
+}  // namespace
+
+/// Reads first lines one after the other. Each thread has a reader of its own.
+class ORVFirstLines::Reader {
+public:
+    explicit Reader(ORVFiles& files) : files_(files) {}
+
+    Known read(const ORVWalkedFile& file) {
+        Known known;
+        known.fileIdentifier = file.fileNumber;
+        known.size = file.size;
+        known.modifiedAt = file.modifiedAt;
+        ORVErrorSlot error;
+        ORVByteBuffer bytes;
+        const std::size_t length = readLine(file.path, bytes, &error);
+        known.error = error ? static_cast<int>(error->code) : 0;
+        known.line.isComplete = !error && (length <= bytes.size() || isTooLong(bytes.size()));
+        if (known.line.isComplete && !isTooLong(length)) {
+            const auto record =
+                jsonReader_.readObject(bytes.bytes().substr(0, length), recordShape());
+            known.line = record ? lineOf(*record) : known.line;
+        }
+        return known;
+    }
+
+private:
+    static bool isTooLong(std::size_t length) { return length > kLongestLineBytes; }
+
+    /// Returns the length of the first line; npos when it has not ended or is too long.
+    std::size_t readLine(const std::string& path, ORVByteBuffer& bytes, ORVErrorSlot* error) {
+        const auto file = files_.openForReading(path, error);
+        while (file && !isTooLong(bytes.size())) {
+            const std::uint64_t limit = bytes.empty() ? kFirstReadBytes : kLongestLineBytes;
+            const auto chunk = chunkBuffer_.read(*file, bytes.size(), limit, error);
+            if (!chunk || chunk->empty()) {
+                break;
+            }
+            const std::size_t lineFeed = chunk->find('\n');
+            const std::size_t before = bytes.size();
+            bytes.append(*chunk);
+            if (lineFeed != std::string_view::npos) {
+                return before + lineFeed;
+            }
+        }
+        return std::string_view::npos;
+    }
+
+    ORVFiles& files_;
+    platform::ChunkBuffer chunkBuffer_;
+    ORVJSONReader jsonReader_;
+};
+
+ORVFirstLines::ORVFirstLines(ORVFiles& files)
+    : files_(files), reader_(std::make_unique<Reader>(files)) {}
+
+ORVFirstLines::~ORVFirstLines() = default;
+
+const ORVFirstLines::Known* ORVFirstLines::knownOf(const std::string& path) const {
+    const auto found = known_.find(path);
+    return found == known_.end() ? nullptr : &found->second;
+}
+
+bool ORVFirstLines::mustRead(const ORVWalkedFile& file) const {
+    const Known* known = knownOf(file.path);
+    return !known || known->isOfAnother(file) ||
+           (!known->line.isComplete &&
+            (known->modifiedAt != file.modifiedAt || known->size != file.size));
+}
+
+const ORVFirstLines::Known& ORVFirstLines::ofFile(const ORVWalkedFile& file) {
+    return mustRead(file) ? known_[file.path] = reader_->read(file) : known_[file.path];
+}
+
+const ORVFirstLines::Known& ORVFirstLines::tryAgain(const ORVWalkedFile& file) {
+    const Known& known = ofFile(file);
+    return known.error == 0 ? known : known_[file.path] = reader_->read(file);
+}
+
+void ORVFirstLines::readAhead(std::span<const ORVWalkedFile* const> files) {
+    std::vector<const ORVWalkedFile*> wanted;
+    std::copy_if(files.begin(), files.end(), std::back_inserter(wanted),
+                 [&](const ORVWalkedFile* file) { return mustRead(*file); });
+    if (wanted.size() < kWorthThreads) {
+        return;
+    }
+    std::vector<Known> results(wanted.size());
+    platform::inParallel(wanted.size(), [&]() -> platform::Worker {
+        return [&, reader = std::make_shared<Reader>(files_)](std::size_t number) {
+            results[number] = reader->read(*wanted[number]);
+        };
+    });
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        known_[wanted[i]->path] = std::move(results[i]);
+    }
+}
