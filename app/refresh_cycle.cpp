@@ -20,10 +20,9 @@ void ORVAppDelegate::applicationDidFinishLaunching() {
     statusItem_.menu = buildMenu();
     applyLocalization();
     request_ = host_.refreshRequest();
-    source_ =
-        std::make_unique<ORVCodexSessionSource>(host_.files(), host_.clock(), host_.codexHome());
-    source_->keepHistories(request_.eventsPerFile);
-    focusSource_ = std::make_unique<ORVCodexFocusLogSource>(host_.files());
+    source_ = std::make_unique<ORVCodexSessionSource>(
+        host_.files(), host_.clock(), host_.codexHome(), ORVSessionWants{request_.eventsPerFile});
+    focusSource_ = std::make_unique<ORVCodexFocusLogSource>(host_.files(), host_.clock());
     refresh(nullptr);
     refreshTimer_ =
         host_.runLoop().makeRepeatingTimer(kRefreshInterval, [this] { refresh(nullptr); });

@@ -20,9 +20,11 @@ inline constexpr int kUsageError = 2;
 
 /// The sources of this user's data.
 struct Sources {
-    explicit Sources(const std::string& codexHome) : Sources(codexHome, platform::makeFiles()) {}
-    Sources(const std::string& codexHome, std::unique_ptr<ORVFiles> someFiles)
-        : files(std::move(someFiles)), session(*files, clock, codexHome), focus(*files) {}
+    explicit Sources(const std::string& codexHome, ORVSessionWants wants = {},
+                     std::unique_ptr<ORVFiles> someFiles = platform::makeFiles())
+        : files(std::move(someFiles)),
+          session(*files, clock, codexHome, wants),
+          focus(*files, clock) {}
 
     std::unique_ptr<ORVFiles> files;
     ORVSystemClock clock;
@@ -39,8 +41,8 @@ int showHere(Sources& sources, const Arguments& arguments);
 int showFocus(Sources& sources, const Arguments& arguments);
 int showTitles(Sources& sources, const Arguments& arguments);
 
-/// Shows all tasks, read by as many threads as there are processors (tasks.cpp).
-int showTasks(Sources& sources, const Arguments& arguments, const std::string& codexHome);
+/// Shows all tasks (tasks.cpp).
+int showTasks(Sources& sources, const Arguments& arguments);
 
 /// Shows a task's history, drawn, as SVG or as JSON (history.cpp).
 int showHistory(Sources& sources, const Arguments& arguments);

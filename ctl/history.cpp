@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <limits>
 
 #include "ctl/answers.h"
 #include "ctl/coloring.h"
@@ -62,7 +61,6 @@ std::string drawnHistory(const ORVSessionSnapshot& snapshot, const ORVHistory& h
 }  // namespace
 
 int showHistory(Sources& sources, const Arguments& arguments) {
-    sources.session.keepHistories(std::numeric_limits<std::size_t>::max());
     ORVErrorSlot error;
     const auto snapshot = arguments.hasThreadID
                               ? sources.session.snapshotForThreadID(arguments.threadID, &error)

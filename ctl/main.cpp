@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <stdlib.h>
 
+#include <limits>
 #include <new>
 #include <string>
 #include <vector>
@@ -52,7 +53,8 @@ int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {
     if (arguments.call == Call::watch) {
         return ctl::watch(arguments, home.path);
     }
-    ctl::Sources sources(home.path);
+    constexpr std::size_t kWholeHistory = std::numeric_limits<std::size_t>::max();
+    ctl::Sources sources(home.path, {arguments.call == Call::history ? kWholeHistory : 0});
     switch (arguments.call) {
         case Call::latest:
             return ctl::showLatest(sources, arguments);
@@ -61,7 +63,7 @@ int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {
         case Call::here:
             return ctl::showHere(sources, arguments);
         case Call::tasks:
-            return ctl::showTasks(sources, arguments, home.path);
+            return ctl::showTasks(sources, arguments);
         case Call::history:
             return ctl::showHistory(sources, arguments);
         case Call::focus:

@@ -1,18 +1,12 @@
-// Shows all tasks. As many threads as there are processors read them, each with a source of its
-// own; they share nothing but the list of tasks and the place in it, so that the answer does not
-// depend on their number. Tests: tests/ctl/brimletctl_test.cpp, tests/sessions/tasks_test.cpp.
+// Shows all tasks. Tests: tests/ctl/brimletctl_test.cpp, tests/sessions/tasks_test.cpp.
 
 #include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cerrno>
-#include <condition_variable>
-#include <mutex>
-#include <new>
-#include <system_error>
-#include <thread>
+#include <chrono>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include "app/age.h"
@@ -58,9 +52,12 @@ public:
     Progress& operator=(const Progress&) = delete;
 
     void show(std::size_t done) {
-        if (!isWanted_) {
+        constexpr std::chrono::milliseconds kStep(100);
+        const auto now = std::chrono::steady_clock::now();
+        if (!isWanted_ || now < next_) {
             return;
         }
+        next_ = now + kStep;
         if (!std::exchange(isShown_, true)) {
             signal(SIGINT, clearProgressAndDie);
             signal(SIGTERM, clearProgressAndDie);
@@ -73,80 +70,35 @@ private:
         [[maybe_unused]] const ssize_t ignored = ::write(STDERR_FILENO, text.data(), text.size());
     }
 
+    static constexpr std::chrono::milliseconds kPatience{500};
+
     const std::size_t total_;
     const bool isWanted_;
     bool isShown_ = false;
+    std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + kPatience;
 };
 
-/// Reads a list of tasks on several threads.
-class Reading {
-public:
-    Reading(const std::vector<ORVTask>& tasks, const std::string& codexHome)
-        : tasks_(tasks), codexHome_(codexHome), results_(tasks.size()) {}
-
-    std::vector<ReadTask> run() {
-        const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
-        std::vector<std::thread> threads;
-        try {
-            while (threads.size() < std::min(processors, tasks_.size())) {
-                threads.emplace_back([this] { readTasks(); });
-            }
-        } catch (const std::system_error&) {
-            // Fewer threads do it as well; without any, this one does.
-        }
-        if (threads.empty()) {
-            readTasks();
-        }
-        showProgressUntilDone();
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
-        return std::move(results_);
-    }
-
-private:
-    void readTasks() {
-        Sources sources(codexHome_);
-        for (std::size_t i = next_++; i < tasks_.size(); i = next_++) {
-            readTask(sources.session, tasks_[i], results_[i]);
-            const std::lock_guard<std::mutex> lock(mutex_);
-            if (++done_ == tasks_.size()) {
-                changed_.notify_one();
-            }
-        }
-    }
-
-    static void readTask(ORVCodexSessionSource& source, const ORVTask& task, ReadTask& result) {
-        try {
-            source.readTitlesOnce();
+/// Reads the tasks some hundreds at a time, so that memory does not grow with their number.
+std::vector<ReadTask> readTasks(std::span<const ORVTask> tasks, ORVCodexSessionSource& source) {
+    constexpr std::size_t kTasksAtOnce = 500;
+    std::vector<ReadTask> results;
+    Progress progress(tasks.size());
+    while (!tasks.empty()) {
+        const auto some = tasks.first(std::min(tasks.size(), kTasksAtOnce));
+        source.readWorkingFoldersAhead(some);
+        source.readAhead(some, [&](std::size_t files) {
+            progress.show(results.size() + std::min(files, some.size()));
+        });
+        for (const ORVTask& task : some) {
+            ReadTask& result = results.emplace_back();
             result.snapshot = source.snapshotForTask(task, &result.error);
             result.folder = source.workingFolderForTask(task);
-            source.forgetFiles();
-        } catch (const std::bad_alloc&) {
-            result.snapshot.reset();
-            result.error = platform::posixError(ENOMEM);
         }
+        source.forgetFiles();
+        tasks = tasks.subspan(some.size());
     }
-
-    void showProgressUntilDone() {
-        Progress progress(tasks_.size());
-        constexpr std::chrono::milliseconds kPatience(500);
-        constexpr std::chrono::milliseconds kStep(100);
-        const auto isDone = [this] { return done_ == tasks_.size(); };
-        std::unique_lock<std::mutex> lock(mutex_);
-        for (auto wait = kPatience; !changed_.wait_for(lock, wait, isDone); wait = kStep) {
-            progress.show(done_);
-        }
-    }
-
-    const std::vector<ORVTask>& tasks_;
-    const std::string& codexHome_;
-    std::vector<ReadTask> results_;  ///< Each is written by one thread.
-    std::atomic<std::size_t> next_ = 0;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::size_t done_ = 0;  ///< Guarded by mutex_.
-};
+    return results;
+}
 
 std::string tabbedLine(const ReadTask& task) {
     const ORVSessionSnapshot& snapshot = *task.snapshot;
@@ -200,7 +152,7 @@ void leaveOut(std::vector<ORVTask>& tasks, const Arguments& arguments, ORVClock:
 
 }  // namespace
 
-int showTasks(Sources& sources, const Arguments& arguments, const std::string& codexHome) {
+int showTasks(Sources& sources, const Arguments& arguments) {
     auto tasks = sources.session.tasksWithError(nullptr);
     int status = kAnswered;
     if (!tasks) {
@@ -209,7 +161,7 @@ int showTasks(Sources& sources, const Arguments& arguments, const std::string& c
         tasks.emplace();
     }
     leaveOut(*tasks, arguments, sources.clock.now());
-    std::vector<ReadTask> read = Reading(*tasks, codexHome).run();
+    std::vector<ReadTask> read = readTasks(*tasks, sources.session);
     for (std::size_t i = 0; i < read.size(); ++i) {
         if (!read[i].snapshot) {
             complain("cannot read the task " + (*tasks)[i].threadID +

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "focus/ORVCodexFocusState.h"
-#include "focus/ORVFocusLogEvent.h"
 #include "focus/ORVFocusLogFileState.h"
-#include "platform/chunk_buffer.h"
+#include "platform/ORVFollowedFile.h"
+#include "platform/clock.h"
 #include "platform/files.h"
 
 /// Decides from the desktop application's logs which task is in view.
@@ -22,16 +22,17 @@
 /// window loses the focus or its file is removed.
 class ORVCodexFocusLogSource {
 public:
-    /// Without paths, a source reads the logs of this user's desktop application. `files` must
-    /// outlive the source.
-    explicit ORVCodexFocusLogSource(ORVFiles& files);
-    ORVCodexFocusLogSource(ORVFiles& files, std::string logsRoot);
-    ORVCodexFocusLogSource(ORVFiles& files, std::string logsRoot, std::string codexInfoPlistURL);
+    /// Without paths, a source reads the logs of this user's desktop application. `files` and
+    /// `clock` must outlive the source.
+    ORVCodexFocusLogSource(ORVFiles& files, const ORVClock& clock);
+    ORVCodexFocusLogSource(ORVFiles& files, const ORVClock& clock, std::string logsRoot);
+    ORVCodexFocusLogSource(ORVFiles& files, const ORVClock& clock, std::string logsRoot,
+                           std::string infoPlistPath);
 
     /// Return the paths at which the logs and the installed application's property list are looked
     /// for.
     const std::string& logsRoot() const { return logsRoot_; }
-    const std::string& infoPlistPath() const { return codexInfoPlistURL_; }
+    const std::string& infoPlistPath() const { return infoPlistPath_; }
 
     // Decision (decision.cpp)
 
@@ -77,15 +78,11 @@ public:
 private:
     // Tailing (tailing.cpp)
     std::vector<std::string> logFileURLsWithError(ORVErrorSlot* error);
-    bool initializeFromLogURLs(const std::vector<std::string>& urls, ORVErrorSlot* error);
-    bool consumeUpdatesFromLogURLs(const std::vector<std::string>& urls, ORVErrorSlot* error);
-    bool consumeUpdates(const std::string& url, ORVErrorSlot* error);
-    ORVFocusLogFileState& stateForFile(const std::string& url, const ORVFileAttributes& attributes);
-    bool updateFileState(ORVFocusLogFileState& fileState, const std::string& url,
-                         std::uint64_t fileSize, ORVErrorSlot* error);
-    bool readOn(ORVFocusLogFileState& fileState, ORVOpenFile& file, std::uint64_t fileSize,
-                ORVErrorSlot* error);
-    void consumeCompleteLinesFromFileState(ORVFocusLogFileState& fileState, std::string_view chunk);
+    bool initializeFromLogURLs(const std::vector<std::string>& paths, ORVErrorSlot* error);
+    bool consumeUpdatesFromLogURLs(const std::vector<std::string>& paths, ORVErrorSlot* error);
+    bool consumeUpdates(const std::string& path, ORVReadingMemory& memory, ORVErrorSlot* error);
+    bool updateFileState(ORVFocusLogFileState& fileState, const std::string& path,
+                         std::uint64_t fileSize, ORVReadingMemory& memory, ORVErrorSlot* error);
 
     // Log lines (log_lines.cpp)
     static ORVFocusWindowState* findWindow(ORVFocusLogFileState& fileState,
@@ -96,10 +93,10 @@ private:
                                              std::string_view line);
 
     ORVFiles& files_;
+    const ORVFileFollower follower_;
     const std::string logsRoot_;
-    const std::string codexInfoPlistURL_;
+    const std::string infoPlistPath_;
     std::unordered_map<std::string, ORVFocusLogFileState> fileStates_;  ///< By path.
     std::shared_ptr<ORVFocusLogEvent> latestEvent_;  ///< Current; shared with its window.
     bool initialized_ = false;
-    platform::ChunkBuffer chunkBuffer_;  ///< Holds memory only while the logs are read.
 };

@@ -1,32 +1,40 @@
 #pragma once
 
-#include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
 
-#include "focus/ORVFocusWindowState.h"
-#include "text/byte_buffer.h"
+#include "platform/ORVFollowedFile.h"
+
+/// What one log line says about the task in view. Exactly one of threadID, waitingForThread and
+/// incompatibleFormat is set.
+struct ORVFocusLogEvent {
+    /// The first word of the line. It is compared as a string and never read as a date. When the
+    /// event's window takes the focus again, the word of that line takes its place.
+    std::string timestamp;
+
+    std::optional<std::string> threadID;
+    bool waitingForThread = false;    ///< A new task without a thread.
+    bool incompatibleFormat = false;  ///< The right kind of line in an unexpected form.
+};
+
+/// A window of the desktop application as the lines of one log file have described it so far.
+struct ORVFocusWindowState {
+    std::string windowID;  ///< Never empty. A line with another one is not about this window.
+    bool primary = false;
+    bool focused = false;
+    bool visible = false;
+
+    /// The event of the window's last owner-sync line. It is shared with the source's latestEvent_,
+    /// because a new time stamp must show in both.
+    std::shared_ptr<ORVFocusLogEvent> routeEvent;
+};
 
 /// How far one log file has been read, and the windows that its lines have described.
 ///
-/// The source owns one for each path. A replaced or shortened file gets a fresh state without
-/// windows; the state of a file that is no longer found is dropped.
-struct ORVFocusLogFileState {
-    /// How many bytes of the file have been read. The last pendingData.size() of them have not been
-    /// interpreted yet.
-    std::uint64_t offset = 0;
-
-    /// The line whose line feed has not arrived. Its length is not limited.
-    ORVByteBuffer pendingData;
-
-    /// The inode of the file that the bytes came from; none when the file system has no numbers.
-    std::optional<std::uint64_t> fileIdentifier;
-
-    /// For how many more refreshes the file is passed over after memory ran out for it. Reading
-    /// gigabytes in vain at every refresh would be felt.
-    int refreshesToPassOver = 0;
-
+/// The state of a file that is no longer found is dropped.
+struct ORVFocusLogFileState : ORVFollowedFile {
     /// By web-contents identifier. The same identifier in another file is another window.
     std::unordered_map<std::string, ORVFocusWindowState> windows;
 };

@@ -1,20 +1,43 @@
-// Turns the current event into the answer to the application's question: which task is in view.
-// Tests: tests/focus/focus_test.cpp.
+// Turns the current event into the answer to the application's question: which task is in view. The
+// answer also tells the version of the installed desktop application. Tests:
+// tests/focus/focus_test.cpp.
 
 #include "focus/ORVCodexFocusLogSource.h"
+#include "focus/markers.h"
 #include "platform/home_folder.h"
+#include "platform/property_list.h"
 
-ORVCodexFocusLogSource::ORVCodexFocusLogSource(ORVFiles& files)
-    : ORVCodexFocusLogSource(files, platform::homeFolder() + "/Library/Logs/com.openai.codex") {}
+namespace {
 
-ORVCodexFocusLogSource::ORVCodexFocusLogSource(ORVFiles& files, std::string logsRoot)
-    : ORVCodexFocusLogSource(files, std::move(logsRoot), installedCodexInfoPlistURL(files)) {}
+constexpr const char* kInfoPlistPaths[] = {"/Applications/Codex.app/Contents/Info.plist",
+                                           "/Applications/ChatGPT.app/Contents/Info.plist"};
 
-ORVCodexFocusLogSource::ORVCodexFocusLogSource(ORVFiles& files, std::string logsRoot,
-                                               std::string codexInfoPlistURL)
+/// No application's property list is nearly as large. A larger file counts as absent.
+constexpr std::size_t kInfoPlistLimitBytes = 256 * 1024;
+
+const ORVMarkerSearch& markers() {
+    static const ORVMarkerSearch kSearch(focus::kMarkers);
+    return kSearch;
+}
+
+}  // namespace
+
+ORVCodexFocusLogSource::ORVCodexFocusLogSource(ORVFiles& files, const ORVClock& clock)
+    : ORVCodexFocusLogSource(files, clock,
+                             platform::homeFolder() + "/Library/Logs/com.openai.codex") {}
+
+ORVCodexFocusLogSource::ORVCodexFocusLogSource(ORVFiles& files, const ORVClock& clock,
+                                               std::string logsRoot)
+    : ORVCodexFocusLogSource(files, clock, std::move(logsRoot), installedCodexInfoPlistURL(files)) {
+}
+
+/// A line with NULs is valid text, so it must be read, unless it is too long.
+ORVCodexFocusLogSource::ORVCodexFocusLogSource(ORVFiles& files, const ORVClock& clock,
+                                               std::string logsRoot, std::string infoPlistPath)
     : files_(files),
+      follower_(files, clock, markers(), ORVFileFollower::NULs::mayMatter),
       logsRoot_(std::move(logsRoot)),
-      codexInfoPlistURL_(std::move(codexInfoPlistURL)) {}
+      infoPlistPath_(std::move(infoPlistPath)) {}
 
 ORVCodexFocusState ORVCodexFocusLogSource::currentFocusStateWithError(ORVErrorSlot* error) {
     auto version = installedCodexVersion();
@@ -22,14 +45,14 @@ ORVCodexFocusState ORVCodexFocusLogSource::currentFocusStateWithError(ORVErrorSl
                             std::optional<std::string> threadID = std::nullopt) {
         return ORVCodexFocusState(status, std::move(threadID), std::move(version), message);
     };
-    const std::vector<std::string> urls = logFileURLsWithError(error);
-    if (urls.empty()) {
+    const std::vector<std::string> paths = logFileURLsWithError(error);
+    if (paths.empty()) {
         return answer(ORVCodexFocusStatusLogsUnavailable, "没有找到 Codex 桌面日志");
     }
     if (initialized_) {
-        consumeUpdatesFromLogURLs(urls, error);
+        consumeUpdatesFromLogURLs(paths, error);
     } else {
-        initializeFromLogURLs(urls, error);
+        initializeFromLogURLs(paths, error);
     }
     if (!latestEvent_) {
         return answer(ORVCodexFocusStatusNoFocusRecord, "尚未捕获 Codex 任务切换记录");
@@ -47,4 +70,18 @@ void ORVCodexFocusLogSource::acceptEventIfNewer(std::shared_ptr<ORVFocusLogEvent
     if (event && (!latestEvent_ || event->timestamp >= latestEvent_->timestamp)) {
         latestEvent_ = std::move(event);
     }
+}
+
+std::string ORVCodexFocusLogSource::installedCodexInfoPlistURL(ORVFiles& files) {
+    for (const char* path : kInfoPlistPaths) {
+        if (files.itemExists(path)) {
+            return path;
+        }
+    }
+    return kInfoPlistPaths[0];
+}
+
+std::optional<std::string> ORVCodexFocusLogSource::installedCodexVersion() {
+    const auto list = platform::contentsOfFile(files_, infoPlistPath_, kInfoPlistLimitBytes);
+    return list ? platform::propertyListString(*list, "CFBundleShortVersionString") : std::nullopt;
 }

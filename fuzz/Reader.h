@@ -13,7 +13,7 @@ public:
     static constexpr const char* kTasks[] = {records::kTask, records::kOther, "notes"};
 
     Reader(MemoryFiles& disk, const ManualClock& clock)
-        : sessions_(disk, clock, "/codex"), focus_(disk, "/logs", "/Info.plist") {}
+        : sessions_(disk, clock, "/codex"), focus_(disk, clock, "/logs", "/Info.plist") {}
 
     std::string answers() {
         const ORVRefreshResults results = app::refreshOfTaskInView(focus_, sessions_);

@@ -45,7 +45,7 @@ std::string answersTo(std::string queries) {
     lseek(STDOUT_FILENO, 0, SEEK_SET);
     auto disk = std::make_unique<MemoryFiles>();
     fill(*disk);
-    ctl::Sources sources("/h/.codex", std::move(disk));
+    ctl::Sources sources("/h/.codex", {}, std::move(disk));
     std::FILE* input = fmemopen(queries.data(), queries.size(), "r");
     ctl::answerQueries(sources, input);
     std::fclose(input);

@@ -4,6 +4,7 @@
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "fuzz/fuzz.h"
+#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 
 namespace {
@@ -13,7 +14,8 @@ namespace {
 std::string meaning(const std::vector<std::string>& lines, int times, const std::string& ending) {
     MemoryFiles disk;
     disk.write("/logs/empty.log", "");  // Without any log there would be no answer.
-    ORVCodexFocusLogSource source(disk, "/logs", "/Info.plist");
+    const ManualClock clock;
+    ORVCodexFocusLogSource source(disk, clock, "/logs", "/Info.plist");
     ORVFocusLogFileState file;
     for (const std::string& line : lines) {
         for (int i = 0; i < times; ++i) {

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "fuzz/fuzz.h"
-#include "sessions/ORVCodexSessionSource.h"
+#include "sessions/ORVSessionReader.h"
 #include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "text/json_writing.h"
@@ -16,11 +16,12 @@ namespace {
 std::string meaning(const std::string& line, int times) {
     static MemoryFiles disk;
     static const ManualClock clock;
-    static ORVCodexSessionSource source(disk, clock, "/codex");
+    static const ORVSessionReader reader(disk, clock, {});
+    static ORVJSONReader json;
     const std::string padded = line + std::string(ORVByteBuffer::kReadableBytesBeyond, '"');
     ORVSessionParseState state;
     for (int i = 0; i < times; ++i) {
-        source.consumeLine(std::string_view(padded).substr(0, line.size()), state);
+        reader.consumeLine(std::string_view(padded).substr(0, line.size()), state, json);
     }
     const auto named = static_cast<std::int64_t>(state.compactionIdentifiers.size());
     const std::int64_t nameless = state.anonymousCompactionCount;

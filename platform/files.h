@@ -22,8 +22,8 @@ struct ORVFileDate {
 
 /// The attributes of one item. An attribute that the file system does not have is absent.
 struct ORVFileAttributes {
-    std::optional<std::uint64_t> size;        ///< Bytes.
-    std::optional<std::uint64_t> fileNumber;  ///< The inode; a different one is another file.
+    std::optional<std::uint64_t> size;            ///< Bytes.
+    std::optional<std::uint64_t> fileIdentifier;  ///< The inode; another one is another file.
     std::optional<ORVFileDate> modifiedAt;
 };
 
@@ -31,8 +31,8 @@ struct ORVFileAttributes {
 struct ORVWalkedFile {
     std::string path;  ///< The root's path and the names below it, bytes as the system gave them.
     ORVFileDate modifiedAt;
-    std::uint64_t fileNumber = 0;  ///< The inode; 0 where the file system has none.
-    std::uint64_t size = 0;        ///< Bytes.
+    std::uint64_t fileIdentifier = 0;  ///< The inode; 0 where the file system has none.
+    std::uint64_t size = 0;            ///< Bytes.
 };
 
 /// What the file system tells of one item; of a symbolic link, what it tells of the link itself.
@@ -99,6 +99,11 @@ public:
     /// fewer, and is 0 at the end of the file; none, with the system's error, when reading failed.
     virtual std::optional<std::size_t> readAt(std::uint64_t offset, char* buffer,
                                               std::size_t capacity, ORVErrorSlot* error) = 0;
+
+    /// Returns where the first byte at `offset` or behind it stands that does not belong to a hole,
+    /// whose bytes were never written and read as NULs; the largest number when all the rest is
+    /// one. Returns `offset` itself where the system does not tell.
+    virtual std::uint64_t nextData(std::uint64_t offset) { return offset; }
 };
 
 /// Everything that Brimlet asks of the file system. Nothing here writes.

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -88,6 +89,14 @@ public:
             return std::nullopt;
         }
         return static_cast<std::size_t>(count);
+    }
+
+    std::uint64_t nextData(std::uint64_t offset) override {
+        const off_t data = lseek(descriptor_.number(), static_cast<off_t>(offset), SEEK_DATA);
+        if (data < 0 && errno == ENXIO) {
+            return std::numeric_limits<std::uint64_t>::max();
+        }
+        return data < 0 ? offset : static_cast<std::uint64_t>(data);
     }
 
 private:

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "sessions/ORVContextUsage.h"
+#include "sessions/ORVSessionSnapshot.h"
 
 /// One step in the life of a task's context window: a token count that was understood, or a
 /// compaction that was counted.

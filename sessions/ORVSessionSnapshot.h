@@ -6,8 +6,48 @@
 #include <utility>
 
 #include "platform/files.h"
-#include "sessions/ORVContextUsage.h"
-#include "sessions/status_codes.h"
+
+/// How much of the model's context window the latest turn of a task took.
+class ORVContextUsage {
+public:
+    ORVContextUsage(std::int64_t inputTokens, std::int64_t contextWindow)
+        : inputTokens_(inputTokens), contextWindow_(contextWindow) {}
+
+    /// Returns the tokens of the turn, "input_tokens" of the token count; 1 or more.
+    std::int64_t inputTokens() const { return inputTokens_; }
+
+    /// Returns the tokens that the window holds, "model_context_window"; 1 or more in a session.
+    std::int64_t contextWindow() const { return contextWindow_; }
+
+    /// Returns the tokens of the turn in percent of the window. A turn that exceeded the window
+    /// gives more than 100; a window of less than one token gives 0.
+    double percentage() const {
+        if (contextWindow_ < 1) {
+            return 0.0;
+        }
+        return static_cast<double>(inputTokens_) / static_cast<double>(contextWindow_) * 100.0;
+    }
+
+    bool operator==(const ORVContextUsage&) const = default;
+
+private:
+    std::int64_t inputTokens_;
+    std::int64_t contextWindow_;
+};
+
+/// Whether the context figure can be shown.
+enum ORVContextStatus : std::int64_t {
+    ORVContextStatusAvailable = 0,     ///< The latest token count gave a usable figure.
+    ORVContextStatusWaiting = 1,       ///< There is no figure yet, or a compaction removed it.
+    ORVContextStatusIncompatible = 2,  ///< The latest token count had an unexpected shape.
+};
+
+/// Whether the compaction count can be trusted. The number 1 is left out so that "incompatible" has
+/// the same number in both.
+enum ORVCompactionStatus : std::int64_t {
+    ORVCompactionStatusValid = 0,
+    ORVCompactionStatusIncompatible = 2,  ///< A record about compaction was not understood.
+};
 
 /// The figures of a task at the moment of one refresh. A snapshot does not change; it is made on
 /// the refresh queue and moved to the UI thread.

@@ -4,7 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "sessions/ORVCodexSessionSource.h"
+#include "sessions/ORVSessionReader.h"
 
 namespace {
 
@@ -46,10 +46,9 @@ void thinOut(std::vector<ORVRecordedEvent>& history) {
 
 }  // namespace
 
-void ORVCodexSessionSource::record(const ORVJSONValue& object, std::optional<ORVContextUsage> usage,
-                                   std::string compactionIdentifier,
-                                   ORVSessionParseState& state) const {
-    if (eventsPerFile_ == 0) {
+void ORVSessionReader::record(const ORVJSONValue& object, std::optional<ORVContextUsage> usage,
+                              std::string compactionIdentifier, ORVSessionParseState& state) const {
+    if (wants_.eventsPerFile == 0) {
         return;
     }
     ORVRecordedEvent recorded{{object["timestamp"].text, usage}, std::move(compactionIdentifier)};
@@ -60,17 +59,17 @@ void ORVCodexSessionSource::record(const ORVJSONValue& object, std::optional<ORV
     }
     state.history.push_back(std::move(recorded));
     state.eventsInLastPoint = 1;
-    if (state.history.size() > eventsPerFile_) {
+    if (state.history.size() > wants_.eventsPerFile) {
         thinOut(state.history);
         state.eventsPerPoint *= 2;
     }
 }
 
-ORVHistory ORVCodexSessionSource::historyOfFiles(const std::vector<std::string>& urls) const {
+ORVHistory ORVSessionReader::historyOf(std::span<const ORVSessionParseState* const> files) {
     ORVHistory history;
     std::unordered_set<std::string_view> seen;
-    for (const std::string& url : urls) {
-        for (const ORVRecordedEvent& recorded : states_.at(url).history) {
+    for (const ORVSessionParseState* file : files) {
+        for (const ORVRecordedEvent& recorded : file->history) {
             const std::string& identifier = recorded.compactionIdentifier;
             if (identifier.empty() || seen.insert(identifier).second) {
                 history.push_back(recorded.event);
@@ -78,10 +77,4 @@ ORVHistory ORVCodexSessionSource::historyOfFiles(const std::vector<std::string>&
         }
     }
     return history;
-}
-
-std::shared_ptr<const ORVHistory> ORVCodexSessionSource::historyForThreadID(
-    std::string_view threadID) const {
-    const auto found = totals_.find(threadID);
-    return found == totals_.end() ? nullptr : found->second.history;
 }

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "sessions/ORVCodexSessionSource.h"
+#include "sessions/ORVSessionReader.h"
 #include "sessions/markers.h"
 #include "text/unicode.h"
 
@@ -71,8 +71,9 @@ bool mentionsCompaction(std::string_view type) {
 
 }  // namespace
 
-void ORVCodexSessionSource::consumeLine(std::string_view line, ORVSessionParseState& state) {
-    const auto object = jsonReader_.readObject(line, recordShape());
+void ORVSessionReader::consumeLine(std::string_view line, ORVSessionParseState& state,
+                                   ORVJSONReader& json) const {
+    const auto object = json.readObject(line, recordShape());
     if (!object) {
         return;
     }
@@ -108,25 +109,26 @@ void ORVCodexSessionSource::consumeLine(std::string_view line, ORVSessionParseSt
     }
 }
 
-void ORVCodexSessionSource::consumeLines(std::span<const std::string_view> lines,
-                                         ORVSessionParseState& state) {
-    const std::size_t lastUsage = eventsPerFile_ > 0 ? 0 : indexOfLastUsage(lines);
+void ORVSessionReader::consumeLines(std::span<const std::string_view> lines,
+                                    ORVSessionParseState& state, ORVJSONReader& json) const {
+    const std::size_t lastUsage = wants_.eventsPerFile > 0 ? 0 : indexOfLastUsage(lines, json);
     for (std::size_t i = 0; i < lines.size(); ++i) {
         if (i >= lastUsage || dataContainsUTF8(lines[i], kCompact)) {
-            consumeLine(lines[i], state);
+            consumeLine(lines[i], state, json);
         }
     }
 }
 
 /// Returns where the last usage is told, and 0 when it is not among the last lines. Only a few are
 /// tried, since each is parsed again. Those that mention compaction are the longest and left out.
-std::size_t ORVCodexSessionSource::indexOfLastUsage(std::span<const std::string_view> lines) {
+std::size_t ORVSessionReader::indexOfLastUsage(std::span<const std::string_view> lines,
+                                               ORVJSONReader& json) const {
     constexpr std::size_t kMostLinesTried = 8;
     for (std::size_t i = lines.size(); i > 1 && lines.size() - i < kMostLinesTried; --i) {
         const std::string_view line = lines[i - 1];
         ORVSessionParseState stateOfThisLine;
         if (!dataContainsUTF8(line, kCompact)) {
-            consumeLine(line, stateOfThisLine);
+            consumeLine(line, stateOfThisLine, json);
         }
         if (stateOfThisLine.contextUsage) {
             return i - 1;
@@ -136,8 +138,8 @@ std::size_t ORVCodexSessionSource::indexOfLastUsage(std::span<const std::string_
 }
 
 /// Counts a compaction and returns whether it was a new one: each identifier counts once.
-bool ORVCodexSessionSource::consumeCompaction(const std::optional<std::string>& identifier,
-                                              ORVSessionParseState& state) {
+bool ORVSessionReader::consumeCompaction(const std::optional<std::string>& identifier,
+                                         ORVSessionParseState& state) {
     state.sawCompactionSignal = true;
     state.compactionStatus = ORVCompactionStatusValid;
     if (!identifier) {
@@ -153,8 +155,7 @@ bool ORVCodexSessionSource::consumeCompaction(const std::optional<std::string>& 
 }
 
 /// Takes the usage of a turn and returns whether there was one.
-bool ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
-                                              ORVSessionParseState& state) {
+bool ORVSessionReader::consumeTokenCount(const ORVJSONValue& payload, ORVSessionParseState& state) {
     const ORVJSONValue& info = payload["info"];
     const ORVJSONValue& input = info["last_token_usage"]["input_tokens"];
     const ORVJSONValue& windowInInfo = info["model_context_window"];
@@ -177,8 +178,8 @@ bool ORVCodexSessionSource::consumeTokenCount(const ORVJSONValue& payload,
     return true;
 }
 
-bool ORVCodexSessionSource::isValidCurrentCompactionObject(const ORVJSONValue& object,
-                                                           const ORVJSONValue& payload) {
+bool ORVSessionReader::isValidCurrentCompactionObject(const ORVJSONValue& object,
+                                                      const ORVJSONValue& payload) {
     return payload.kind == Kind::object && isNonnegativeIntegerNumber(object["ordinal"]) &&
            isPositiveIntegerNumber(payload["window_number"]) &&
            !payload["first_window_id"].text.empty() &&
@@ -187,7 +188,7 @@ bool ORVCodexSessionSource::isValidCurrentCompactionObject(const ORVJSONValue& o
            payload["replacement_history"].kind == Kind::array;
 }
 
-std::optional<std::string> ORVCodexSessionSource::compactionIdentifierForObject(
+std::optional<std::string> ORVSessionReader::compactionIdentifierForObject(
     const ORVJSONValue& object, const ORVJSONValue& payload, bool isCurrent) {
     const std::string& value = isCurrent ? payload["window_id"].text : object["timestamp"].text;
     if (value.empty()) {
@@ -196,10 +197,10 @@ std::optional<std::string> ORVCodexSessionSource::compactionIdentifierForObject(
     return (isCurrent ? "current:" : "legacy:") + value;
 }
 
-bool ORVCodexSessionSource::isNonnegativeIntegerNumber(const ORVJSONValue& value) {
+bool ORVSessionReader::isNonnegativeIntegerNumber(const ORVJSONValue& value) {
     return wholeNumber(value).has_value();
 }
 
-bool ORVCodexSessionSource::isPositiveIntegerNumber(const ORVJSONValue& value) {
+bool ORVSessionReader::isPositiveIntegerNumber(const ORVJSONValue& value) {
     return wholeNumber(value).value_or(0) > 0;
 }

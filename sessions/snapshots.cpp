@@ -4,70 +4,110 @@
 
 #include <unordered_set>
 
+#include "platform/home_folder.h"
 #include "sessions/ORVCodexSessionSource.h"
 #include "sessions/errors.h"
+#include "text/identifiers.h"
 #include "text/paths.h"
 
-std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForSessionURL(
-    const std::string& url, ORVErrorSlot* error) {
-    auto snapshot = readFile(url, error);
-    releaseReadingMemory();
-    return snapshot;
+ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock,
+                                             const std::string& codexHome, ORVSessionWants wants)
+    : files_(files),
+      search_(files, clock, codexHome + "/sessions"),
+      reader_(files, clock, wants),
+      titles_(files, codexHome) {}
+
+std::string ORVCodexSessionSource::defaultCodexHome() {
+    return platform::homeFolder() + "/.codex";
 }
 
-std::optional<ORVSessionSnapshot> ORVCodexSessionSource::readFile(const std::string& url,
-                                                                  ORVErrorSlot* error) {
-    const auto attributes = files_.attributesOfItem(url, error);
-    if (!attributes || !attributes->size || !attributes->modifiedAt) {
-        return std::nullopt;
+std::optional<std::string> ORVCodexSessionSource::threadIDFromSessionURL(std::string_view path) {
+    const std::string_view name = text::lastPathComponent(path);
+    for (std::size_t i = 0; i + text::kUUIDLength <= name.size(); ++i) {
+        const std::string_view candidate = name.substr(i, text::kUUIDLength);
+        if (text::isUUID(candidate)) {
+            return std::string(candidate);
+        }
     }
-    ORVSessionParseState& state = stateForFile(url, *attributes);
-    if (!updateState(state, url, *attributes->size, error)) {
-        return std::nullopt;
-    }
-    refreshTitleIndexIfNeeded();
+    return std::nullopt;
+}
+
+std::optional<std::string> ORVCodexSessionSource::sessionURLForThreadID(std::string_view threadID,
+                                                                        ORVErrorSlot* error) {
+    std::vector<std::string> paths = sessionURLsForThreadID(threadID, error);
+    return paths.empty() ? std::nullopt : std::optional(std::move(paths.back()));
+}
+
+ORVTitleIndex::Titles ORVCodexSessionSource::threadTitles() {
+    titles_.refreshIfNeeded();
+    return titles_.titles();
+}
+
+std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForSessionURL(
+    const std::string& path, ORVErrorSlot* error) {
+    ORVReadingMemory memory;
+    const auto file = reader_.readFile(path, memory, error);
+    return file ? std::optional(snapshotOfFile(path, *file)) : std::nullopt;
+}
+
+ORVSessionSnapshot ORVCodexSessionSource::snapshotOfFile(const std::string& path,
+                                                         const ORVSessionReader::File& file) {
+    titles_.refreshIfNeeded();
     std::string threadID =
-        threadIDFromSessionURL(url).value_or(std::string(text::lastPathComponent(url)));
-    const auto title = titleIndex_.find(threadID);
-    return ORVSessionSnapshot(title == titleIndex_.end() ? "Codex" : title->second,
-                              std::move(threadID), url, state.compactionCount, state.contextUsage,
-                              state.contextStatus, state.compactionStatus, *attributes->modifiedAt);
+        threadIDFromSessionURL(path).value_or(std::string(text::lastPathComponent(path)));
+    std::string title = titles_.titleOf(threadID);
+    const ORVSessionParseState& state = file.state;
+    return {std::move(title),       std::move(threadID), path,
+            state.compactionCount,  state.contextUsage,  state.contextStatus,
+            state.compactionStatus, file.modifiedAt};
 }
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForThreadID(
     std::string_view threadID, ORVErrorSlot* error) {
-    const std::vector<std::string> urls = sessionURLsForThreadID(threadID, error);
-    if (urls.empty()) {
+    const std::vector<std::string> paths = sessionURLsForThreadID(threadID, error);
+    if (paths.empty()) {
         storeErrorIfEmpty(error, sessions::threadSessionMissing());
         return std::nullopt;
     }
-    auto snapshot = readTask(urls, threadID, error);
-    releaseReadingMemory();
-    return snapshot;
+    return snapshotOfFiles(paths, threadID, error);
 }
 
-std::optional<ORVSessionSnapshot> ORVCodexSessionSource::readTask(
-    const std::vector<std::string>& urls, std::string_view threadID, ORVErrorSlot* error) {
-    std::optional<ORVSessionSnapshot> newest;
-    for (const std::string& url : urls) {
-        newest = readFile(url, error);
-        if (!newest) {
+std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForTask(const ORVTask& task,
+                                                                         ORVErrorSlot* error) {
+    std::vector<std::string> paths;
+    for (const ORVWalkedFile& file : task.files) {
+        paths.push_back(file.path);
+    }
+    return snapshotOfFiles(paths, task.threadID, error);
+}
+
+std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotOfFiles(
+    const std::vector<std::string>& paths, std::string_view threadID, ORVErrorSlot* error) {
+    ORVReadingMemory memory;
+    States states;
+    std::optional<ORVFileDate> lastUpdated;
+    for (const std::string& path : paths) {
+        const auto file = reader_.readFile(path, memory, error);
+        if (!file) {
             return std::nullopt;
         }
+        states.push_back(&file->state);
+        lastUpdated = file->modifiedAt;
     }
-    const Totals& totals = totalsOfTask(urls, threadID);
-    return ORVSessionSnapshot(
-        newest->title(), std::string(threadID), newest->fileURL(), totals.compactionCount,
-        newest->contextUsage(), newest->contextStatus(),
-        totals.signalledStatus.value_or(newest->compactionStatus()), newest->lastUpdated());
+    const ORVSessionSnapshot newest = snapshotOfFile(paths.back(), {*states.back(), *lastUpdated});
+    const Totals& totals = totalsOfTask(states, threadID);
+    return ORVSessionSnapshot(newest.title(), std::string(threadID), newest.fileURL(),
+                              totals.compactionCount, newest.contextUsage(), newest.contextStatus(),
+                              totals.signalledStatus.value_or(newest.compactionStatus()),
+                              newest.lastUpdated());
 }
 
 const ORVCodexSessionSource::Totals& ORVCodexSessionSource::totalsOfTask(
-    const std::vector<std::string>& urls, std::string_view threadID) {
+    const States& states, std::string_view threadID) {
     std::vector<std::uint64_t> revisions;
-    revisions.reserve(urls.size());
-    for (const std::string& url : urls) {
-        revisions.push_back(states_[url].revision);
+    revisions.reserve(states.size());
+    for (const ORVSessionParseState* state : states) {
+        revisions.push_back(state->revision);
     }
     auto found = totals_.find(threadID);
     if (found == totals_.end()) {
@@ -75,41 +115,48 @@ const ORVCodexSessionSource::Totals& ORVCodexSessionSource::totalsOfTask(
     }
     // A revision belongs to one state only, so equal revisions mean the same files as well.
     if (found->second.revisions != revisions) {
-        found->second = sumOfFiles(urls);
+        found->second = sumOf(states);
         found->second.revisions = std::move(revisions);
     }
     return found->second;
 }
 
-ORVCodexSessionSource::Totals ORVCodexSessionSource::sumOfFiles(
-    const std::vector<std::string>& urls) const {
+ORVCodexSessionSource::Totals ORVCodexSessionSource::sumOf(const States& states) const {
     Totals totals;
     std::unordered_set<std::string_view> compactions;
-    for (const std::string& url : urls) {
-        const ORVSessionParseState& state = states_.at(url);
-        compactions.insert(state.compactionIdentifiers.begin(), state.compactionIdentifiers.end());
-        totals.compactionCount += state.anonymousCompactionCount;
-        if (state.sawCompactionSignal) {
-            totals.signalledStatus = state.compactionStatus;
+    for (const ORVSessionParseState* state : states) {
+        compactions.insert(state->compactionIdentifiers.begin(),
+                           state->compactionIdentifiers.end());
+        totals.compactionCount += state->anonymousCompactionCount;
+        if (state->sawCompactionSignal) {
+            totals.signalledStatus = state->compactionStatus;
         }
     }
     totals.compactionCount += static_cast<std::int64_t>(compactions.size());
-    if (eventsPerFile_ > 0) {
-        totals.history = std::make_shared<const ORVHistory>(historyOfFiles(urls));
+    if (reader_.wants().eventsPerFile > 0) {
+        totals.history = std::make_shared<const ORVHistory>(ORVSessionReader::historyOf(states));
     }
     return totals;
 }
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::latestSnapshotWithError(
     ORVErrorSlot* error) {
-    const auto url = latestSessionURLWithError(error);
-    if (!url) {
+    const auto path = latestSessionURLWithError(error);
+    if (!path) {
         return std::nullopt;
     }
-    if (const auto threadID = threadIDFromSessionURL(*url)) {
-        return snapshotForThreadID(*threadID, error);
-    }
-    auto snapshot = readTask({*url}, text::lastPathComponent(*url), error);
-    releaseReadingMemory();
-    return snapshot;
+    const auto threadID = threadIDFromSessionURL(*path);
+    return threadID ? snapshotForThreadID(*threadID, error)
+                    : snapshotOfFiles({*path}, text::lastPathComponent(*path), error);
+}
+
+std::shared_ptr<const ORVHistory> ORVCodexSessionSource::historyForThreadID(
+    std::string_view threadID) const {
+    const auto found = totals_.find(threadID);
+    return found == totals_.end() ? nullptr : found->second.history;
+}
+
+void ORVCodexSessionSource::forgetFiles() {
+    reader_.forgetFiles();
+    totals_.clear();
 }

@@ -55,7 +55,7 @@ bool comesBefore(const ORVTask& a, const ORVTask& b) {
 std::optional<std::vector<ORVTask>> ORVCodexSessionSource::tasksWithError(ORVErrorSlot* error) {
     std::vector<ORVWalkedFile> files;
     const auto take = [&](ORVWalkedFile&& file) { files.push_back(std::move(file)); };
-    if (!walkSessionFiles("", take, error)) {
+    if (!search_.walk("", take, error)) {
         return std::nullopt;
     }
     std::sort(files.begin(), files.end(), isOlder);
@@ -83,18 +83,4 @@ std::optional<std::vector<ORVTask>> ORVCodexSessionSource::tasksWithError(ORVErr
     }
     std::sort(tasks.begin(), tasks.end(), comesBefore);
     return tasks;
-}
-
-std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForTask(const ORVTask& task,
-                                                                         ORVErrorSlot* error) {
-    std::vector<std::string> urls;
-    for (const ORVWalkedFile& file : task.files) {
-        urls.push_back(file.path);
-    }
-    return readTask(urls, task.threadID, error);
-}
-
-void ORVCodexSessionSource::forgetFiles() {
-    states_.clear();
-    totals_.clear();
 }

@@ -1,9 +1,11 @@
-// The title index: "session_index.jsonl" in the Codex home, to which the agent appends a line at
-// every rename. It is read as a whole, and again only when its date has changed.
-// Tests: tests/sessions/snapshots_test.cpp.
+// Reads the title index. Tests: tests/sessions/snapshots_test.cpp.
 
-#include "sessions/ORVCodexSessionSource.h"
+#include <cerrno>
+#include <new>
+
+#include "sessions/ORVTitleIndex.h"
 #include "text/byte_buffer.h"
+#include "text/json_reading.h"
 #include "text/unicode.h"
 
 namespace {
@@ -19,36 +21,54 @@ const ORVJSONShape& entryShape() {
 
 }  // namespace
 
-void ORVCodexSessionSource::refreshTitleIndexIfNeeded() {
-    if (titlesAreFinal_) {
+void ORVTitleIndex::refreshIfNeeded() {
+    const auto modifiedAt = files_.contentModificationDate(path_);
+    if (modifiedAt && modifiedAt == modifiedAt_) {
         return;
     }
-    const std::string path = titleIndexPath();
-    const auto modifiedAt = files_.contentModificationDate(path);
-    if (!modifiedAt || modifiedAt == titleIndexModifiedAt_) {
-        return;
-    }
-    if (auto titles = readTitleIndex(path)) {
-        titleIndex_ = std::move(*titles);
-        titleIndexModifiedAt_ = modifiedAt;
+    error_.reset();
+    try {
+        auto text = readText();
+        if (text && modifiedAt) {
+            titles_ = titlesIn(std::move(*text));
+            modifiedAt_ = modifiedAt;
+        }
+    } catch (const std::bad_alloc&) {
+        error_ = platform::posixError(ENOMEM);
     }
 }
 
-std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTitleIndex(
-    const std::string& path) {
-    const auto attributes = files_.attributesOfItem(path, nullptr);
-    if (!attributes || attributes->size.value_or(0) > kIndexLimitBytes) {
-        return std::nullopt;  // Reading it up to the limit at every refresh would be in vain.
-    }
-    auto text = platform::contentsOfFile(files_, path, kIndexLimitBytes);
-    if (!text || !text::isValidUTF8(*text)) {
+/// Returns the whole file, and none when it cannot be read; error_ then says why.
+std::optional<std::string> ORVTitleIndex::readText() {
+    const auto attributes = files_.attributesOfItem(path_, &error_);
+    if (!attributes) {
+        if (error_->code == ENOENT) {
+            error_.reset();
+        }
         return std::nullopt;
     }
-    const std::size_t length = text->size();
-    text->append(ORVByteBuffer::kReadableBytesBeyond, ' ');  // The JSON reader needs them.
-    std::map<std::string, std::string> titles;
-    text::forEachLine(std::string_view(*text).substr(0, length), [&](std::string_view line) {
-        const auto entry = jsonReader_.readObject(line, entryShape());
+    if (attributes->size.value_or(0) > kIndexLimitBytes) {
+        error_ = platform::posixError(EFBIG);
+        return std::nullopt;  // Reading it up to the limit at every refresh would be in vain.
+    }
+    auto text = platform::contentsOfFile(files_, path_, kIndexLimitBytes);
+    if (!text) {
+        (void)files_.openForReading(path_, &error_);
+        storeErrorIfEmpty(&error_, platform::posixError(EIO));
+    } else if (!text::isValidUTF8(*text)) {
+        error_ = platform::posixError(EILSEQ);
+        text.reset();
+    }
+    return text;
+}
+
+ORVTitleIndex::Titles ORVTitleIndex::titlesIn(std::string text) {
+    const std::size_t length = text.size();
+    text.append(ORVByteBuffer::kReadableBytesBeyond, ' ');  // The JSON reader needs them.
+    ORVJSONReader json;
+    Titles titles;
+    text::forEachLine(std::string_view(text).substr(0, length), [&](std::string_view line) {
+        const auto entry = json.readObject(line, entryShape());
         if (!entry) {
             return;
         }
@@ -59,20 +79,10 @@ std::optional<std::map<std::string, std::string>> ORVCodexSessionSource::readTit
             titles[id] = title;
         }
     });
-    jsonReader_.releaseMemory();
     return titles;
 }
 
-void ORVCodexSessionSource::readTitlesOnce() {
-    refreshTitleIndexIfNeeded();
-    titlesAreFinal_ = true;
-}
-
-std::string ORVCodexSessionSource::titleIndexPath() const {
-    return codexHome_ + "/session_index.jsonl";
-}
-
-std::map<std::string, std::string> ORVCodexSessionSource::threadTitles() {
-    refreshTitleIndexIfNeeded();
-    return titleIndex_;
+std::string ORVTitleIndex::titleOf(const std::string& threadID) const {
+    const auto title = titles_.find(threadID);
+    return title == titles_.end() ? "Codex" : title->second;
 }

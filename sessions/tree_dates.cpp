@@ -121,10 +121,10 @@ void ORVSessionTree::take(Folder& folder, ORVWalkedFile& file,
     if (!status || status->kind != ORVItemStatus::Kind::file) {
         folder.seen.reset();  // The next refresh reads the names again.
     } else if (file.modifiedAt != status->modifiedAt || file.size != status->size ||
-               file.fileNumber != status->fileIdentifier) {
+               file.fileIdentifier != status->fileIdentifier) {
         file.modifiedAt = status->modifiedAt;
         file.size = status->size;
-        file.fileNumber = status->fileIdentifier;
+        file.fileIdentifier = status->fileIdentifier;
         note(Change::Kind::changed, file);
     }
 }

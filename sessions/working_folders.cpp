@@ -1,12 +1,10 @@
 // Which folder a task works in, as the first line of its session file says, and which task works in
 // a given folder. Tests: tests/sessions/tasks_test.cpp.
 
-#include <algorithm>
-#include <new>
-#include <system_error>
-#include <thread>
+#include <memory>
 #include <unordered_map>
 
+#include "platform/parallel.h"
 #include "sessions/ORVCodexSessionSource.h"
 #include "text/byte_buffer.h"
 
@@ -69,44 +67,43 @@ private:
 }  // namespace
 
 std::optional<std::string> ORVCodexSessionSource::workingFolderForSessionURL(
-    const std::string& url) {
-    const auto attributes = files_.attributesOfItem(url, nullptr);
+    const std::string& path) {
+    const auto attributes = files_.attributesOfItem(path, nullptr);
     if (!attributes || !attributes->modifiedAt) {
         return std::nullopt;
     }
-    auto path =
-        workingFolder(url, attributes->fileNumber.value_or(0), *attributes->modifiedAt).path;
-    releaseReadingMemory();
-    return path;
+    return workingFolder(path, attributes->fileIdentifier.value_or(0), *attributes->modifiedAt)
+        .path;
 }
 
 std::optional<std::string> ORVCodexSessionSource::workingFolderForTask(const ORVTask& task) {
     const ORVWalkedFile& file = task.newestFile();
-    return workingFolder(file.path, file.fileNumber, file.modifiedAt).path;
+    return workingFolder(file.path, file.fileIdentifier, file.modifiedAt).path;
 }
 
 const ORVCodexSessionSource::WorkingFolder& ORVCodexSessionSource::workingFolder(
-    const std::string& url, std::uint64_t fileNumber, ORVFileDate modifiedAt) {
-    WorkingFolder& known = workingFolders_[url];
-    const bool isSameFile = known.fileNumber == fileNumber;
+    const std::string& path, std::uint64_t fileIdentifier, ORVFileDate modifiedAt) {
+    WorkingFolder& known = workingFolders_[path];
+    const bool isSameFile = known.fileIdentifier == fileIdentifier;
     // A first line that had not ended is read again when the file has changed.
     if (!isSameFile || (!known.isFinal && known.modifiedAt != modifiedAt)) {
-        known = readWorkingFolder(url, chunkBuffer_, jsonReader_);
-        known.fileNumber = fileNumber;
+        ORVReadingMemory memory;
+        known = readWorkingFolder(path, memory);
+        known.fileIdentifier = fileIdentifier;
         known.modifiedAt = modifiedAt;
     }
     return known;
 }
 
 ORVCodexSessionSource::WorkingFolder ORVCodexSessionSource::readWorkingFolder(
-    const std::string& url, platform::ChunkBuffer& chunkBuffer, ORVJSONReader& jsonReader) const {
+    const std::string& path, ORVReadingMemory& memory) const {
     WorkingFolder result;
-    const auto file = files_.openForReading(url, nullptr);
+    const auto file = files_.openForReading(path, nullptr);
     ORVByteBuffer line;
     std::size_t lineLength = std::string_view::npos;
     while (file && lineLength == std::string_view::npos && line.size() < kFirstLineLimitBytes) {
         const std::uint64_t limit = line.empty() ? kFirstReadBytes : kFirstLineLimitBytes;
-        const auto chunk = chunkBuffer.read(*file, line.size(), limit, nullptr);
+        const auto chunk = memory.chunks.read(*file, line.size(), limit, nullptr);
         if (!chunk || chunk->empty()) {
             return result;
         }
@@ -117,32 +114,15 @@ ORVCodexSessionSource::WorkingFolder ORVCodexSessionSource::readWorkingFolder(
     result.isFinal = file != nullptr;
     if (lineLength != std::string_view::npos) {
         const auto record =
-            jsonReader.readObject(line.bytes().substr(0, lineLength), firstRecordShape());
+            memory.json.readObject(line.bytes().substr(0, lineLength), firstRecordShape());
         result.path = record ? workingFolderIn(*record) : std::nullopt;
     }
     return result;
 }
 
-/// reading.cpp passes the beginning of every file that it reads for its figures, which spares
-/// opening the file a second time.
-void ORVCodexSessionSource::takeWorkingFolder(const std::string& url,
-                                              const ORVSessionParseState& state,
-                                              std::string_view firstChunk) {
-    const std::size_t lineFeed = firstChunk.find('\n');
-    if (lineFeed != std::string_view::npos) {
-        const auto record =
-            jsonReader_.readObject(firstChunk.substr(0, lineFeed), firstRecordShape());
-        workingFolders_[url] = {state.fileIdentifier.value_or(0),
-                                {},
-                                true,
-                                record ? workingFolderIn(*record) : std::nullopt};
-    }
-}
-
-/// Reads the first lines of very many files on all processors, since one after the other would be
-/// felt. Each of n threads takes every n-th file; the results are stored when all have ended.
-void ORVCodexSessionSource::readWorkingFoldersAhead(const std::vector<ORVTask>& tasks) {
-    constexpr std::size_t kWorthThreads = 1'000;
+/// Reading the first lines of many files one after the other would be felt.
+void ORVCodexSessionSource::readWorkingFoldersAhead(std::span<const ORVTask> tasks) {
+    constexpr std::size_t kWorthThreads = 64;
     std::vector<const ORVWalkedFile*> files;
     for (const ORVTask& task : tasks) {
         if (!workingFolders_.contains(task.newestFile().path)) {
@@ -152,32 +132,15 @@ void ORVCodexSessionSource::readWorkingFoldersAhead(const std::vector<ORVTask>& 
     if (files.size() < kWorthThreads) {
         return;
     }
-    const std::size_t count = std::max(1U, std::thread::hardware_concurrency());
     std::vector<WorkingFolder> results(files.size());
-    const auto readEvery = [&](std::size_t first) {
-        platform::ChunkBuffer chunkBuffer;
-        ORVJSONReader jsonReader;
-        for (std::size_t i = first; i < files.size(); i += count) {
-            try {
-                results[i] = readWorkingFolder(files[i]->path, chunkBuffer, jsonReader);
-            } catch (const std::bad_alloc&) {
-                results[i] = {};  // Not final: it is tried again when the file has changed.
-            }
-        }
-    };
-    std::vector<std::thread> threads;
-    for (std::size_t first = 1; first < count; ++first) {
-        try {
-            threads.emplace_back(readEvery, first);
-        } catch (const std::system_error&) {
-            readEvery(first);
-        }
-    }
-    readEvery(0);
-    std::for_each(threads.begin(), threads.end(), [](std::thread& thread) { thread.join(); });
+    platform::inParallel(files.size(), [&] {
+        return [&, memory = std::make_shared<ORVReadingMemory>()](std::size_t i) {
+            results[i] = readWorkingFolder(files[i]->path, *memory);
+            results[i].fileIdentifier = files[i]->fileIdentifier;
+            results[i].modifiedAt = files[i]->modifiedAt;
+        };
+    });
     for (std::size_t i = 0; i < files.size(); ++i) {
-        results[i].fileNumber = files[i]->fileNumber;
-        results[i].modifiedAt = files[i]->modifiedAt;
         workingFolders_[files[i]->path] = std::move(results[i]);
     }
 }
@@ -201,7 +164,5 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForFolder(
             bestDepth = depth;
         }
     }
-    auto snapshot = best ? snapshotForTask(*best, error) : std::nullopt;
-    releaseReadingMemory();
-    return snapshot;
+    return best ? snapshotForTask(*best, error) : std::nullopt;
 }

@@ -61,7 +61,7 @@ private:
     }
 
     ORVCodexSessionSource sessions_{disk, clock, "/codex"};
-    ORVCodexFocusLogSource focus_{disk, "/logs", "/Info.plist"};
+    ORVCodexFocusLogSource focus_{disk, clock, "/logs", "/Info.plist"};
 };
 
 struct Case {
@@ -115,7 +115,7 @@ TEST(RefreshStepTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
     MemoryFiles disk;
     const ManualClock clock;
     ORVCodexSessionSource sessions(disk, clock, "/codex");
-    ORVCodexFocusLogSource focus(disk, "/logs", "/Info.plist");
+    ORVCodexFocusLogSource focus(disk, clock, "/logs", "/Info.plist");
     /// Returns the focus status, the snapshot's task, and the error.
     const auto refresh = [&](int failingCall) {
         disk.failingCall = failingCall == 0 ? 0 : disk.calls + failingCall;

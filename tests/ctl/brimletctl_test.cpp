@@ -311,8 +311,7 @@ TEST_F(BrimletctlTest, ExitStatuses) {
 TEST_F(BrimletctlTest, MemoryThatRunsOutIsAnAnswer) {
     makeTask();
     const std::string large = ".codex/sessions/large.jsonl";
-    home.write(large, "");
-    home.truncate(large, 60'000'000);
+    home.write(large, std::string(60'000'000, 'x'));
     const std::string limit = "ulimit -v 60000; ";
     const Outcome outcome = run(limit + "$b latest");
     EXPECT_EQ(1, outcome.status);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "focus/ORVCodexFocusLogSource.h"
+#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"
 
@@ -89,9 +90,10 @@ std::string described(const ORVCodexFocusState& state) {
 /// Returns what a source answers over a log of these lines.
 std::string focusOf(const std::string& lines) {
     MemoryFiles disk;
+    const ManualClock clock;
     disk.append("/logs/main.log", lines);
-    return described(
-        ORVCodexFocusLogSource(disk, "/logs", "/Info.plist").currentFocusStateWithError(nullptr));
+    return described(ORVCodexFocusLogSource(disk, clock, "/logs", "/Info.plist")
+                         .currentFocusStateWithError(nullptr));
 }
 
 TEST(FocusLinesTest, LinesOfOneFile) {
@@ -115,8 +117,9 @@ protected:
     }
 
     MemoryFiles disk;
+    ManualClock clock;
     ORVErrorSlot error;
-    ORVCodexFocusLogSource source{disk, "/logs", "/Info.plist"};
+    ORVCodexFocusLogSource source{disk, clock, "/logs", "/Info.plist"};
 };
 
 TEST_F(FocusTest, FilesAreFoundAndReadOldestFirst) {

@@ -82,9 +82,9 @@ TEST_F(FilesTest, AttributesAreThoseOfTheItem) {
     EXPECT_EQ((ORVFileDate{1'000, 250'000'000}), file->modifiedAt);
     EXPECT_EQ(file->modifiedAt, files->contentModificationDate(home.path("link"))) << "followed";
     home.append("file", "6");
-    EXPECT_EQ(file->fileNumber, attributes("file")->fileNumber);
+    EXPECT_EQ(file->fileIdentifier, attributes("file")->fileIdentifier);
     home.replace("file", "");
-    EXPECT_NE(file->fileNumber, attributes("file")->fileNumber);
+    EXPECT_NE(file->fileIdentifier, attributes("file")->fileIdentifier);
     EXPECT_TRUE(files->itemExists(home.path("link")));
     EXPECT_FALSE(error);
     home.remove("file");

@@ -120,6 +120,8 @@ TEST_F(SessionRecordTest, LinesAtOnceTellWhatTheyTellOneByOne) {
         return std::tuple(state.contextUsage, state.contextStatus, state.sawCompactionSignal,
                           state.compactionStatus, state.compactionCount);
     };
+    const ORVSessionReader reader(disk, clock, {});
+    ORVJSONReader json;
     std::mt19937 random(3);
     for (int round = 0; round < 5'000; ++round) {
         std::vector<std::string_view> lines(random() % 9);
@@ -127,10 +129,10 @@ TEST_F(SessionRecordTest, LinesAtOnceTellWhatTheyTellOneByOne) {
         ORVSessionParseState one;
         ORVSessionParseState all;
         for (const std::string_view line : lines) {
-            source.consumeLine(line, one);
+            reader.consumeLine(line, one, json);
         }
-        source.consumeLines(std::span(lines).first(lines.size() / 3), all);
-        source.consumeLines(std::span(lines).subspan(lines.size() / 3), all);
+        reader.consumeLines(std::span(lines).first(lines.size() / 3), all, json);
+        reader.consumeLines(std::span(lines).subspan(lines.size() / 3), all, json);
         ASSERT_EQ(figures(one), figures(all)) << "round " << round;
     }
 }

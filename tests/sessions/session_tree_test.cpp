@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 
 std::string described(const ORVWalkedFile& file) {
     return file.path + ' ' + std::to_string(file.modifiedAt.seconds) + '.' +
-           std::to_string(file.modifiedAt.nanoseconds) + ' ' + std::to_string(file.fileNumber) +
+           std::to_string(file.modifiedAt.nanoseconds) + ' ' + std::to_string(file.fileIdentifier) +
            ' ' + std::to_string(file.size) + '\n';
 }
 

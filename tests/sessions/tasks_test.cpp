@@ -133,7 +133,10 @@ std::string describedHistory(const ORVHistory& history) {
 }
 
 TEST_F(TasksTest, AHistoryTellsEveryUsageAndEachCompactionOnce) {
-    source.keepHistories(std::numeric_limits<std::size_t>::max());
+    ORVCodexSessionSource source(disk, clock, "/codex", {std::numeric_limits<std::size_t>::max()});
+    const auto title = [&] {
+        return app::statusItemTitle(*source.snapshotForThreadID(kTask, nullptr));
+    };
     const std::string first = "/codex/sessions/a-" + std::string(kTask) + ".jsonl";
     const std::string second = "/codex/sessions/b-" + std::string(kTask) + ".jsonl";
     disk.write(first, tokenCount("10") + compacted("w1") + tokenCount("0") + tokenCount("20") +
@@ -152,7 +155,10 @@ TEST_F(TasksTest, AHistoryTellsEveryUsageAndEachCompactionOnce) {
 }
 
 TEST_F(TasksTest, ALongHistoryIsThinnedToItsHighest) {
-    source.keepHistories(64);
+    ORVCodexSessionSource source(disk, clock, "/codex", {64});
+    const auto title = [&] {
+        return app::statusItemTitle(*source.snapshotForThreadID(kTask, nullptr));
+    };
     std::string content;
     for (int i = 0; i < 1'000; ++i) {
         content +=

@@ -175,7 +175,7 @@ std::optional<ORVFileAttributes> MemoryFiles::attributesOfItem(const std::string
         attributes.modifiedAt = item->modifiedAt;
     }
     if (!happens(Fault::noFileNumber) && givesFileNumbers) {
-        attributes.fileNumber = item->number;
+        attributes.fileIdentifier = item->number;
     }
     return attributes;
 }

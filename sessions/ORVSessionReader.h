@@ -1,0 +1,120 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/ORVFollowedFile.h"
+#include "sessions/ORVSessionParseState.h"
+#include "sessions/ORVTask.h"
+
+/// What is wanted of every session file beside its figures.
+struct ORVSessionWants {
+    /// The longest history of a file; 0 for none. When more happens in a file, neighbouring usages
+    /// are merged, and if that is not enough, compactions are left out.
+    std::size_t eventsPerFile = 0;
+};
+
+/// Follows session files as they grow and keeps what the records of each have said.
+///
+/// A call that fails keeps what it had read, unless memory ran out. One thread at a time uses the
+/// reader.
+class ORVSessionReader {
+public:
+    /// `files` and `clock` must outlive the reader.
+    ORVSessionReader(ORVFiles& files, const ORVClock& clock, ORVSessionWants wants);
+
+    const ORVSessionWants& wants() const { return wants_; }
+
+    // Reading (reading.cpp)
+
+    /// A file that has been read up to its present end.
+    struct File {
+        const ORVSessionParseState& state;  ///< Valid until files are forgotten.
+        ORVFileDate modifiedAt;
+    };
+
+    /// Reads on in a file. Returns none when the file cannot be read, and, without an error, when
+    /// the file system tells no size or no date of it.
+    std::optional<File> readFile(const std::string& path, ORVReadingMemory& memory,
+                                 ORVErrorSlot* error);
+
+    /// Reads on in the files of these tasks on all processors, so that readFile finds nothing new
+    /// in them. `progress` is told how many files have been read, by one thread at a time. A file
+    /// that cannot be read is left to readFile. Throws std::bad_alloc when memory runs out.
+    using Progress = std::function<void(std::size_t done)>;
+    void readAhead(std::span<const ORVTask> tasks, const Progress& progress);
+
+    /// Forgets the figures of every file.
+    void forgetFiles() { states_.clear(); }
+
+    /// Reads what the file holds between the state's offset and `fileSize`, and interprets the
+    /// complete lines in it. Returns false, with the system's error, when the file cannot be opened
+    /// or read. A file that turns out to be shorter is no failure: the next call tries again.
+    bool updateState(ORVSessionParseState& state, const std::string& path, std::uint64_t fileSize,
+                     ORVReadingMemory& memory, ORVErrorSlot* error) const;
+
+    // Interpretation (interpretation.cpp)
+
+    /// Interprets one line, without its line feed. A line that cannot be understood leaves the
+    /// state as it is. ORVByteBuffer::kReadableBytesBeyond bytes after the line must be readable.
+    void consumeLine(std::string_view line, ORVSessionParseState& state, ORVJSONReader& json) const;
+
+    /// Interprets lines in file order, as consumeLine does with each in turn, but faster: a usage
+    /// that another one of these lines replaces is not read unless histories are wanted.
+    void consumeLines(std::span<const std::string_view> lines, ORVSessionParseState& state,
+                      ORVJSONReader& json) const;
+
+    /// Whether a "compacted" record has every key of the current format.
+    static bool isValidCurrentCompactionObject(const ORVJSONValue& object,
+                                               const ORVJSONValue& payload);
+
+    /// Returns the name of a compaction, by which it is counted once: "current:" and its window's
+    /// identifier, or "legacy:" and its time stamp. Returns none when the record holds no such
+    /// text.
+    static std::optional<std::string> compactionIdentifierForObject(const ORVJSONValue& object,
+                                                                    const ORVJSONValue& payload,
+                                                                    bool isCurrent);
+
+    /// Whether the value is a number from 0 to 2^63 without a fraction. A boolean and a string are
+    /// not numbers.
+    static bool isNonnegativeIntegerNumber(const ORVJSONValue& value);
+    static bool isPositiveIntegerNumber(const ORVJSONValue& value);
+
+    static bool dataContainsUTF8(std::string_view data, std::string_view needle);
+
+    // Histories (history.cpp)
+
+    /// Returns what happened in the files with these states, given oldest first. A compaction that
+    /// stands in several of them occurs once.
+    static ORVHistory historyOf(std::span<const ORVSessionParseState* const> files);
+
+private:
+    // Reading (reading.cpp)
+    std::optional<File> readFile(const std::string& path, ORVSessionParseState& state,
+                                 ORVReadingMemory& memory, ORVErrorSlot* error);
+
+    // Interpretation (interpretation.cpp)
+    std::size_t indexOfLastUsage(std::span<const std::string_view> lines,
+                                 ORVJSONReader& json) const;
+    static bool consumeCompaction(const std::optional<std::string>& identifier,
+                                  ORVSessionParseState& state);
+    static bool consumeTokenCount(const ORVJSONValue& payload, ORVSessionParseState& state);
+
+    // Histories (history.cpp)
+    void record(const ORVJSONValue& object, std::optional<ORVContextUsage> usage,
+                std::string compactionIdentifier, ORVSessionParseState& state) const;
+
+    ORVFiles& files_;
+    const ORVSessionWants wants_;
+    const ORVFileFollower follower_;
+    std::unordered_map<std::string, ORVSessionParseState> states_;  ///< By path.
+    std::atomic<std::uint64_t> lastRevision_ = 0;  ///< Files are read by several threads at once.
+};
