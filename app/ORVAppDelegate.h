@@ -9,15 +9,22 @@
 
 #include "app/ORVAppHost.h"
 #include "app/ORVMenu.h"
-#include "app/refresh_step.h"
+#include "app/ORVTaskViewer.h"
+#include "app/figures.h"
 #include "l10n/ORVLocalizer.h"
-#include "sessions/ORVCodexSessionSource.h"
+
+/// What one refresh found out.
+struct ORVRefreshResults {
+    ORVShownTask task;  ///< The task that was asked for.
+    ORVTaskView view;
+    std::shared_ptr<const ORVTaskListView> list = {};  ///< Null when none was asked for.
+};
 
 /// The application. It owns everything for the whole run, refreshes every two seconds and on
 /// demand, and decides what the status item and its menu show.
 ///
-/// It is used on the UI thread only, except for its two sources, which belong to the refresh queue
-/// once they are made. Closures that have not run yet keep it alive.
+/// It is used on the UI thread only, except for its viewer with the two sources, which belongs to
+/// the refresh queue once it is made. Closures that have not run yet keep it alive.
 class ORVAppDelegate final : public std::enable_shared_from_this<ORVAppDelegate> {
 public:
     /// The host must outlive the delegate.
@@ -35,6 +42,14 @@ public:
     /// Begins a refresh unless one is under way, which then serves this request as well. The sender
     /// is the refresh item when the user asked for it, else null.
     void refresh(const ORVMenuItem* sender);
+
+    /// Shows another task from now on, and what was asked for of it at the launch. Nothing of the
+    /// task before is shown in the meantime.
+    void showTask(ORVShownTask task);
+
+    /// Asks for another list from the next refresh on, which begins at once.
+    void showList(ORVListRequest list);
+    const ORVListRequest& listRequest() const { return *request_.list; }
 
     // Menu (menu.cpp)
 
@@ -59,9 +74,7 @@ public:
     /// Shows why there is no snapshot.
     void renderFocusState(const ORVCodexFocusState& focusState);
 
-    /// Returns "999", "1k", "12.3k": the decimal is left out when a whole number of thousands is
-    /// less than 0.05 away.
-    static std::string formattedTokenCount(std::int64_t count);
+    static std::string formattedTokenCount(std::int64_t count) { return app::tokenCount(count); }
 
     /// Returns one line for a status bar: the menu bar's title, two spaces, and the task's title
     /// or, without a task, the focus line. While feedback is on display it is the title alone.
@@ -87,24 +100,37 @@ public:
     /// Draws the feedback on display, if there is any, over what was just rendered.
     void applyManualRefreshFeedbackIfNeeded();
 
+    bool manualRefreshFeedbackActive() const { return manualRefreshFeedbackKey_.has_value(); }
+
     const ORVStatusItem& statusItem() const { return statusItem_; }
 
-    // What the last refresh found out about the task that is shown; none when no task is shown.
-    const std::optional<ORVSessionSnapshot>& lastSnapshot() const { return lastSnapshot_; }
-    const std::optional<std::string>& lastFolder() const { return lastFolder_; }
-    const std::shared_ptr<const ORVHistory>& lastHistory() const { return lastHistory_; }
+    // What the last refresh found out about the task that is shown. There is no view before the
+    // first refresh ends.
+    const std::optional<ORVTaskView>& lastView() const { return lastView_; }
+    const std::optional<ORVSessionSnapshot>& lastSnapshot() const;
+    const std::optional<ORVCodexFocusState>& lastFocusState() const;
+    const ORVErrorSlot& lastError() const;
+    std::shared_ptr<const ORVHistory> lastHistory() const;
+
+    /// Returns the list of tasks that was asked for; null before it is known.
+    const std::shared_ptr<const ORVTaskListView>& lastList() const { return lastList_; }
+
+    /// Returns what to do where no task is shown: a sentence that names a call of brimletctl; ""
+    /// while one is shown.
+    std::string advice() const;
 
     /// Returns, in words, why no task is shown; "" while one is, and before the first refresh ends.
     std::string focusLine() const { return focusItem_->hidden ? "" : focusItem_->title; }
 
-    /// Return the locale of the language that is shown, such as "en_US", and its way to write
-    /// the time. Must be called after the launch.
-    std::string locale() const { return localizer_->locale(); }
+    /// Return the words of the language that is shown, and its way to write the time. Must be
+    /// called after the launch.
+    const ORVWords& words() const { return localizer_->words(); }
     const ORVTimeFormat& timeFormat() const { return localizer_->timeFormat(); }
 
 private:
     // Refresh cycle (refresh_cycle.cpp)
     void finishRefresh(ORVRefreshResults&& results);
+    void beginRefresh();
 
     // Menu (menu.cpp)
     std::unique_ptr<ORVMenu> buildMenu();
@@ -116,6 +142,7 @@ private:
     // Rendering (rendering.cpp)
     void renderLastResults();
     void renderLoading();
+    void renderAbsence(ORVCodexFocusStatus status);
 
     std::string text(std::string_view key) const { return localizer_->stringForKey(key); }
 
@@ -136,17 +163,15 @@ private:
     ORVMenuItem* languageItem_ = nullptr;
     ORVMenuItem* systemLanguageItem_ = nullptr;
 
-    std::unique_ptr<ORVCodexSessionSource> source_;
-    std::unique_ptr<ORVCodexFocusLogSource> focusSource_;
+    std::unique_ptr<ORVTaskViewer> viewer_;
+    /// For the list, if there is one: its many tasks are kept without their histories.
+    std::unique_ptr<ORVTaskViewer> listViewer_;
     std::unique_ptr<ORVLocalizer> localizer_;
 
-    // The results of the last refresh, for rendering them again.
+    // What is asked for, and the results of the last refresh, for rendering them again.
     ORVRefreshRequest request_;
-    std::optional<ORVSessionSnapshot> lastSnapshot_;
-    std::optional<std::string> lastFolder_;
-    std::shared_ptr<const ORVHistory> lastHistory_;
-    std::optional<ORVCodexFocusState> lastFocusState_;
-    ORVErrorSlot lastError_;
+    std::optional<ORVTaskView> lastView_;
+    std::shared_ptr<const ORVTaskListView> lastList_;
 
     std::unique_ptr<ORVSerialQueue> refreshQueue_;
     std::unique_ptr<ORVRepeatingTimer> refreshTimer_;
@@ -154,7 +179,7 @@ private:
     bool showsOnlyEnglish_ = false;
     bool refreshing_ = false;            ///< From dispatch until the results are applied.
     bool manualRefreshPending_ = false;  ///< The user waits for the results of a refresh.
-    bool manualRefreshFeedbackActive_ = false;
-    std::optional<std::string> manualRefreshFeedbackKey_;
+    bool refreshAgain_ = false;  ///< What is asked for changed while a refresh was under way.
+    std::optional<std::string> manualRefreshFeedbackKey_;  ///< None while none is on display.
     std::uint64_t manualRefreshFeedbackGeneration_ = 0;  ///< Counts what was put on display.
 };

@@ -3,11 +3,12 @@
 #include <memory>
 #include <string>
 
-#include "app/refresh_step.h"
+#include "app/ORVTaskRequest.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/run_loop.h"
 #include "platform/user_defaults.h"
+#include "sessions/ORVCodexSessionSource.h"
 
 /// Everything that the application needs from its surroundings. The Mac's shell and the command
 /// line implement it, and so do the tests.
@@ -28,8 +29,8 @@ public:
     /// Returns the folder that holds the sessions and their titles.
     virtual std::string codexHome() { return ORVCodexSessionSource::defaultCodexHome(); }
 
-    /// Returns which task is shown and what else the surface shows of it. The application asks
-    /// once, at its launch.
+    /// Returns which task is shown first and what the surface shows. The application asks once, at
+    /// its launch.
     virtual ORVRefreshRequest refreshRequest() { return {}; }
 
     /// Ends the application's event loop. Called on the UI thread.

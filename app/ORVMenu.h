@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// The status item and its menu as plain data: everything that a surface shows. The delegate
@@ -18,6 +19,14 @@ struct ORVMenuImage {
 
 enum class ORVMenuAction { none, refresh, terminate, changeLanguage };
 
+/// What an item means to its reader, for surfaces that can set lines apart.
+enum class ORVEmphasis {
+    plain,
+    headline,  ///< Names the task.
+    gauge,     ///< Tells the percentage, and so may have its colour.
+    constant,  ///< Never changes, and is the first to go where there is little room.
+};
+
 struct ORVMenu;
 
 struct ORVMenuItem {
@@ -25,6 +34,7 @@ struct ORVMenuItem {
     std::string title;
     bool enabled = true;
     bool hidden = false;
+    ORVEmphasis emphasis = ORVEmphasis::plain;
     ORVMenuAction action = ORVMenuAction::none;
     /// A lower-case letter, pressed with the platform's modifier key; "" for none.
     std::string keyEquivalent;
@@ -41,8 +51,12 @@ struct ORVMenuItem {
 struct ORVMenu {
     std::vector<std::unique_ptr<ORVMenuItem>> items;
 
-    ORVMenuItem* add(const std::string& field);
-    void addSeparator();
+    ORVMenuItem* add(const std::string& field) {
+        auto item = std::make_unique<ORVMenuItem>();
+        item->field = field;
+        return items.emplace_back(std::move(item)).get();
+    }
+    void addSeparator() { items.push_back(std::make_unique<ORVMenuItem>()); }
 };
 
 struct ORVStatusItem {

@@ -25,7 +25,6 @@ const char* imageForKey(std::string_view key) {
 
 void ORVAppDelegate::showManualRefreshFeedbackForKey(const std::string& key) {
     ++manualRefreshFeedbackGeneration_;
-    manualRefreshFeedbackActive_ = true;
     manualRefreshFeedbackKey_ = key;
     applyManualRefreshFeedbackIfNeeded();
 }
@@ -37,7 +36,6 @@ void ORVAppDelegate::finishManualRefreshFeedbackWithKey(const std::string& key) 
         if (self->manualRefreshFeedbackGeneration_ != generation) {
             return;  // Newer feedback is on display.
         }
-        self->manualRefreshFeedbackActive_ = false;
         self->manualRefreshFeedbackKey_.reset();
         self->refreshItem_->enabled = true;
         self->applyLocalization();
@@ -45,7 +43,7 @@ void ORVAppDelegate::finishManualRefreshFeedbackWithKey(const std::string& key) 
 }
 
 void ORVAppDelegate::applyManualRefreshFeedbackIfNeeded() {
-    if (!manualRefreshFeedbackActive_ || !manualRefreshFeedbackKey_) {
+    if (!manualRefreshFeedbackKey_) {
         return;
     }
     const std::string feedback = text(*manualRefreshFeedbackKey_);

@@ -6,15 +6,18 @@
 std::unique_ptr<ORVMenu> ORVAppDelegate::buildMenu() {
     auto menu = std::make_unique<ORVMenu>();
     titleItem_ = menu->add("titleItem");
+    titleItem_->emphasis = ORVEmphasis::headline;
     focusItem_ = menu->add("focusItem");
     focusItem_->hidden = true;
     menu->addSeparator();
     contextItem_ = menu->add("contextItem");
+    contextItem_->emphasis = ORVEmphasis::gauge;
     compactionItem_ = menu->add("compactionItem");
     updatedItem_ = menu->add("updatedItem");
     menu->addSeparator();
     sourceItem_ = menu->add("sourceItem");
     privacyItem_ = menu->add("privacyItem");
+    sourceItem_->emphasis = privacyItem_->emphasis = ORVEmphasis::constant;
     menu->addSeparator();
     languageItem_ = menu->add("languageItem");
     languageItem_->submenu = std::make_unique<ORVMenu>();

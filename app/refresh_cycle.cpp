@@ -20,9 +20,12 @@ void ORVAppDelegate::applicationDidFinishLaunching() {
     statusItem_.menu = buildMenu();
     applyLocalization();
     request_ = host_.refreshRequest();
-    source_ = std::make_unique<ORVCodexSessionSource>(
-        host_.files(), host_.clock(), host_.codexHome(), ORVSessionWants{request_.eventsPerFile});
-    focusSource_ = std::make_unique<ORVCodexFocusLogSource>(host_.files(), host_.clock());
+    viewer_ = std::make_unique<ORVTaskViewer>(host_.files(), host_.clock(), host_.codexHome(),
+                                              request_.wants);
+    if (request_.list) {
+        listViewer_ = std::make_unique<ORVTaskViewer>(host_.files(), host_.clock(),
+                                                      host_.codexHome(), request_.listWants);
+    }
     refresh(nullptr);
     refreshTimer_ =
         host_.runLoop().makeRepeatingTimer(kRefreshInterval, [this] { refresh(nullptr); });
@@ -33,13 +36,21 @@ void ORVAppDelegate::refresh(const ORVMenuItem* sender) {
         manualRefreshPending_ = true;
         showManualRefreshFeedbackForKey("refresh_checking");
     }
-    if (refreshing_) {
-        return;  // The refresh under way serves this request.
+    if (!refreshing_) {  // Else the refresh under way serves this request.
+        beginRefresh();
     }
+}
+
+void ORVAppDelegate::beginRefresh() {
     refreshing_ = true;
-    refreshQueue_->dispatch([self = shared_from_this()] {
-        auto results = std::make_shared<ORVRefreshResults>(
-            app::refreshFromFiles(self->request_, *self->focusSource_, *self->source_));
+    refreshQueue_->dispatch([self = shared_from_this(), request = request_] {
+        auto results = std::make_shared<ORVRefreshResults>();
+        results->task = request.task;
+        if (request.list) {
+            results->list = std::make_shared<const ORVTaskListView>(
+                self->listViewer_->list(*request.list, ORVTaskViewer::Memory::kept, {}));
+        }
+        results->view = self->viewer_->view(request.task);
         self->host_.runLoop().post([self, results] { self->finishRefresh(std::move(*results)); });
     });
 }
@@ -48,15 +59,35 @@ void ORVAppDelegate::finishRefresh(ORVRefreshResults&& results) {
     refreshing_ = false;
     const bool isManual = manualRefreshPending_;
     manualRefreshPending_ = false;
-    lastFocusState_ = std::move(results.focusState);
-    lastError_ = std::move(results.error);
-    lastSnapshot_ = std::move(results.snapshot);  // Without a snapshot the old one goes, too.
-    lastFolder_ = std::move(results.folder);
-    lastHistory_ = std::move(results.history);
+    const bool isIncomplete = results.list && !results.list->isComplete;
+    lastList_ = std::move(results.list);
+    if (results.task == request_.task) {
+        lastView_ = std::move(results.view);  // Without a snapshot the old one goes, too.
+    }
     renderLastResults();
     if (isManual) {
-        finishManualRefreshFeedbackWithKey(lastError_ ? "refresh_failed" : "refresh_complete");
+        finishManualRefreshFeedbackWithKey(lastError() ? "refresh_failed" : "refresh_complete");
     } else {
         applyManualRefreshFeedbackIfNeeded();
     }
+    if (std::exchange(refreshAgain_, false) || isIncomplete) {
+        beginRefresh();
+    }
+}
+
+void ORVAppDelegate::showTask(ORVShownTask task) {
+    if (request_.task == task) {
+        return;
+    }
+    request_.task = std::move(task);
+    lastView_.reset();
+    renderLastResults();
+    refreshAgain_ = refreshing_;
+    refresh(nullptr);
+}
+
+void ORVAppDelegate::showList(ORVListRequest list) {
+    request_.list = std::move(list);
+    refreshAgain_ = refreshing_;
+    refresh(nullptr);
 }

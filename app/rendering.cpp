@@ -2,22 +2,11 @@
 // Each rendering sets all of these texts, so that no text of an earlier one survives.
 // Tests: tests/app/app_delegate_test.cpp.
 
-#include <array>
-#include <cmath>
-#include <cstdio>
-
 #include "app/ORVAppDelegate.h"
-#include "app/status_title.h"
 #include "l10n/placeholders.h"
 #include "platform/time_of_day.h"
 
 namespace {
-
-std::string printed(const char* format, double value) {
-    std::array<char, 400> text{};  // As long as the largest double.
-    std::snprintf(text.data(), text.size(), format, value);
-    return text.data();
-}
 
 /// The focus line of every focus status, in the order of their numbers.
 constexpr const char* kFocusKeys[] = {"focus_task_unavailable", "focus_new_task",
@@ -33,7 +22,7 @@ void ORVAppDelegate::renderSnapshot(const ORVSessionSnapshot& snapshot) {
         snapshot.compactionStatus() == ORVCompactionStatusValid
             ? l10n::filled(text("compaction_format"), {std::to_string(snapshot.compactionCount())})
             : text("compaction_incompatible");
-    statusItem_.title = app::statusItemTitle(snapshot);
+    statusItem_.title = app::statusTitle(snapshot).text();
     statusItem_.percentage.reset();
     if (const ORVContextUsage* usage = app::shownUsage(snapshot)) {
         statusItem_.percentage = usage->percentage();
@@ -52,13 +41,16 @@ void ORVAppDelegate::renderSnapshot(const ORVSessionSnapshot& snapshot) {
 }
 
 void ORVAppDelegate::renderFocusState(const ORVCodexFocusState& focusState) {
-    statusItem_.title =
-        text(focusState.status() == ORVCodexFocusStatusIncompatible ? "status_update_needed"
-                                                                    : "status_loading");
+    renderAbsence(focusState.status());
+}
+
+void ORVAppDelegate::renderAbsence(ORVCodexFocusStatus status) {
+    statusItem_.title = text(
+        status == ORVCodexFocusStatusIncompatible ? "status_update_needed" : "status_loading");
     statusItem_.percentage.reset();
     titleItem_->title = text("task_unavailable");
     focusItem_->hidden = false;
-    focusItem_->title = text(kFocusKeys[focusState.status()]);
+    focusItem_->title = text(kFocusKeys[status]);
     contextItem_->title = text("context_placeholder");
     compactionItem_->title = text("compaction_placeholder");
     updatedItem_->title = text("updated_placeholder");
@@ -74,28 +66,38 @@ void ORVAppDelegate::renderLoading() {
 }
 
 void ORVAppDelegate::renderLastResults() {
-    if (lastSnapshot_) {
-        renderSnapshot(*lastSnapshot_);
-    } else if (lastFocusState_) {
-        renderFocusState(*lastFocusState_);
-    } else {
+    if (!lastView_) {
         renderLoading();
+    } else if (lastView_->snapshot) {
+        renderSnapshot(*lastView_->snapshot);
+    } else {
+        renderAbsence(lastView_->focusStatus());
     }
 }
 
-std::string ORVAppDelegate::formattedTokenCount(std::int64_t count) {
-    if (count < 1000) {
-        return std::to_string(count);
-    }
-    const double thousands = static_cast<double>(count) / 1000.0;
-    const bool isWhole = std::fabs(thousands - std::round(thousands)) < 0.05;
-    return printed(isWhole ? "%.0fk" : "%.1fk", thousands);
+const std::optional<ORVSessionSnapshot>& ORVAppDelegate::lastSnapshot() const {
+    static const std::optional<ORVSessionSnapshot> kNone;
+    return lastView_ ? lastView_->snapshot : kNone;
+}
+
+const std::optional<ORVCodexFocusState>& ORVAppDelegate::lastFocusState() const {
+    static const std::optional<ORVCodexFocusState> kNone;
+    return lastView_ ? lastView_->focusState : kNone;
+}
+
+const ORVErrorSlot& ORVAppDelegate::lastError() const {
+    static const ORVErrorSlot kNone;
+    return lastView_ ? lastView_->error : kNone;
+}
+
+std::shared_ptr<const ORVHistory> ORVAppDelegate::lastHistory() const {
+    return lastView_ ? lastView_->history : nullptr;
 }
 
 std::string ORVAppDelegate::statusLine() const {
-    const std::string& line = lastSnapshot_ ? lastSnapshot_->title() : focusItem_->title;
+    const std::string& line = lastSnapshot() ? lastSnapshot()->title() : focusItem_->title;
     const bool isTitleAlone =
-        manualRefreshFeedbackActive_ || (!lastSnapshot_ && focusItem_->hidden) || line.empty();
+        manualRefreshFeedbackKey_ || (!lastSnapshot() && focusItem_->hidden) || line.empty();
     return isTitleAlone ? statusItem_.title : statusItem_.title + "  " + line;
 }
 
@@ -112,11 +114,21 @@ std::vector<std::string> ORVAppDelegate::informationLines() const {
 
 std::string ORVAppDelegate::spokenStatus() const {
     const std::string program = statusItem_.toolTip + ", ";
-    if (manualRefreshFeedbackActive_) {
+    if (manualRefreshFeedbackKey_) {
         return program + statusItem_.title;
     }
-    if (lastSnapshot_) {
+    if (lastSnapshot()) {
         return program + contextItem_->title + ", " + compactionItem_->title;
     }
     return program + statusItem_.title + (focusItem_->hidden ? "" : ", " + focusItem_->title);
+}
+
+std::string ORVAppDelegate::advice() const {
+    if (!lastView_ || lastView_->snapshot) {
+        return {};
+    }
+    const bool wouldLatestShow =
+        lastView_->absence == ORVAbsence::notInView && lastView_->hasSessionFiles;
+    return l10n::filled(words().tryCall, {std::string("brimletctl ") +
+                                          (wouldLatestShow ? "watch --latest" : "doctor")});
 }

@@ -53,28 +53,28 @@ bool isNumber(std::string_view text) {
            text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-/// Reads a time span such as "30m", "2h" or "7d".
+/// Reads a time span such as "90s", "30m", "2h", "7d" or "2w".
 std::optional<std::chrono::seconds> timeSpan(std::string_view text) {
-    if (text.empty() || !isNumber(text.substr(0, text.size() - 1))) {
+    static constexpr std::pair<char, std::chrono::seconds> kUnits[] = {
+        {'s', std::chrono::seconds(1)},
+        {'m', std::chrono::minutes(1)},
+        {'h', std::chrono::hours(1)},
+        {'d', std::chrono::days(1)},
+        {'w', std::chrono::weeks(1)}};
+    const auto* unit = std::find_if(std::begin(kUnits), std::end(kUnits), [&](const auto& each) {
+        return text.ends_with(each.first);
+    });
+    if (unit == std::end(kUnits) || !isNumber(text.substr(0, text.size() - 1))) {
         return std::nullopt;
     }
-    const std::chrono::seconds::rep number = std::stol(std::string(text));
-    switch (text.back()) {
-        case 'm':
-            return std::chrono::minutes(number);
-        case 'h':
-            return std::chrono::hours(number);
-        case 'd':
-            return std::chrono::days(number);
-        default:
-            return std::nullopt;
-    }
+    return unit->second * std::stol(std::string(text));
 }
 
 /// Reads one command line. The first mistake is kept.
 class Parser {
 public:
-    Parser(int count, char** arguments) : count_(count), arguments_(arguments) {}
+    Parser(int count, char** arguments, bool isOnTerminal)
+        : count_(count), arguments_(arguments), isOnTerminal_(isOnTerminal) {}
 
     std::variant<Arguments, Mistake> parse() {
         findCommandName();
@@ -106,7 +106,7 @@ private:
         for (const Option& each : options()) {
             longOptions.push_back({each.name.data(),
                                    each.value.empty() ? no_argument : required_argument, nullptr,
-                                   each.letter});
+                                   kFirstNumber + static_cast<int>(each.id)});
         }
         longOptions.push_back({nullptr, 0, nullptr, 0});
         opterr = 0;
@@ -116,7 +116,11 @@ private:
             if (found == '?' || found == ':') {
                 return failForOption(found);
             }
-            take(optionWithLetter(static_cast<char>(found)));
+            const auto id = found == 'h'   ? OptionID::help
+                            : found == 'V' ? OptionID::version
+                                           : static_cast<OptionID>(found - kFirstNumber);
+            taken_.add(id);
+            take(id, optarg && !optionWithID(id).value.empty() ? optarg : "");
         }
     }
 
@@ -125,66 +129,65 @@ private:
         if (found == ':') {
             return fail(written + " needs a value");
         }
-        const std::size_t equals = written.find('=');
-        const std::string name = written.substr(0, equals);
-        const bool isShort = !written.starts_with("--");
-        const bool isKnown =
-            !isShort && std::any_of(options().begin(), options().end(),
-                                    [&](const Option& o) { return name.substr(2) == o.name; });
-        fail(isKnown
-                 ? name + " takes no value"
-                 : "unknown option " +
-                       (isShort ? std::string("-") + static_cast<char>(optopt) : name) +
-                       (isShort ? ""
-                                : suggestion(std::string_view(name).substr(2), options(), "--")));
+        const std::string name = written.substr(0, written.find('='));
+        if (!written.starts_with("--")) {
+            return fail(std::string("unknown option -") + static_cast<char>(optopt));
+        }
+        const bool isKnown = std::any_of(options().begin(), options().end(),
+                                         [&](const Option& o) { return name.substr(2) == o.name; });
+        fail(isKnown ? name + " takes no value"
+                     : "unknown option " + name +
+                           suggestion(std::string_view(name).substr(2), options(), "--"));
     }
 
-    void take(const Option& option) {
-        taken_ += option.letter;
-        const std::string value = optarg && !option.value.empty() ? optarg : "";
-        switch (option.letter) {
-            case 'j':
+    void take(OptionID id, const std::string& value) {
+        switch (id) {
+            case OptionID::json:
                 return setFormat(Format::json);
-            case 'w':
+            case OptionID::waybar:
                 return setFormat(Format::waybar);
-            case 's':
+            case OptionID::svg:
                 return setFormat(Format::svg);
-            case 'f':
-                setFormat(Format::ownTemplate);
-                result_.ownTemplate = ORVTemplate::parse(value);
-                if (!result_.ownTemplate) {
-                    fail("the template is not understood: " + value + "; names are " +
-                         ORVTemplate::names());
-                }
-                return;
-            case 'l':
-                return setShownTask({ORVShownTask::Choice::latest, ""});
-            case 't':
-                if (value.empty()) {
-                    fail("--task needs a thread identifier");
-                }
-                return setShownTask({ORVShownTask::Choice::identified, value});
-            case 'e':
-                return setShownTask({ORVShownTask::Choice::inFolder, ""});
-            case 'd':
+            case OptionID::format:
+                return takeTemplate(value);
+            case OptionID::latest:
+                return setTask({ORVShownTask::Choice::latest, ""});
+            case OptionID::task:
+                return setIdentifier(value, "--task");
+            case OptionID::here:
+                result_.isHere = true;
+                return setTask({ORVShownTask::Choice::inFolder, ""});
+            case OptionID::folder:
                 result_.folder = value;
                 return;
-            case 'n':
-                return isNumber(value) ? void(result_.limit = std::stoul(value))
-                                       : fail("--limit needs a number, not " + value);
-            case 'i':
+            case OptionID::limit:
+                return takeLimit(value);
+            case OptionID::since:
                 result_.since = timeSpan(value);
-                return result_.since
-                           ? void()
-                           : fail("--since needs a time such as 30m, 2h or 7d, not " + value);
-            case 'c':
+                if (!result_.since) {
+                    fail("--since needs a time such as 90s, 30m, 2h, 7d or 2w, not " +
+                         quoted(value));
+                }
+                return;
+            case OptionID::helpers:
+                result_.list.showsHelpers = true;
+                return;
+            case OptionID::codexHome:
                 result_.codexHome = value;
-                return value.empty() ? fail("--codex-home needs a folder") : void();
-            case 'o':
-                return setColoring(value);
-            default:
-                return;  // Help and version are found among the options taken.
+                if (value.empty()) {
+                    fail("--codex-home needs a folder");
+                }
+                return;
+            case OptionID::color:
+                return setColours(value);
+            case OptionID::help:
+            case OptionID::version:
+                return;  // They are found among the options taken.
         }
+    }
+
+    static std::string quoted(const std::string& value) {
+        return value.empty() ? "''" : value;
     }
 
     void setFormat(Format format) {
@@ -194,46 +197,93 @@ private:
         result_.format = format;
     }
 
-    void setShownTask(ORVShownTask task) {
-        if (result_.shownTask.choice != ORVShownTask::Choice::inView) {
-            fail("only one of --latest, --task and --here can be followed at once");
+    void takeTemplate(const std::string& value) {
+        setFormat(Format::ownTemplate);
+        std::string what;
+        result_.ownTemplate = ORVTemplate::parse(value, &what);
+        if (!result_.ownTemplate) {
+            fail("the template is not understood, because of " + what + "; names are " +
+                 ORVTemplate::names());
         }
-        result_.shownTask = std::move(task);
     }
 
-    void setColoring(const std::string& value) {
+    void takeLimit(const std::string& value) {
+        if (!isNumber(value)) {
+            return fail("--limit needs a number, not " + quoted(value));
+        }
+        result_.list.limit = std::stoul(value);
+    }
+
+    void setIdentifier(const std::string& value, const std::string& what) {
+        if (value.empty()) {
+            return fail(what + " needs an identifier, or a part of one");
+        }
+        setTask({ORVShownTask::Choice::identified, value});
+    }
+
+    void setTask(ORVShownTask task) {
+        if (result_.task.choice != ORVShownTask::Choice::inView) {
+            fail("only one of --latest, --task and --here can be given at once");
+        }
+        result_.task = std::move(task);
+    }
+
+    void setColours(const std::string& value) {
         if (value != "auto" && value != "always" && value != "never") {
-            fail("--color is auto, always or never, not " + value);
+            fail("--color is auto, always or never, not " + quoted(value));
         }
-        result_.coloring = value == "always"  ? Coloring::always
-                           : value == "never" ? Coloring::never
-                                              : Coloring::automatic;
+        result_.colours = value == "always"  ? Colours::always
+                          : value == "never" ? Colours::never
+                                             : Colours::automatic;
     }
-
-    bool isTaken(char letter) const { return taken_.find(letter) != std::string::npos; }
 
     void readOperands() {
         if (mistake_) {
             return;
         }
-        if (isTaken('V')) {
+        if (taken_.holds(OptionID::version)) {
             result_.call = Call::version;
             return;
         }
         if (optind == count_) {
-            return isTaken('h') ? void() : fail("a command is missing");
+            return readNothing();
         }
         const std::string name = arguments_[optind];
         command_ = findCommand(name);
         if (!command_) {
-            return fail("unknown command " + name + suggestion(name, commands(), ""));
+            return fail("unknown command " + quoted(name) + suggestion(name, commands(), ""));
         }
-        if (isTaken('h')) {
+        if (taken_.holds(OptionID::help)) {
             result_.helpTopic = name;
             return;
         }
         result_.call = command_->call;
+        checkOptions();
         takeOperands({arguments_ + optind + 1, arguments_ + count_});
+    }
+
+    void checkOptions() {
+        for (const Option& option : options()) {
+            if (taken_.holds(option.id) && !kCommonOptions.holds(option.id) &&
+                !command_->options.holds(option.id)) {
+                fail(std::string(command_->name) + " does not take --" + std::string(option.name));
+            }
+        }
+    }
+
+    /// A line without a command.
+    void readNothing() {
+        if (taken_.holds(OptionID::help)) {
+            return;
+        }
+        const bool hasOwnOptions =
+            std::any_of(options().begin(), options().end(), [&](const Option& each) {
+                return taken_.holds(each.id) && !kCommonOptions.holds(each.id);
+            });
+        if (!isOnTerminal_ || hasOwnOptions) {
+            return fail("a command is missing");
+        }
+        result_.call = Call::top;
     }
 
     void takeOperands(const std::vector<std::string>& operands) {
@@ -244,50 +294,50 @@ private:
         }
         if (given > command_->operands.most) {
             return fail(name + (command_->operands.most == 0 ? " takes no " : " takes only one ") +
-                        "argument: " + operands[static_cast<std::size_t>(command_->operands.most)]);
+                        "argument: " +
+                        quoted(operands[static_cast<std::size_t>(command_->operands.most)]));
         }
-        if (operands.empty()) {
-            return;
-        }
-        if (command_->call == Call::help) {
+        if (command_->call == Call::help && !operands.empty()) {
             result_.helpTopic = operands[0];
-            return findCommand(operands[0]) ? void()
-                                            : fail("unknown command " + operands[0] +
-                                                   suggestion(operands[0], commands(), ""));
+            if (!findCommand(operands[0])) {
+                fail("unknown command " + quoted(operands[0]) +
+                     suggestion(operands[0], commands(), ""));
+            }
+        } else if (!operands.empty()) {
+            setIdentifier(operands[0], name);
+        } else if (command_->call == Call::here) {
+            setTask({ORVShownTask::Choice::inFolder, ""});
+        } else if (command_->call == Call::latest ||
+                   (command_->call == Call::history &&
+                    result_.task.choice == ORVShownTask::Choice::inView)) {
+            setTask({ORVShownTask::Choice::latest, ""});
         }
-        result_.threadID = operands[0];
-        result_.hasThreadID = true;
     }
 
-    /// Checks that the options fit the command and each other.
     void checkTogether() {
-        if (mistake_ || !command_ || result_.call == Call::help || result_.call == Call::version) {
-            return;
-        }
-        for (const char letter : taken_) {
-            const Option& option = optionWithLetter(letter);
-            if (!isCommon(option) && command_->options.find(letter) == std::string_view::npos) {
-                return fail(std::string(command_->name) + " does not take --" +
-                            std::string(option.name));
-            }
-        }
-        if (command_->call == Call::watch && isTaken('d') && !isTaken('e')) {
+        const bool isHere = taken_.holds(OptionID::here) || result_.call == Call::here;
+        if (!mistake_ && taken_.holds(OptionID::folder) && !isHere) {
             fail("--folder goes with --here");
         }
+        result_.list.since = result_.since;
     }
+
+    /// getopt tells options by numbers; these are not those of letters.
+    static constexpr int kFirstNumber = 1'000;
 
     const int count_;
     char** const arguments_;
+    const bool isOnTerminal_;
     const Command* command_ = nullptr;
-    std::string taken_;  ///< The letters of the options in the order of the command line.
+    OptionSet taken_;
     Arguments result_;
     std::optional<Mistake> mistake_;
 };
 
 }  // namespace
 
-std::variant<Arguments, Mistake> parseArguments(int count, char** arguments) {
-    return Parser(count, arguments).parse();
+std::variant<Arguments, Mistake> parseArguments(int count, char** arguments, bool isOnTerminal) {
+    return Parser(count, arguments, isOnTerminal).parse();
 }
 
 }  // namespace ctl

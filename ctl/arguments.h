@@ -1,25 +1,24 @@
 #pragma once
 
-#include <chrono>
-#include <cstddef>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
 
+#include "app/ORVTaskRequest.h"
 #include "app/ORVTemplate.h"
-#include "app/refresh_step.h"
 
 /// Reads the command line of brimletctl.
 namespace ctl {
 
 enum class Call {
     watch,
+    top,
     latest,
     task,
     here,
     tasks,
     history,
+    limits,
     focus,
     titles,
     doctor,
@@ -31,22 +30,21 @@ enum class Call {
 /// The form of an answer.
 enum class Format { text, json, ownTemplate, waybar, svg };
 
-enum class Coloring { automatic, always, never };
+enum class Colours { automatic, always, never };
 
 struct Arguments {
     Call call = Call::help;
     Format format = Format::text;
     std::optional<ORVTemplate> ownTemplate;  ///< With Format::ownTemplate.
 
-    std::string threadID;  ///< For `task`; for `history` if hasThreadID.
-    bool hasThreadID = false;
-    ORVShownTask shownTask;    ///< For `watch`; the folder of --here is in `folder`.
-    std::string folder = ".";  ///< For `here` and `watch --here`, as written.
-    std::size_t limit = 20;    ///< For `tasks`: the most tasks, or 0 for all.
-    std::optional<std::chrono::seconds> since;  ///< For `tasks`: the greatest age.
+    ORVShownTask task;         ///< For calls about one task; the folder of --here is in `folder`.
+    std::string folder = ".";  ///< As written.
+    bool isHere = false;       ///< For lists: only tasks of `folder`.
+    ORVListRequest list;       ///< For `tasks` and `top`.
+    std::optional<std::chrono::seconds> since;  ///< For lists and `history`: the greatest age.
 
     std::optional<std::string> codexHome;  ///< As written; none without the option.
-    Coloring coloring = Coloring::automatic;
+    Colours colours = Colours::automatic;
     std::string helpTopic;  ///< A command's name, or "" for all of them.
 };
 
@@ -56,6 +54,8 @@ struct Mistake {
     std::string command;  ///< The command that the line seems to be about, or "".
 };
 
-std::variant<Arguments, Mistake> parseArguments(int count, char** arguments);
+/// `isOnTerminal` tells whether a person sees the output and can type: then a line without a command
+/// means `top`.
+std::variant<Arguments, Mistake> parseArguments(int count, char** arguments, bool isOnTerminal);
 
 }  // namespace ctl

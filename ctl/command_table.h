@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <initializer_list>
 #include <span>
 #include <string>
 #include <string_view>
@@ -10,6 +12,46 @@
 /// and the tests that compare them with the man page all read these tables.
 namespace ctl {
 
+enum class OptionID {
+    json,
+    format,
+    waybar,
+    svg,
+    latest,
+    task,
+    here,
+    folder,
+    limit,
+    since,
+    helpers,
+    codexHome,
+    color,
+    help,
+    version
+};
+
+/// A set of options.
+class OptionSet {
+public:
+    constexpr OptionSet() = default;
+    constexpr OptionSet(std::initializer_list<OptionID> options) {
+        for (const OptionID option : options) {
+            add(option);
+        }
+    }
+    constexpr void add(OptionID option) { bits_ |= 1U << static_cast<unsigned>(option); }
+    constexpr bool holds(OptionID option) const {
+        return (bits_ >> static_cast<unsigned>(option) & 1U) != 0;
+    }
+
+private:
+    std::uint32_t bits_ = 0;
+};
+
+/// Those that every command takes.
+inline constexpr OptionSet kCommonOptions = {OptionID::codexHome, OptionID::color, OptionID::help,
+                                             OptionID::version};
+
 /// How many words may follow a command's name.
 struct Operands {
     int least;
@@ -18,8 +60,9 @@ struct Operands {
 };
 
 struct Option {
-    std::string_view name;  ///< Without the two dashes.
-    char letter;            ///< Stands for the option in the tables; 'h' and 'V' can be typed, too.
+    OptionID id;
+    std::string_view name;   ///< Without the two dashes.
+    char letter;             ///< Its short form; 0 for an option without one.
     std::string_view value;  ///< The value's name in the help; "" for an option without a value.
     std::string_view help;
 };
@@ -28,21 +71,21 @@ struct Command {
     std::string_view name;
     Call call;
     Operands operands;
-    std::string_view options;  ///< The letters of its options, without those of every command.
+    OptionSet options;         ///< Without those of every command.
     std::string_view summary;  ///< About forty characters.
-    std::string_view help;     ///< Paragraphs, and examples.
+    std::string_view help;     ///< Lines with line feeds, of 80 columns at most.
 };
 
 std::span<const Command> commands();
 std::span<const Option> options();
 
+/// Returns null for a name that no command has.
 const Command* findCommand(std::string_view name);
-const Option& optionWithLetter(char letter);
 
-/// Whether every command takes the option.
-bool isCommon(const Option& option);
+const Option& optionWithID(OptionID id);
 
-/// Returns what `brimletctl help NAME` prints, and for "" what `brimletctl help` prints.
+/// Returns the help on a command; for any other name that on all of them. No line has more than 80
+/// columns.
 std::string helpText(std::string_view commandName);
 
 }  // namespace ctl

@@ -1,129 +1,112 @@
-// Holds the short commands, and the functions by which all commands write an answer or explain why
-// there is none. Tests: tests/ctl/brimletctl_test.cpp.
+// The short commands: each asks for a view and passes it to the writer of the wanted form.
+// Tests: tests/ctl/brimletctl_test.cpp.
 
 #include "ctl/commands.h"
 
 #include <unistd.h>
 
-#include <cerrno>
+#include <limits>
 
-#include "ctl/answers.h"
-#include "ctl/coloring.h"
 #include "ctl/output.h"
-#include "sessions/errors.h"
+#include "shells/lines/answer_json.h"
+#include "shells/lines/answer_text.h"
+#include "shells/terminal/table.h"
 
 namespace ctl {
 namespace {
 
-int showSnapshot(Sources& sources, const std::optional<ORVSessionSnapshot>& snapshot,
-                 const ORVErrorSlot& error, const std::string& whatIsMissing,
-                 const Arguments& arguments) {
-    if (!snapshot) {
-        complain(reason(sources, error, whatIsMissing));
-    }
-    const int status = snapshot ? kAnswered : kNothingToShow;
-    if (arguments.format == Format::json) {
-        return finish(snapshotAnswer(snapshot, error) + '\n', status);
-    }
-    if (!snapshot) {
-        return status;
-    }
+std::string textFor(const Invocation& invocation, const ORVTaskView& view) {
+    const Arguments& arguments = invocation.arguments;
     if (arguments.format == Format::ownTemplate) {
-        return finish(filledTemplate(*arguments.ownTemplate, *snapshot, sources) + '\n', status);
+        return lines::filledTemplate(*arguments.ownTemplate, view, invocation.clock.now(),
+                                     systemLanguage(true).timeFormat) +
+               '\n';
     }
-    const bool isColored = ctl::isColored(arguments.coloring, STDOUT_FILENO);
-    return finish(snapshotText(*snapshot, isColored) + '\n', status);
+    return terminal::line(terminal::taskRow(view), isColoured(arguments.colours, STDOUT_FILENO));
 }
 
 }  // namespace
 
-int finish(std::string_view answer, int status) {
-    switch (writeOutput(answer)) {
-        case WriteResult::written:
-            return status;
-        case WriteResult::readerLeft:
-            return kAnswered;
-        case WriteResult::failed:
-            break;
+ORVTaskWants Invocation::wantsOf(const Arguments& arguments) {
+    ORVTaskWants wants;
+    if (arguments.ownTemplate) {
+        wants = arguments.ownTemplate->wants();
     }
-    return kNothingToShow;
+    const bool isTable =
+        arguments.call == Call::tasks && arguments.format == Format::text && isatty(STDOUT_FILENO);
+    wants.agent = wants.agent || arguments.format == Format::json || isTable;
+    wants.shortID = wants.shortID || isTable;
+    wants.eventsPerFile =
+        arguments.call == Call::history ? std::numeric_limits<std::size_t>::max() : 0;
+    return wants;
 }
 
-std::string reason(Sources& sources, const ORVErrorSlot& error, const std::string& whatIsMissing) {
-    if (!error) {
-        return whatIsMissing;
+int showTask(Invocation& invocation) {
+    const Arguments& arguments = invocation.arguments;
+    const bool isJSON = arguments.format == Format::json;
+    const auto task = realTask(*invocation.files, arguments);
+    if (!task) {
+        return isJSON ? finish(json::taskAnswer({}) + '\n', kNothingToShow) : kNothingToShow;
     }
-    if (error->domain != sessions::kErrorDomain) {
-        return "cannot read the session file: " + error->description;
+    const ORVTaskView view = invocation.viewer.view(*task);
+    if (!view.snapshot) {
+        explainAbsence(invocation, view);
     }
-    return error->code == sessions::ORVErrorSessionsDirectoryMissing ? reasonForNoSessions(sources)
-                                                                     : whatIsMissing;
-}
-
-std::string reasonForNoSessions(Sources& sources) {
-    const std::string folder = sources.session.sessionsFolder();
-    ORVErrorSlot error;
-    sources.files->walk(
-        folder, [](std::string_view) { return false; }, [](ORVWalkedFile&&) {},
-        [&](ORVError&& failure) { storeErrorIfEmpty(&error, std::move(failure)); });
-    return error && error->code != ENOENT
-               ? "cannot read the sessions folder " + folder + ": " + error->description
-               : "there is no sessions folder " + folder;
-}
-
-std::optional<std::string> realFolder(ORVFiles& files, const std::string& folder) {
-    auto path = files.realPath(folder);
-    if (path && access((*path + "/.").c_str(), X_OK) == 0) {
-        return path;
+    tellOfUnreadable(invocation);
+    const int status = view.snapshot ? kAnswered : kNothingToShow;
+    if (isJSON) {
+        return finish(json::taskAnswer(view) + '\n', status);
     }
-    complain("cannot enter the folder " + folder + ": " + platform::posixError(errno).description);
-    return std::nullopt;
+    return view.snapshot ? finish(textFor(invocation, view), status) : status;
 }
 
-int showText(std::string_view text) {
-    return finish(text, kAnswered);
-}
-
-int showLatest(Sources& sources, const Arguments& arguments) {
-    ORVErrorSlot error;
-    const auto snapshot = sources.session.latestSnapshotWithError(&error);
-    return showSnapshot(sources, snapshot, error,
-                        "there is no session file in " + sources.session.sessionsFolder(),
-                        arguments);
-}
-
-int showTask(Sources& sources, const Arguments& arguments) {
-    ORVErrorSlot error;
-    const auto snapshot = sources.session.snapshotForThreadID(arguments.threadID, &error);
-    return showSnapshot(sources, snapshot, error,
-                        "there is no session file of the task " + arguments.threadID, arguments);
-}
-
-int showHere(Sources& sources, const Arguments& arguments) {
-    const auto folder = realFolder(*sources.files, arguments.folder);
-    if (!folder) {
-        return arguments.format == Format::json
-                   ? finish(snapshotAnswer(std::nullopt, {}) + '\n', kNothingToShow)
-                   : kNothingToShow;
+int showLimits(Invocation& invocation) {
+    const auto limits = invocation.viewer.accountLimits();
+    const bool isJSON = invocation.arguments.format == Format::json;
+    if (!limits) {
+        complain("no session file tells of rate limits; try: brimletctl doctor");
     }
-    ORVErrorSlot error;
-    const auto snapshot = sources.session.snapshotForFolder(*folder, &error);
-    return showSnapshot(sources, snapshot, error, "no task works in " + *folder, arguments);
+    tellOfUnreadable(invocation);
+    const int status = limits ? kAnswered : kNothingToShow;
+    if (isJSON) {
+        return finish(json::limitsAnswer(limits ? limits->rateLimits : std::vector<ORVRateLimit>(),
+                                         limits ? limits->at : "") +
+                          '\n',
+                      status);
+    }
+    if (!limits) {
+        return status;
+    }
+    const bool isTerminal = isatty(STDOUT_FILENO) != 0;
+    const terminal::Screen screen = terminal::screenOfOutput();
+    const ORVWords& words = systemLanguage(!isTerminal || screen.showsUnicode).words;
+    std::string text;
+    for (const terminal::Row& row : terminal::limitRows(*limits, {words, invocation.clock.now()},
+                                                        isTerminal ? &screen : nullptr)) {
+        text += terminal::line(row, isColoured(invocation.arguments.colours, STDOUT_FILENO));
+    }
+    return finish(text, status);
 }
 
-int showFocus(Sources& sources, const Arguments& arguments) {
+int showFocus(Invocation& invocation) {
     ORVErrorSlot error;
-    const ORVCodexFocusState focusState = sources.focus.currentFocusStateWithError(&error);
-    const std::string answer =
-        arguments.format == Format::json ? focusAnswer(focusState, error) : focusText(focusState);
-    return finish(answer + '\n', kAnswered);
+    const ORVCodexFocusState focusState =
+        invocation.viewer.focus().currentFocusStateWithError(&error);
+    const bool isJSON = invocation.arguments.format == Format::json;
+    return finish((isJSON ? json::focusAnswer(focusState, error) : lines::focusText(focusState)) +
+                      '\n',
+                  kAnswered);
 }
 
-int showTitles(Sources& sources, const Arguments& arguments) {
-    const Titles titles = sources.session.threadTitles();
-    return finish(
-        arguments.format == Format::json ? titlesAnswer(titles) + '\n' : titlesText(titles),
-        kAnswered);
+int showTitles(Invocation& invocation) {
+    const auto titles = invocation.viewer.sessions().threadTitles();
+    const std::string trouble = troubleWithTitles(invocation);
+    if (!trouble.empty()) {
+        complain(trouble + "; try: brimletctl doctor");
+    }
+    const bool isJSON = invocation.arguments.format == Format::json;
+    return finish(isJSON ? json::titlesAnswer(titles) + '\n' : lines::titlesText(titles),
+                  trouble.empty() ? kAnswered : kNothingToShow);
 }
 
 }  // namespace ctl

@@ -2,67 +2,98 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
 
+#include "app/ORVTaskViewer.h"
 #include "ctl/arguments.h"
-#include "focus/ORVCodexFocusLogSource.h"
 #include "platform/clock.h"
+#include "platform/confinement.h"
 #include "platform/files.h"
-#include "sessions/ORVCodexSessionSource.h"
+#include "l10n/languages.h"
 
-/// The commands of brimletctl except `doctor` and `watch`. Each returns the program's exit status.
+/// The commands of brimletctl. Each returns the program's exit status.
 namespace ctl {
 
-inline constexpr int kAnswered = 0;
-inline constexpr int kNothingToShow = 1;  ///< Also when something cannot be read or written.
-inline constexpr int kUsageError = 2;
-
-/// The sources of this user's data.
-struct Sources {
-    explicit Sources(const std::string& codexHome, ORVSessionWants wants = {},
-                     std::unique_ptr<ORVFiles> someFiles = platform::makeFiles())
-        : files(std::move(someFiles)),
-          session(*files, clock, codexHome, wants),
-          focus(*files, clock) {}
-
-    std::unique_ptr<ORVFiles> files;
-    ORVSystemClock clock;
-    ORVCodexSessionSource session;
-    ORVCodexFocusLogSource focus;
+/// The folder in which the agent keeps its files.
+struct CodexHome {
+    std::string path;    ///< Absolute, without a slash at its end.
+    std::string origin;  ///< Why it is this one, for a person: "named by $CODEX_HOME".
 };
 
-/// Answers with a fixed text.
-int showText(std::string_view text);
+/// Returns the folder that the option names, else $CODEX_HOME if that is an absolute path, else
+/// ".codex" in the home folder.
+CodexHome codexHome(const std::optional<std::string>& option);
 
-int showLatest(Sources& sources, const Arguments& arguments);
-int showTask(Sources& sources, const Arguments& arguments);
-int showHere(Sources& sources, const Arguments& arguments);
-int showFocus(Sources& sources, const Arguments& arguments);
-int showTitles(Sources& sources, const Arguments& arguments);
+/// A call with everything that it may need to be answered.
+struct Invocation {
+    Invocation(const Arguments& someArguments, CodexHome someHome)
+        : Invocation(someArguments, std::move(someHome), wantsOf(someArguments)) {}
 
-/// Shows all tasks (tasks.cpp).
-int showTasks(Sources& sources, const Arguments& arguments);
+    const Arguments& arguments;
+    const CodexHome home;
+    const std::unique_ptr<ORVFiles> files = platform::makeFiles();
+    const ORVSystemClock clock;
+    ORVTaskViewer viewer;
 
-/// Shows a task's history, drawn, as SVG or as JSON (history.cpp).
-int showHistory(Sources& sources, const Arguments& arguments);
+private:
+    Invocation(const Arguments& someArguments, CodexHome someHome, ORVTaskWants wants)
+        : arguments(someArguments),
+          home(std::move(someHome)),
+          viewer(*files, clock, home.path, wants) {}
+    static ORVTaskWants wantsOf(const Arguments& arguments);
+};
+
+// One task and lists (commands.cpp, tasks.cpp, history.cpp)
+
+int showTask(Invocation& invocation);  ///< latest, task, here
+int showTasks(Invocation& invocation);
+int showHistory(Invocation& invocation);
+int showLimits(Invocation& invocation);
+int showFocus(Invocation& invocation);
+int showTitles(Invocation& invocation);
 
 /// Answers one query a line until the input ends (query.cpp).
-int answerQueries(Sources& sources, std::FILE* input);
+int answerQueries(ORVTaskViewer& viewer, std::FILE* input);
 
-/// Writes the answer. Returns `status` if that succeeds, kAnswered if the reader has closed its
-/// end, which is no failure, and kNothingToShow if writing fails.
-int finish(std::string_view answer, int status);
+/// Shows every place that the program reads, what was found there, and what `watch` would show
+/// (doctor.cpp). Returns kAnswered when a task can be shown, else kNothingToShow.
+int doctor(Invocation& invocation, const ORVConfinement& confinement);
 
-/// Returns, for a person, why there is no snapshot: `whatIsMissing` unless something went wrong.
-std::string reason(Sources& sources, const ORVErrorSlot& error, const std::string& whatIsMissing);
+/// Run the whole application on this terminal, or as lines on standard output, until it is stopped
+/// (watch.cpp). When a read of a file hangs at that moment, the process is ended by _exit instead.
+int watch(const Arguments& arguments, const std::string& codexHome);
+int top(const Arguments& arguments, const std::string& codexHome);
+
+// What several commands need (reasons.cpp)
+
+/// Returns the task that is asked for, with the folder's path without links. Complains and returns
+/// none when the folder cannot be entered.
+std::optional<ORVShownTask> realTask(ORVFiles& files, const Arguments& arguments);
+std::optional<std::string> realFolder(ORVFiles& files, const std::string& folder);
+
+/// Complains that there is no task to show, why, and what to do.
+void explainAbsence(Invocation& invocation, const ORVTaskView& view);
+
+/// Complains of folders and files that may have changed an answer but could not be read.
+void tellOfUnreadable(Invocation& invocation);
 
 /// Returns, for a person, why no session files are found: the sessions folder is missing, or it may
 /// not be read.
-std::string reasonForNoSessions(Sources& sources);
+std::string reasonForNoSessions(Invocation& invocation);
 
-/// Returns the folder's path without links. Complains and returns none when the folder cannot be
-/// entered.
-std::optional<std::string> realFolder(ORVFiles& files, const std::string& folder);
+/// Returns why the index of titles, which exists, could not be read when it was last asked for; ""
+/// when it could, or there is none.
+std::string troubleWithTitles(Invocation& invocation);
+
+/// Whether text on this descriptor is to be coloured.
+bool isColoured(Colours colours, int descriptor);
+
+/// Whether TERM names no terminal that understands control sequences.
+bool terminalIsDumb();
+
+/// Returns the language of this system's user, which a command that stores nothing speaks; English
+/// where only ASCII can be shown.
+const ORVLanguage& systemLanguage(bool showsUnicode);
 
 }  // namespace ctl

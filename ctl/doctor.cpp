@@ -1,188 +1,290 @@
 // Looks at every place that the program reads, and distinguishes items that are missing from items
 // that may not be read. Tests: tests/ctl/brimletctl_test.cpp.
 
-#include "ctl/doctor.h"
-
 #include <algorithm>
 #include <cerrno>
 
-#include "app/age.h"
-#include "app/status_title.h"
-#include "ctl/answers.h"
+#include "app/figures.h"
+#include "app/rate_limits.h"
+#include "app/version.h"
+#include "ctl/commands.h"
+#include "ctl/output.h"
 #include "l10n/ORVLocalizer.h"
+#include "platform/program.h"
 #include "platform/user_defaults.h"
+#include "shells/lines/answer_text.h"
+#include "text/json_writing.h"
 #include "text/paths.h"
 #include "text/unicode.h"
 
 namespace ctl {
 namespace {
 
-/// What a walk found below a folder.
-struct Found {
-    std::size_t count = 0;
-    std::optional<ORVWalkedFile> newest;
-    ORVErrorSlot failure;   ///< The error of the folder itself, or of the first one below it.
-    bool isFolder = false;  ///< Whether the folder itself could be read.
+/// One thing that was looked at.
+struct Check {
+    std::string name;   ///< For scripts.
+    std::string label;  ///< For people.
+    std::optional<std::string> place;
+    std::string state;
+    std::string text;
 };
 
-class Examination {
+constexpr const char* kFound = "found";
+constexpr const char* kEmpty = "empty";
+constexpr const char* kMissing = "missing";
+
+/// Returns "missing" or "forbidden", or "broken" for any other error.
+std::string stateFor(const ORVErrorSlot& failure) {
+    if (!failure) {
+        return kFound;
+    }
+    return failure->code == ENOENT                               ? kMissing
+           : failure->code == EACCES || failure->code == EPERM ? "forbidden"
+                                                                 : "broken";
+}
+
+/// Returns "missing", or why something cannot be read; "" when it can.
+std::string trouble(const ORVErrorSlot& failure) {
+    if (!failure) {
+        return "";
+    }
+    return failure->code == ENOENT ? "missing" : "cannot be read: " + failure->description;
+}
+
+std::string counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string roomText(std::uint64_t bytes) {
+    static constexpr const char* kUnits[] = {"bytes", "KB", "MB", "GB", "TB"};
+    std::size_t unit = 0;
+    std::uint64_t number = bytes;
+    for (; number >= 10'000 && unit + 1 < std::size(kUnits); ++unit) {
+        number /= 1'000;
+    }
+    return std::to_string(number) + " " + kUnits[unit];
+}
+
+class Doctor {
 public:
-    Examination(Sources& sources, const CodexHome& home, const ORVConfinement& confinement)
-        : sources_(sources), home_(home), confinement_(confinement) {}
+    Doctor(Invocation& invocation, const ORVConfinement& confinement)
+        : invocation_(invocation),
+          viewer_(invocation.viewer),
+          files_(*invocation.files),
+          confinement_(confinement) {}
 
     int run() {
+        tell({"program", "Program", platform::programPath(), kFound, "version " BRIMLET_VERSION});
         lookAtCodexHome();
         lookAtSessions();
         lookAtTitles();
         lookAtUnreadSessions();
         lookAtLogs();
         lookAtFocus();
+        lookAtLimits();
         lookAtLanguage();
         lookAtConfinement();
-        conclude();
-        return finish(report_, canShow_ ? kAnswered : kNothingToShow);
+        lookAtMenuBar();
+        const std::string conclusion = conclude();
+        const int status = shown_ ? kAnswered : kNothingToShow;
+        return finish(invocation_.arguments.format == Format::json ? asJSON() : asText(conclusion),
+                      status);
     }
 
 private:
-    void tell(const std::string& what, const std::string& found) {
-        constexpr std::size_t kColumns = 15;
-        std::string label = what;
-        label.resize(std::max(label.size(), kColumns), ' ');
-        report_ += label + text::forTerminal(found) + '\n';
-    }
+    struct Walked {
+        std::size_t count = 0;
+        std::optional<ORVWalkedFile> newest;
+        ORVErrorSlot failure;   ///< The error of the folder itself, or of the first one below it.
+        bool isFolder = false;  ///< Whether the folder itself could be read.
+    };
 
-    Found walk(const std::string& folder, const ORVFiles::NameTest& wanted) {
-        Found found;
-        found.isFolder = sources_.files->walk(
+    void tell(Check check) { checks_.push_back(std::move(check)); }
+
+    Walked walk(const std::string& folder, const ORVFiles::NameTest& wanted) {
+        Walked walked;
+        walked.isFolder = files_.walk(
             folder, wanted,
             [&](ORVWalkedFile&& file) {
-                ++found.count;
-                if (!found.newest || file.modifiedAt > found.newest->modifiedAt) {
-                    found.newest = std::move(file);
+                ++walked.count;
+                if (!walked.newest || file.modifiedAt > walked.newest->modifiedAt) {
+                    walked.newest = std::move(file);
                 }
             },
-            [&](ORVError&& failure) { storeErrorIfEmpty(&found.failure, std::move(failure)); });
-        return found;
+            [&](ORVError&& failure) { storeErrorIfEmpty(&walked.failure, std::move(failure)); });
+        return walked;
     }
 
-    /// Returns "missing", or why something cannot be read; "" when it can.
-    static std::string trouble(const ORVErrorSlot& failure) {
-        if (!failure) {
-            return "";
-        }
-        return failure->code == ENOENT ? "missing" : "cannot be read: " + failure->description;
+    std::string ageOf(ORVFileDate date) const {
+        return app::ageText(app::age(date, invocation_.clock.now()));
     }
 
-    std::string described(const Found& found, const std::string& noun) {
-        if (!found.isFolder) {
-            return trouble(found.failure);
+    static std::string stateOf(const Walked& walked) {
+        return walked.isFolder ? walked.count > 0 ? kFound : kEmpty : stateFor(walked.failure);
+    }
+
+    std::string described(const Walked& walked, const std::string& noun) const {
+        if (!walked.isFolder) {
+            return trouble(walked.failure);
         }
-        std::string text = std::to_string(found.count) + " " + noun + (found.count == 1 ? "" : "s");
-        if (found.newest) {
-            text += ", the newest " + app::ageText(found.newest->modifiedAt, sources_.clock.now()) +
-                    " old";
-        }
-        return text + (found.failure ? "; a folder below it " + trouble(found.failure) : "");
+        return counted(walked.count, noun) +
+               (walked.newest ? ", the newest " + ageOf(walked.newest->modifiedAt) + " old" : "");
     }
 
     void lookAtCodexHome() {
-        const Found found = walk(home_.path, [](std::string_view) { return false; });
-        const std::string state = found.isFolder ? "" : ": " + trouble(found.failure);
-        tell("Codex home", home_.path + " (" + home_.origin + ")" + state);
+        const CodexHome& home = invocation_.home;
+        ORVErrorSlot failure;
+        (void)files_.openFolder(home.path, ORVFiles::Links::followed, &failure);
+        tell({"codexHome", "Codex home", home.path, stateFor(failure),
+              home.origin + (failure ? "; " + trouble(failure) : "")});
     }
 
     void lookAtSessions() {
-        sessions_ = walk(sources_.session.sessionsFolder(),
-                         [](std::string_view name) { return text::hasExtension(name, "jsonl"); });
-        tell("Sessions",
-             sources_.session.sessionsFolder() + ": " + described(sessions_, "session file"));
+        const std::string folder = viewer_.sessions().sessionsFolder();
+        sessions_ =
+            walk(folder, [](std::string_view name) { return text::hasExtension(name, "jsonl"); });
+        std::string text = described(sessions_, "session file");
+        viewer_.tasks().refresh(nullptr);
+        const auto unreadable = viewer_.tasks().tree().unreadable();
+        if (sessions_.isFolder && !unreadable.empty()) {
+            text += "; " + counted(unreadable.size(), "folder or file") +
+                    " below it cannot be read, the first: " + unreadable.front().path + ": " +
+                    unreadable.front().error.description;
+        }
+        tell({"sessions", "Sessions", folder, stateOf(sessions_), text + largestTasks()});
+    }
+
+    /// Returns how much room the session files take, and the tasks that take most of it.
+    std::string largestTasks() {
+        constexpr std::size_t kNamed = 3;
+        std::uint64_t all = 0;
+        std::vector<std::pair<std::uint64_t, std::string>> tasks;
+        for (const ORVTask& task : viewer_.tasks().matching("")) {
+            std::uint64_t bytes = 0;
+            for (const ORVWalkedFile& file : task.files) {
+                bytes += file.size;
+            }
+            all += bytes;
+            tasks.emplace_back(bytes, viewer_.tasks().shortIdentifier(task));
+        }
+        if (tasks.empty()) {
+            return "";
+        }
+        std::stable_sort(tasks.begin(), tasks.end(),
+                         [](const auto& a, const auto& b) { return a.first > b.first; });
+        tasks.resize(std::min(tasks.size(), kNamed));
+        std::string text = ", " + roomText(all) + "; the largest: ";
+        for (const auto& [bytes, name] : tasks) {
+            text += (text.ends_with(": ") ? "" : ", ") + name + " " + roomText(bytes);
+        }
+        return text;
     }
 
     void lookAtTitles() {
-        const std::string path = sources_.session.titleIndexPath();
-        const auto titles = sources_.session.threadTitles();
+        const auto titles = viewer_.sessions().threadTitles();
+        const std::string why = troubleWithTitles(invocation_);
         ORVErrorSlot failure;
-        if (titles.empty()) {
-            (void)sources_.files->openForReading(path, &failure);
-        }
-        const std::string count = std::to_string(titles.size());
-        tell("Titles", path + ": " +
-                           (failure ? trouble(failure)
-                                    : count + (titles.size() == 1 ? " title" : " titles")));
+        const std::string path = viewer_.sessions().titleIndexPath();
+        (void)files_.openForReading(path, &failure);
+        const std::string state = failure          ? stateFor(failure)
+                                  : !why.empty()   ? "broken"
+                                  : titles.empty() ? kEmpty
+                                                   : kFound;
+        tell({"titles", "Titles", path, state,
+              failure ? trouble(failure) : why.empty() ? counted(titles.size(), "title") : why});
     }
 
     void lookAtUnreadSessions() {
-        const Found compressed = walk(sources_.session.sessionsFolder(), [](std::string_view name) {
-            return text::hasExtension(name, "zst") || text::hasExtension(name, "gz") ||
-                   text::hasExtension(name, "zip");
-        });
-        const Found archived =
-            walk(home_.path + "/archived_sessions", [](std::string_view) { return true; });
-        tell("Not read", std::to_string(compressed.count) + " compressed session files, " +
-                             std::to_string(archived.count) + " archived ones");
+        const std::string archive = invocation_.home.path + "/archived_sessions";
+        const Walked compressed =
+            walk(viewer_.sessions().sessionsFolder(), [](std::string_view name) {
+                return text::hasExtension(name, "zst") || text::hasExtension(name, "gz") ||
+                       text::hasExtension(name, "zip");
+            });
+        const Walked archived = walk(archive, [](std::string_view) { return true; });
+        tell({"notRead", "Not read", archive,
+              compressed.count + archived.count > 0 ? kFound : kEmpty,
+              counted(compressed.count, "compressed session file") + ", " +
+                  std::to_string(archived.count) + " archived"});
     }
 
     void lookAtLogs() {
-        const std::string folder = sources_.focus.logsRoot();
-        const Found found =
+        const std::string folder = viewer_.focus().logsRoot();
+        const Walked logs =
             walk(folder, [](std::string_view name) { return text::hasExtension(name, "log"); });
-        tell("Desktop logs", folder + ": " + described(found, "log"));
+        tell({"logs", "Desktop logs", folder, stateOf(logs), described(logs, "log")});
     }
 
     void lookAtFocus() {
-        const ORVCodexFocusState focusState = sources_.focus.currentFocusStateWithError(nullptr);
-        tell("In view", focusText(focusState));
-        tell("Application",
-             sources_.focus.infoPlistPath() + ": " +
-                 (focusState.codexVersion() ? "version " + *focusState.codexVersion()
-                                            : std::string("no version was found there")));
-        if (focusState.status() == ORVCodexFocusStatusTaskInView) {
-            inView_ = sources_.session.snapshotForThreadID(*focusState.threadID(), nullptr);
-        }
+        inView_ = viewer_.view({});
+        const ORVCodexFocusState& focusState = *inView_.focusState;
+        tell({"inView", "In view", std::nullopt,
+              focusState.status() == ORVCodexFocusStatusTaskInView ? kFound : kEmpty,
+              lines::focusText(focusState)});
+        const auto& version = focusState.codexVersion();
+        tell({"application", "Application", viewer_.focus().infoPlistPath(),
+              version ? kFound : kMissing,
+              version ? "version " + *version : "no version was found there"});
+    }
+
+    void lookAtLimits() {
+        const auto limits = viewer_.accountLimits();
+        tell({"limits", "Rate limits", std::nullopt, limits ? kFound : kMissing,
+              limits ? app::rateLimitsText(limits->rateLimits, invocation_.clock.now()) + ", told " +
+                           ageOf(limits->date) + " ago"
+                     : "no session file tells of them"});
     }
 
     void lookAtLanguage() {
         const auto defaults = platform::standardUserDefaults([](const ORVStoringFailure&) {});
         const ORVLocalizer localizer(*defaults);
         const bool isChosen = localizer.languageMode() != ORVLanguageModeSystem;
-        tell("Language", localizer.languageName() +
-                             (isChosen ? ", as chosen; " : ", the system's; ") + "stored in " +
-                             platform::placeOfUserDefaults());
+        tell({"language", "Language", platform::placeOfUserDefaults(), isChosen ? kFound : kEmpty,
+              localizer.languageName() + (isChosen ? ", as chosen" : ", the system's")});
     }
 
     void lookAtConfinement() {
-        tell("Confinement",
-             std::string(confinement_.filtersCalls ? "the kernel allows no network and no programs"
-                                                   : "the kernel does not filter system calls") +
-                 (confinement_.limitsWriting ? ", and no writing of files"
-                                             : "; it does not limit writing to folders"));
+        const bool isWhole = confinement_.filtersCalls && confinement_.limitsWriting;
+        tell({"confinement", "Confinement", std::nullopt, isWhole ? kFound : kMissing,
+              std::string(confinement_.filtersCalls
+                              ? "the kernel allows no network and no programs"
+                              : "the kernel does not filter system calls") +
+                  (confinement_.limitsWriting ? ", and no writing of files"
+                                              : "; it does not limit writing to folders")});
     }
 
-    void conclude() {
-        ORVErrorSlot failure;
-        const auto latest = sources_.session.latestSnapshotWithError(&failure);
-        canShow_ = inView_ || latest;
-        const auto shown = [](const ORVSessionSnapshot& snapshot) {
-            return app::statusItemTitle(snapshot) + "  " + text::forTerminal(snapshot.title());
-        };
-        report_ += '\n';
-        if (inView_) {
-            report_ += "brimletctl watch shows: " + shown(*inView_) + '\n';
-        } else if (latest) {
-            report_ +=
-                "brimletctl watch shows no task, since none is in view in the desktop "
-                "application; brimletctl watch --latest shows: " +
-                shown(*latest) + '\n';
-        } else {
-            report_ += "brimletctl watch shows no task: " + reasonForNoTask(failure) + '\n';
+    void lookAtMenuBar() {
+        if (const auto menuBar = platform::menuBarProgram()) {
+            tell({"menuBar", "Menu bar", menuBar->place, menuBar->isRunning ? kFound : kMissing,
+                  menuBar->text});
         }
+    }
+
+    /// Finds out what `watch` would show, and returns it in a sentence.
+    std::string conclude() {
+        if (inView_.snapshot) {
+            shown_ = inView_.snapshot->threadID();
+            return "brimletctl watch shows: " + textOf(inView_);
+        }
+        const ORVTaskView latest = viewer_.view({ORVShownTask::Choice::latest, ""});
+        if (latest.snapshot) {
+            shown_ = latest.snapshot->threadID();
+            return "brimletctl watch shows no task, since none is in view in the desktop "
+                   "application; brimletctl watch --latest shows: " +
+                   textOf(latest);
+        }
+        return "brimletctl watch shows no task: " + reasonForNoTask(latest.error);
+    }
+
+    static std::string textOf(const ORVTaskView& view) {
+        return app::statusTitle(*view.snapshot).text() + "  " + view.snapshot->title();
     }
 
     std::string reasonForNoTask(const ORVErrorSlot& failure) {
         const std::string orAnotherHome = "or name the agent's home with --codex-home.";
         if (sessions_.newest) {
-            return "the newest session file " + text::forTerminal(sessions_.newest->path) + ' ' +
-                   trouble(failure) + "; make it readable, " + orAnotherHome;
+            return "the newest session file " + sessions_.newest->path + ' ' + trouble(failure) +
+                   "; make it readable, " + orAnotherHome;
         }
         if (sessions_.failure && sessions_.failure->code != ENOENT) {
             return "the session files " + trouble(sessions_.failure) + "; make them readable, " +
@@ -191,19 +293,47 @@ private:
         return "there is no session file; run the agent once, " + orAnotherHome;
     }
 
-    Sources& sources_;
-    const CodexHome& home_;
+    std::string asText(const std::string& conclusion) const {
+        constexpr std::size_t kColumns = 15;
+        std::string report;
+        for (const Check& check : checks_) {
+            std::string label = check.label;
+            label.resize(std::max(label.size(), kColumns), ' ');
+            report += label + text::forTerminal((check.place ? *check.place + ": " : "") +
+                                                check.text) +
+                      '\n';
+        }
+        return report + '\n' + text::forTerminal(conclusion) + '\n';
+    }
+
+    std::string asJSON() const {
+        std::string checks;
+        for (const Check& check : checks_) {
+            checks += (checks.empty() ? "" : ",") +
+                      text::objectJSON({{"name", text::quotedJSON(check.name)},
+                                        {"place", text::quotedJSONOrNull(check.place)},
+                                        {"state", text::quotedJSON(check.state)},
+                                        {"text", text::quotedJSON(check.text)}});
+        }
+        return text::objectJSON({{"checks", "[" + checks + "]"},
+                                 {"task", text::quotedJSONOrNull(shown_)}}) +
+               '\n';
+    }
+
+    Invocation& invocation_;
+    ORVTaskViewer& viewer_;
+    ORVFiles& files_;
     const ORVConfinement& confinement_;
-    std::string report_;
-    Found sessions_;
-    std::optional<ORVSessionSnapshot> inView_;
-    bool canShow_ = false;
+    std::vector<Check> checks_;
+    Walked sessions_;
+    ORVTaskView inView_;
+    std::optional<std::string> shown_;  ///< The task that `watch` or `watch --latest` shows.
 };
 
 }  // namespace
 
-int examine(Sources& sources, const CodexHome& home, const ORVConfinement& confinement) {
-    return Examination(sources, home, confinement).run();
+int doctor(Invocation& invocation, const ORVConfinement& confinement) {
+    return Doctor(invocation, confinement).run();
 }
 
 }  // namespace ctl

@@ -4,86 +4,77 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 
-#include "ctl/answers.h"
-#include "ctl/coloring.h"
+#include "app/compaction_ledger.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "shells/history/history_plot.h"
 #include "shells/history/history_svg.h"
-#include "shells/terminal/screen_size.h"
-#include "text/json_writing.h"
+#include "shells/lines/answer_json.h"
+#include "shells/terminal/drawing.h"
+#include "shells/terminal/table.h"
 
 namespace ctl {
 namespace {
 
-std::string eventJSON(const ORVHistoryEvent& event) {
-    const std::string at = event.at.empty() ? "null" : text::quotedJSON(event.at);
-    if (event.isCompaction()) {
-        return text::objectJSON({{"at", at}, {"compaction", "true"}});
-    }
-    return text::objectJSON({{"at", at},
-                             {"inputTokens", std::to_string(event.usage->inputTokens())},
-                             {"contextWindow", std::to_string(event.usage->contextWindow())},
-                             {"percentage", text::numberJSON(event.usage->percentage())}});
-}
-
-std::string historyJSON(const std::optional<ORVSessionSnapshot>& snapshot,
-                        const ORVHistory& history) {
-    std::string points;
-    for (const ORVHistoryEvent& event : history) {
-        points += (points.empty() ? "" : ",") + eventJSON(event);
-    }
-    const auto orNull = [&](const std::string& text) {
-        return snapshot ? text::quotedJSON(text) : "null";
-    };
-    return text::objectJSON({{"threadID", orNull(snapshot ? snapshot->threadID() : "")},
-                             {"title", orNull(snapshot ? snapshot->title() : "")},
-                             {"points", "[" + points + "]"}}) +
-           '\n';
-}
-
-std::string drawnHistory(const ORVSessionSnapshot& snapshot, const ORVHistory& history,
-                         bool isColored) {
+/// Draws the plot with the ledger below it: on a terminal as much as has room, elsewhere all of the
+/// ledger.
+std::string drawn(const Invocation& invocation, const ORVTaskView& view,
+                  const ORVHistory& history, const std::vector<app::Compaction>& compactions) {
     constexpr int kMostRows = 16;
+    constexpr int kOtherRows = 3;  // The head, the prompt before it, and the prompt after it.
+    const bool isTerminal = isatty(STDOUT_FILENO) != 0;
     const terminal::Screen screen = terminal::screenOfOutput();
-    std::string text = snapshotText(snapshot, isColored) + '\n';
-    const history::PlotSize size{screen.columns, std::clamp(screen.rows - 4, 4, kMostRows),
-                                 screen.showsUnicode};
-    for (const history::PlotRow& row : history::plot(history, size)) {
-        const bool hasColor = isColored && row.level;
-        text +=
-            row.label + (hasColor ? coloredByPercentage(row.text, *row.level) : row.text) + '\n';
+    const int forPlot = std::clamp(screen.rows - kOtherRows - 1, 4, kMostRows);
+    std::vector<terminal::Row> rows = {terminal::taskRow(view)};
+    terminal::show(rows.front(), screen);
+    for (terminal::Row& row : terminal::plotRows(history, forPlot, screen)) {
+        rows.push_back(std::move(row));
+    }
+    const int most = isTerminal
+                         ? std::max(0, screen.rows - kOtherRows - static_cast<int>(rows.size()))
+                         : std::numeric_limits<int>::max();
+    for (terminal::Row& row : terminal::ledgerRows(compactions, most, screen)) {
+        rows.push_back(std::move(row));
+    }
+    std::string text;
+    for (const terminal::Row& row : rows) {
+        text += terminal::line(row, isColoured(invocation.arguments.colours, STDOUT_FILENO));
     }
     return text;
 }
 
 }  // namespace
 
-int showHistory(Sources& sources, const Arguments& arguments) {
-    ORVErrorSlot error;
-    const auto snapshot = arguments.hasThreadID
-                              ? sources.session.snapshotForThreadID(arguments.threadID, &error)
-                              : sources.session.latestSnapshotWithError(&error);
-    if (!snapshot) {
-        complain(reason(sources, error,
-                        arguments.hasThreadID
-                            ? "there is no session file of the task " + arguments.threadID
-                            : "there is no session file in " + sources.session.sessionsFolder()));
-        return arguments.format == Format::json ? finish(historyJSON(snapshot, {}), kNothingToShow)
-                                                : kNothingToShow;
+int showHistory(Invocation& invocation) {
+    const Arguments& arguments = invocation.arguments;
+    const bool isJSON = arguments.format == Format::json;
+    const auto task = realTask(*invocation.files, arguments);
+    const ORVTaskView view = task ? invocation.viewer.view(*task) : ORVTaskView();
+    if (task && !view.snapshot) {
+        explainAbsence(invocation, view);
     }
-    const auto history = sources.session.historyForThreadID(snapshot->threadID());
+    tellOfUnreadable(invocation);
+    if (!view.snapshot) {
+        return isJSON ? finish(json::historyAnswer(view, {}, {}) + '\n', kNothingToShow)
+                      : kNothingToShow;
+    }
+    ORVHistory history = view.history ? *view.history : ORVHistory();
+    std::vector<app::Compaction> compactions = app::compactionsOf(history);
+    if (arguments.since) {
+        app::leaveOutOlder(
+            std::chrono::floor<std::chrono::seconds>(invocation.clock.now() - *arguments.since),
+            history, compactions);
+    }
     switch (arguments.format) {
         case Format::json:
-            return finish(historyJSON(snapshot, *history), kAnswered);
+            return finish(json::historyAnswer(view, history, compactions) + '\n', kAnswered);
         case Format::svg:
-            return finish(history::svg(*history, snapshot->title()), kAnswered);
+            return finish(history::svg(history, view.snapshot->title()), kAnswered);
         default:
-            break;
+            return finish(drawn(invocation, view, history, compactions), kAnswered);
     }
-    return finish(drawnHistory(*snapshot, *history, isColored(arguments.coloring, STDOUT_FILENO)),
-                  kAnswered);
 }
 
 }  // namespace ctl

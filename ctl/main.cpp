@@ -3,21 +3,18 @@
 
 #include <signal.h>
 #include <stdlib.h>
+#include <unistd.h>
 
-#include <limits>
 #include <new>
 #include <string>
 #include <vector>
 
 #include "app/version.h"
 #include "ctl/arguments.h"
-#include "ctl/codex_home.h"
 #include "ctl/command_table.h"
 #include "ctl/commands.h"
-#include "ctl/doctor.h"
 #include "ctl/output.h"
 #include "ctl/revision.h"
-#include "ctl/watch.h"
 #include "platform/confinement.h"
 #include "platform/home_folder.h"
 #include "platform/memory.h"
@@ -27,7 +24,7 @@ namespace {
 
 using ctl::Call;
 
-/// Gives up every right that the call does not need. Only `watch` stores a setting.
+/// Gives up every right that the call does not need. Only the menu stores a setting.
 ORVConfinement confineProcess(Call call) {
     // Looking up the home folder may need a socket, so it is done once, before sockets are given
     // up.
@@ -35,7 +32,7 @@ ORVConfinement confineProcess(Call call) {
     if (!home.empty()) {
         setenv("HOME", home.c_str(), 1);
     }
-    const bool stores = call == Call::watch;
+    const bool stores = call == Call::watch || call == Call::top;
     return platform::confineProcess(stores ? platform::foldersOfUserDefaults()
                                            : std::vector<std::string>());
 }
@@ -43,37 +40,34 @@ ORVConfinement confineProcess(Call call) {
 int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {
     switch (arguments.call) {
         case Call::help:
-            return ctl::showText(ctl::helpText(arguments.helpTopic));
+            return ctl::finish(ctl::helpText(arguments.helpTopic), ctl::kAnswered);
         case Call::version:
-            return ctl::showText("brimletctl " BRIMLET_VERSION BRIMLET_REVISION "\n");
+            return ctl::finish("brimletctl " BRIMLET_VERSION BRIMLET_REVISION "\n", ctl::kAnswered);
+        case Call::watch:
+            return ctl::watch(arguments, ctl::codexHome(arguments.codexHome).path);
+        case Call::top:
+            return ctl::top(arguments, ctl::codexHome(arguments.codexHome).path);
         default:
             break;
     }
-    const ctl::CodexHome home = ctl::codexHome(arguments.codexHome);
-    if (arguments.call == Call::watch) {
-        return ctl::watch(arguments, home.path);
-    }
-    constexpr std::size_t kWholeHistory = std::numeric_limits<std::size_t>::max();
-    ctl::Sources sources(home.path, {arguments.call == Call::history ? kWholeHistory : 0});
+    ctl::Invocation invocation(arguments, ctl::codexHome(arguments.codexHome));
     switch (arguments.call) {
-        case Call::latest:
-            return ctl::showLatest(sources, arguments);
-        case Call::task:
-            return ctl::showTask(sources, arguments);
-        case Call::here:
-            return ctl::showHere(sources, arguments);
         case Call::tasks:
-            return ctl::showTasks(sources, arguments);
+            return ctl::showTasks(invocation);
         case Call::history:
-            return ctl::showHistory(sources, arguments);
+            return ctl::showHistory(invocation);
+        case Call::limits:
+            return ctl::showLimits(invocation);
         case Call::focus:
-            return ctl::showFocus(sources, arguments);
+            return ctl::showFocus(invocation);
         case Call::titles:
-            return ctl::showTitles(sources, arguments);
+            return ctl::showTitles(invocation);
         case Call::doctor:
-            return ctl::examine(sources, home, confinement);
+            return ctl::doctor(invocation, confinement);
+        case Call::query:
+            return ctl::answerQueries(invocation.viewer, stdin);
         default:
-            return ctl::answerQueries(sources, stdin);
+            return ctl::showTask(invocation);
     }
 }
 
@@ -87,7 +81,8 @@ int main(int count, char** values) {
     signal(SIGXFSZ, SIG_IGN);
     platform::returnFreedMemory();
     try {
-        const auto parsed = ctl::parseArguments(count, values);
+        const auto parsed = ctl::parseArguments(
+            count, values, isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0);
         const auto* arguments = std::get_if<ctl::Arguments>(&parsed);
         const ORVConfinement confinement = confineProcess(arguments ? arguments->call : Call::help);
         if (arguments) {

@@ -55,17 +55,43 @@ WriteResult writeOutput(std::string_view bytes) {
     return WriteResult::failed;
 }
 
+int finish(std::string_view answer, int status) {
+    switch (writeOutput(answer)) {
+        case WriteResult::written:
+            return status;
+        case WriteResult::readerLeft:
+            return kAnswered;
+        case WriteResult::failed:
+            break;
+    }
+    return kNothingToShow;
+}
+
 void complain(std::string_view text) {
+    note("brimletctl: " + std::string(text));
+}
+
+void note(std::string_view text) {
+    // A pipe that is ready takes so many bytes without waiting, on every system.
+    constexpr std::size_t kAtOnce = 512;
     if (!platform::isWritable(STDERR_FILENO, 0)) {
         return;
     }
-    writeAll(STDERR_FILENO, "brimletctl: " + text::forTerminal(text) + '\n');
+    std::string line = text::forTerminal(text);
+    if (line.size() >= kAtOnce) {
+        constexpr std::string_view kEllipsis = "…";
+        line.resize(kAtOnce - 1 - kEllipsis.size());
+        line = std::string(text::wholeCharacters(line)) + std::string(kEllipsis);
+    }
+    line += '\n';
+    [[maybe_unused]] const ssize_t ignored = write(STDERR_FILENO, line.data(), line.size());
 }
 
 void explainMistake(const Mistake& mistake) {
     complain(mistake.text);
+    const bool isAboutCommand = !mistake.command.empty() && mistake.command != "help";
     writeAll(STDERR_FILENO, "Try: brimletctl help" +
-                                (mistake.command.empty() ? "" : " " + mistake.command) + '\n');
+                                (isAboutCommand ? " " + mistake.command : "") + '\n');
 }
 
 }  // namespace ctl

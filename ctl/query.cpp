@@ -6,10 +6,9 @@
 #include <new>
 #include <optional>
 
-#include "app/refresh_step.h"
-#include "ctl/answers.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "shells/lines/answer_json.h"
 #include "text/json_writing.h"
 
 namespace ctl {
@@ -19,47 +18,49 @@ namespace {
 constexpr std::size_t kLongestQuery = 1024 * 1024;
 
 std::string unknownQuery() {
-    return text::objectJSON({{"error", errorJSON(ORVError{"brimletctl", 2, "unknown query"})}});
+    return json::errorAnswer({"brimletctl", 2, "unknown query"});
 }
 
-std::string answer(Sources& sources, const std::string& query) {
+std::string answer(ORVTaskViewer& viewer, const std::string& query) {
     constexpr std::string_view kTask = "task ";
     if (query.size() > kLongestQuery) {
         return unknownQuery();
     }
+    ORVCodexSessionSource& sessions = viewer.sessions();
     ORVErrorSlot error;
     if (query == "focus") {
-        const ORVCodexFocusState focusState = sources.focus.currentFocusStateWithError(&error);
-        return focusAnswer(focusState, error);
+        const ORVCodexFocusState focusState = viewer.focus().currentFocusStateWithError(&error);
+        return json::focusAnswer(focusState, error);
     }
     if (query == "latest") {
-        const auto snapshot = sources.session.latestSnapshotWithError(&error);
-        return snapshotAnswer(snapshot, error);
+        const auto snapshot = sessions.latestSnapshotWithError(&error);
+        return json::snapshotAnswer(snapshot, error);
     }
     if (query.starts_with(kTask)) {
-        const auto snapshot =
-            sources.session.snapshotForThreadID(query.substr(kTask.size()), &error);
-        return snapshotAnswer(snapshot, error);
+        const auto snapshot = sessions.snapshotForThreadID(query.substr(kTask.size()), &error);
+        return json::snapshotAnswer(snapshot, error);
     }
     if (query == "titles") {
-        return titlesAnswer(sources.session.threadTitles());
+        return json::titlesAnswer(sessions.threadTitles());
     }
     if (query == "refresh") {
-        const ORVRefreshResults results = app::refreshOfTaskInView(sources.focus, sources.session);
-        return text::objectJSON({{"focus", focusJSON(results.focusState)},
-                                 {"snapshot", snapshotJSON(results.snapshot)},
-                                 {"error", errorJSON(results.error)}});
+        const ORVTaskView view = viewer.view({});
+        return view.focusState
+                   ? text::objectJSON({{"focus", json::focus(*view.focusState)},
+                                       {"snapshot", json::snapshot(view.snapshot)},
+                                       {"error", json::error(view.error)}})
+                   : json::errorAnswer(*view.error);
     }
     return unknownQuery();
 }
 
 /// The sources handle a file that is too large for the memory. This is for everything else, such as
 /// an answer of very many titles.
-std::string answerWithinMemory(Sources& sources, const std::string& query) {
+std::string answerWithinMemory(ORVTaskViewer& viewer, const std::string& query) {
     try {
-        return answer(sources, query);
+        return answer(viewer, query);
     } catch (const std::bad_alloc&) {
-        return text::objectJSON({{"error", errorJSON(platform::posixError(ENOMEM))}});
+        return json::errorAnswer(platform::posixError(ENOMEM));
     }
 }
 
@@ -81,9 +82,9 @@ std::optional<std::string> nextLine(std::FILE* input) {
 
 }  // namespace
 
-int answerQueries(Sources& sources, std::FILE* input) {
+int answerQueries(ORVTaskViewer& viewer, std::FILE* input) {
     while (const auto query = nextLine(input)) {
-        const WriteResult result = writeOutput(answerWithinMemory(sources, *query) + '\n');
+        const WriteResult result = writeOutput(answerWithinMemory(viewer, *query) + '\n');
         if (result != WriteResult::written) {
             return result == WriteResult::readerLeft ? kAnswered : kNothingToShow;
         }

@@ -1,33 +1,19 @@
-// Shows all tasks. Tests: tests/ctl/brimletctl_test.cpp, tests/sessions/tasks_test.cpp.
+// Shows a list of tasks. Tests: tests/ctl/brimletctl_test.cpp.
 
 #include <signal.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
-#include <span>
 #include <utility>
-#include <vector>
 
-#include "app/age.h"
-#include "app/status_title.h"
-#include "ctl/answers.h"
-#include "ctl/coloring.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "ctl/task_table.h"
-#include "text/json_writing.h"
-#include "text/unicode.h"
+#include "shells/lines/answer_json.h"
+#include "shells/lines/answer_text.h"
+#include "shells/terminal/table.h"
 
 namespace ctl {
 namespace {
-
-/// The answer for one task.
-struct ReadTask {
-    std::optional<ORVSessionSnapshot> snapshot;
-    std::optional<std::string> folder;
-    ORVErrorSlot error;
-};
 
 constexpr std::string_view kClearLine = "\r\x1b[K";
 
@@ -38,11 +24,10 @@ void clearProgressAndDie(int signalNumber) {
     raise(signalNumber);
 }
 
-/// Tells a person at a terminal how many tasks have been read.
+/// Tells a person at a terminal how many tasks have been read, once that takes long.
 class Progress {
 public:
-    explicit Progress(std::size_t total)
-        : total_(total), isWanted_(isatty(STDERR_FILENO) != 0 && !terminalIsDumb()) {}
+    Progress() : isWanted_(isatty(STDERR_FILENO) != 0 && !terminalIsDumb()) {}
     ~Progress() {
         if (isShown_) {
             write(std::string(kClearLine));
@@ -51,18 +36,18 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    void show(std::size_t done) {
+    void show(std::size_t done, std::size_t total) {
         constexpr std::chrono::milliseconds kStep(100);
         const auto now = std::chrono::steady_clock::now();
         if (!isWanted_ || now < next_) {
             return;
         }
-        next_ = now + kStep;
         if (!std::exchange(isShown_, true)) {
             signal(SIGINT, clearProgressAndDie);
             signal(SIGTERM, clearProgressAndDie);
         }
-        write("\rReading tasks: " + std::to_string(done) + " of " + std::to_string(total_));
+        next_ = now + kStep;
+        write("\rReading tasks: " + std::to_string(done) + " of " + std::to_string(total));
     }
 
 private:
@@ -72,107 +57,83 @@ private:
 
     static constexpr std::chrono::milliseconds kPatience{500};
 
-    const std::size_t total_;
     const bool isWanted_;
     bool isShown_ = false;
-    std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + kPatience;
+    std::chrono::steady_clock::time_point next_ =
+        std::chrono::steady_clock::now() + kPatience;
 };
 
-/// Reads the tasks some hundreds at a time, so that memory does not grow with their number.
-std::vector<ReadTask> readTasks(std::span<const ORVTask> tasks, ORVCodexSessionSource& source) {
-    constexpr std::size_t kTasksAtOnce = 500;
-    std::vector<ReadTask> results;
-    Progress progress(tasks.size());
-    while (!tasks.empty()) {
-        const auto some = tasks.first(std::min(tasks.size(), kTasksAtOnce));
-        source.readWorkingFoldersAhead(some);
-        source.readAhead(some, [&](std::size_t files) {
-            progress.show(results.size() + std::min(files, some.size()));
-        });
-        for (const ORVTask& task : some) {
-            ReadTask& result = results.emplace_back();
-            result.snapshot = source.snapshotForTask(task, &result.error);
-            result.folder = source.workingFolderForTask(task);
-        }
-        source.forgetFiles();
-        tasks = tasks.subspan(some.size());
-    }
-    return results;
-}
-
-std::string tabbedLine(const ReadTask& task) {
-    const ORVSessionSnapshot& snapshot = *task.snapshot;
-    return app::statusItemTitle(snapshot) + '\t' + utcText(snapshot.lastUpdated()) + '\t' +
-           text::forTerminal(task.folder.value_or("--")) + '\t' +
-           text::forTerminal(snapshot.title()) + '\t' + text::forTerminal(snapshot.threadID()) +
-           '\n';
-}
-
-std::string tasksJSON(const std::vector<ReadTask>& tasks) {
-    std::string list;
-    for (const ReadTask& task : tasks) {
-        list += (list.empty() ? "" : ",") + taskJSON(*task.snapshot, task.folder);
-    }
-    return text::objectJSON({{"tasks", "[" + list + "]"}}) + '\n';
-}
-
-std::string tasksText(const std::vector<ReadTask>& tasks, const Arguments& arguments,
-                      Sources& sources) {
+std::string tableOf(const Invocation& invocation, const ORVTaskListView& list) {
+    const terminal::Screen screen = terminal::screenOfOutput();
+    const bool coloured = isColoured(invocation.arguments.colours, STDOUT_FILENO);
     std::string text;
-    if (arguments.format == Format::ownTemplate) {
-        for (const ReadTask& task : tasks) {
-            text += filledTemplate(*arguments.ownTemplate, *task.snapshot, sources) + '\n';
-        }
+    if (list.tasks.empty()) {
         return text;
     }
-    if (!isatty(STDOUT_FILENO)) {
-        for (const ReadTask& task : tasks) {
-            text += tabbedLine(task);
-        }
-        return text;
+    for (const terminal::Row& row : terminal::table(
+             list.tasks, 0, list.tasks.size(),
+             {systemLanguage(screen.showsUnicode).words, invocation.clock.now()}, screen)) {
+        text += terminal::line(row, coloured);
     }
-    std::vector<TaskRow> rows;
-    rows.reserve(tasks.size());
-    for (const ReadTask& task : tasks) {
-        rows.push_back({*task.snapshot, task.folder.value_or("")});
-    }
-    return taskTable(rows, sources.clock.now(), isColored(arguments.coloring, STDOUT_FILENO));
+    return text;
 }
 
-void leaveOut(std::vector<ORVTask>& tasks, const Arguments& arguments, ORVClock::TimePoint now) {
-    if (arguments.since) {
-        std::erase_if(tasks, [&](const ORVTask& task) {
-            return app::age(task.newestFile().modifiedAt, now) > *arguments.since;
-        });
+std::string textOf(const Invocation& invocation, const ORVTaskListView& list) {
+    const Arguments& arguments = invocation.arguments;
+    if (arguments.format == Format::json) {
+        return json::tasksAnswer(list) + '\n';
     }
-    if (arguments.limit > 0 && tasks.size() > arguments.limit) {
-        tasks.resize(arguments.limit);
+    if (arguments.format == Format::text && isatty(STDOUT_FILENO)) {
+        return tableOf(invocation, list);
     }
+    std::string text;
+    for (const ORVTaskView& view : list.tasks) {
+        text += arguments.ownTemplate
+                    ? lines::filledTemplate(*arguments.ownTemplate, view, invocation.clock.now(),
+                                            systemLanguage(true).timeFormat) +
+                          '\n'
+                    : lines::tabbedTask(view, arguments.list.showsHelpers);
+    }
+    return text;
 }
 
 }  // namespace
 
-int showTasks(Sources& sources, const Arguments& arguments) {
-    auto tasks = sources.session.tasksWithError(nullptr);
+int showTasks(Invocation& invocation) {
+    const Arguments& arguments = invocation.arguments;
+    ORVListRequest request = arguments.list;
+    request.countsHelpers = arguments.format == Format::json ||
+                            (arguments.format == Format::text && isatty(STDOUT_FILENO));
+    ORVTaskListView list;
     int status = kAnswered;
-    if (!tasks) {
-        complain(reasonForNoSessions(sources));
-        status = kNothingToShow;
-        tasks.emplace();
+    if (arguments.isHere) {
+        request.folder = realFolder(*invocation.files, arguments.folder);
+        if (!request.folder) {
+            return arguments.format == Format::json
+                       ? finish(json::tasksAnswer(list) + '\n', kNothingToShow)
+                       : kNothingToShow;
+        }
     }
-    leaveOut(*tasks, arguments, sources.clock.now());
-    std::vector<ReadTask> read = readTasks(*tasks, sources.session);
-    for (std::size_t i = 0; i < read.size(); ++i) {
-        if (!read[i].snapshot) {
-            complain("cannot read the task " + (*tasks)[i].threadID +
-                     (read[i].error ? ": " + read[i].error->description : ""));
+    {
+        Progress progress;
+        list = invocation.viewer.list(
+            request, ORVTaskViewer::Memory::freed,
+            [&](std::size_t done, std::size_t total) { progress.show(done, total); });
+    }
+    if (!list.hasSessionsFolder) {
+        complain(reasonForNoSessions(invocation) + "; try: brimletctl doctor");
+        status = kNothingToShow;
+    }
+    for (const ORVTaskView& view : list.tasks) {
+        if (!view.snapshot) {
+            complain("cannot read the task " + view.threadID +
+                     (view.error ? ": " + view.error->description : ""));
             status = kNothingToShow;
         }
     }
-    std::erase_if(read, [](const ReadTask& task) { return !task.snapshot; });
-    return finish(
-        arguments.format == Format::json ? tasksJSON(read) : tasksText(read, arguments, sources),
-        status);
+    std::erase_if(list.tasks, [](const ORVTaskView& view) { return !view.snapshot; });
+    tellOfUnreadable(invocation);
+    return finish(textOf(invocation, list), status);
 }
 
 }  // namespace ctl

@@ -1,32 +1,36 @@
-// Runs the application with the menu on a terminal, else with lines of text, JSON, Waybar's JSON or
-// the user's template. Tests: tests/ctl/brimletctl_test.cpp.
-
-#include "ctl/watch.h"
+// Runs the application: `watch` with the menu on a terminal, else with lines of text, JSON, Waybar's
+// JSON or the user's template; `top` with a table on the whole terminal, else with JSON.
+// Tests: tests/ctl/brimletctl_test.cpp, tests/shells/terminal_test.cpp.
 
 #include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "ctl/coloring.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "shells/ORVCommandInput.h"
-#include "shells/ORVLineSurface.h"
 #include "shells/ORVPosixApplication.h"
-#include "shells/json/status_item_json.h"
-#include "shells/json/waybar_json.h"
-#include "shells/terminal/ORVTerminalMenu.h"
+#include "shells/lines/ORVCommandInput.h"
+#include "shells/lines/ORVLineSurface.h"
+#include "shells/lines/answer_json.h"
+#include "shells/lines/status_item_json.h"
+#include "shells/terminal/ORVMenuPage.h"
+#include "shells/terminal/ORVTopPage.h"
 #include "text/unicode.h"
 
 namespace ctl {
 namespace {
 
-/// More events than any terminal has columns.
-constexpr std::size_t kEventsOfAPlot = 4096;
+/// More events than all but the longest histories have: what is left out, the ledger cannot tell.
+constexpr std::size_t kEventsOfAPlot = 50'000;
+
+/// So many tasks are read before a list is shown with what is known.
+constexpr std::size_t kReadAtOnce = 64;
+
+using Settings = ORVPosixHost::Settings;
 
 void performCommand(ORVAppDelegate& delegate, const std::string& line) {
     constexpr std::string_view kChoose = "choose ";
@@ -40,12 +44,11 @@ void performCommand(ORVAppDelegate& delegate, const std::string& line) {
 }
 
 std::string filledTemplate(const ORVTemplate& ownTemplate, const ORVAppDelegate& delegate) {
-    const auto& snapshot = delegate.lastSnapshot();
+    const auto& view = delegate.lastView();
     ORVTemplateValues values;
     values.status = delegate.statusItem().title;
-    values.snapshot = snapshot ? &*snapshot : nullptr;
+    values.view = view ? &*view : nullptr;
     values.titleWithoutTask = delegate.focusLine().empty() ? "--" : delegate.focusLine();
-    values.folder = delegate.lastFolder();
     values.now = ORVSystemClock().now();
     values.timeFormat = delegate.timeFormat();
     return ownTemplate.filled(values);
@@ -67,20 +70,31 @@ std::string lineFor(const Arguments& arguments, const ORVAppDelegate& delegate) 
     return text::forTerminal(delegate.statusLine());
 }
 
-void complainOfOutput(int failure) {
-    complain("cannot write the output: " + platform::posixError(failure).description);
-}
-
 /// Whether a person sees the lines and can type here.
 bool hasPersonAtLines() {
     return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) && tcgetpgrp(STDIN_FILENO) == getpgrp();
 }
 
-int watchAsLines(const Arguments& arguments, ORVPosixHost::Settings settings) {
+bool isOnTerminal(const Arguments& arguments) {
+    return arguments.format == Format::text && isatty(STDOUT_FILENO) && isatty(STDIN_FILENO) &&
+           ORVTerminal::isPossible();
+}
+
+int runAsLines(ORVPosixApplication& application, std::function<std::string()> line) {
+    ORVLineSurface surface(application.runLoop(), STDOUT_FILENO, std::move(line),
+                           [&](int failure) {
+                               if (failure != 0) {
+                                   complain("cannot write the output: " +
+                                            platform::posixError(failure).description);
+                               }
+                               application.runLoop().stop(failure == 0 ? kAnswered
+                                                                       : kNothingToShow);
+                           });
+    return application.run(surface);
+}
+
+int watchAsLines(const Arguments& arguments, Settings settings) {
     ORVPosixApplication application(std::move(settings), complain);
-    ORVLineSurface surface(
-        application, STDOUT_FILENO, [&] { return lineFor(arguments, application.delegate()); },
-        complainOfOutput);
     std::optional<ORVCommandInput> input;
     if (arguments.format == Format::json) {
         input.emplace(application.runLoop(), STDIN_FILENO, [&](const std::string& line) {
@@ -94,12 +108,28 @@ int watchAsLines(const Arguments& arguments, ORVPosixHost::Settings settings) {
             }
         });
     }
-    return application.run(surface);
+    return runAsLines(application, [&] { return lineFor(arguments, application.delegate()); });
 }
 
-int watchAsMenu(const Arguments& arguments, ORVPosixHost::Settings settings) {
-    settings.request.eventsPerFile = kEventsOfAPlot;
-    // Complaints wait until the menu has left the screen.
+/// Writes the list of tasks whenever it has changed and is whole.
+int topAsLines(Settings settings) {
+    ORVPosixApplication application(std::move(settings), complain);
+    std::string line;
+    std::shared_ptr<const ORVTaskListView> written;
+    return runAsLines(application, [&] {
+        const auto& list = application.delegate().lastList();
+        if (list && list->isComplete && list != written) {
+            written = list;
+            line = json::tasksAnswer(*list);
+        }
+        return line;
+    });
+}
+
+/// Runs the application with a page on the whole terminal.
+template <typename Page>
+int runOnTerminal(const Arguments& arguments, Settings settings) {
+    // Complaints wait until the terminal is itself again.
     std::vector<std::string> complaints;
     ORVPosixApplication application(std::move(settings), [&](const std::string& complaint) {
         complaints.push_back(complaint);
@@ -108,13 +138,19 @@ int watchAsMenu(const Arguments& arguments, ORVPosixHost::Settings settings) {
     for (const int signalNumber : {SIGWINCH, SIGCONT}) {
         ORVPosixApplication::redrawOn(signalNumber);
     }
-    ORVTerminalMenu menu(application.delegate(), isColored(arguments.coloring, STDOUT_FILENO));
+    ORVTerminal terminal(isColoured(arguments.colours, STDOUT_FILENO));
+    ORVPosixApplication::endAtOnceIf(ORVTerminal::endIfStuck);
+    if (!terminal.screen().showsUnicode) {
+        application.delegate().showOnlyEnglish();
+    }
+    Page page(application.delegate());
+    ORVTerminalSurface surface(terminal, page);
     application.runLoop().watch(STDIN_FILENO, ORVPosixRunLoop::Interest::readable, [&] {
-        if (!menu.readKeys()) {
+        if (!terminal.readKeys([&](int key) { page.pressed(key); })) {
             application.runLoop().stop(kAnswered);
         }
     });
-    const int status = application.run(menu);
+    const int status = application.run(surface);
     std::for_each(complaints.begin(), complaints.end(), complain);
     return status;
 }
@@ -122,20 +158,50 @@ int watchAsMenu(const Arguments& arguments, ORVPosixHost::Settings settings) {
 }  // namespace
 
 int watch(const Arguments& arguments, const std::string& codexHome) {
-    ORVPosixHost::Settings settings{codexHome, {}};
-    settings.request.task = arguments.shownTask;
-    settings.request.wantsFolder = arguments.ownTemplate && arguments.ownTemplate->wants("folder");
-    if (arguments.shownTask.choice == ORVShownTask::Choice::inFolder) {
-        const auto folder = realFolder(*platform::makeFiles(), arguments.folder);
-        if (!folder) {
+    const auto files = platform::makeFiles();
+    const auto task = realTask(*files, arguments);
+    if (!task) {
+        return kNothingToShow;
+    }
+    if (task->choice == ORVShownTask::Choice::identified) {
+        Invocation invocation(arguments, {codexHome, ""});
+        if (const auto several = invocation.viewer.severalMeantBy(task->value)) {
+            explainAbsence(invocation, *several);
             return kNothingToShow;
         }
-        settings.request.task.value = *folder;
     }
-    const bool isMenu = arguments.format == Format::text && isatty(STDOUT_FILENO) &&
-                        isatty(STDIN_FILENO) && ORVTerminalMenu::isPossible();
-    return isMenu ? watchAsMenu(arguments, std::move(settings))
-                  : watchAsLines(arguments, std::move(settings));
+    Settings settings{codexHome, {}};
+    settings.request.task = *task;
+    if (arguments.ownTemplate) {
+        settings.request.wants = arguments.ownTemplate->wants();
+    }
+    if (!isOnTerminal(arguments)) {
+        return watchAsLines(arguments, std::move(settings));
+    }
+    settings.request.wants.eventsPerFile = kEventsOfAPlot;
+    settings.request.wants.advice = true;
+    return runOnTerminal<ORVMenuPage>(arguments, std::move(settings));
+}
+
+int top(const Arguments& arguments, const std::string& codexHome) {
+    Settings settings{codexHome, {}};
+    ORVRefreshRequest& request = settings.request;
+    request.task.choice = ORVShownTask::Choice::none;
+    request.list = arguments.list;
+    request.list->countsHelpers = true;
+    if (arguments.isHere) {
+        request.list->folder = realFolder(*platform::makeFiles(), arguments.folder);
+        if (!request.list->folder) {
+            return kNothingToShow;
+        }
+    }
+    request.listWants = {.agent = true, .shortID = true};
+    if (!isOnTerminal(arguments)) {
+        return topAsLines(std::move(settings));
+    }
+    request.list->readAtOnce = kReadAtOnce;
+    request.wants.eventsPerFile = kEventsOfAPlot;
+    return runOnTerminal<ORVTopPage>(arguments, std::move(settings));
 }
 
 }  // namespace ctl

@@ -11,8 +11,8 @@
 #include "app/ORVAppDelegate.h"
 #include "ctl/commands.h"
 #include "fuzz/fuzz.h"
-#include "shells/ORVCommandInput.h"
-#include "shells/json/status_item_json.h"
+#include "shells/lines/ORVCommandInput.h"
+#include "shells/lines/status_item_json.h"
 #include "tests/support/ManualHost.h"
 #include "tests/support/records.h"
 
@@ -43,11 +43,12 @@ std::string answersTo(std::string queries) {
     static const bool isTaken = dup2(fileno(file), STDOUT_FILENO) == STDOUT_FILENO;
     fuzz::expect("output can be taken", isTaken && ftruncate(STDOUT_FILENO, 0) == 0);
     lseek(STDOUT_FILENO, 0, SEEK_SET);
-    auto disk = std::make_unique<MemoryFiles>();
-    fill(*disk);
-    ctl::Sources sources("/h/.codex", {}, std::move(disk));
+    MemoryFiles disk;
+    fill(disk);
+    const ORVSystemClock clock;
+    ORVTaskViewer viewer(disk, clock, "/h/.codex", {});
     std::FILE* input = fmemopen(queries.data(), queries.size(), "r");
-    ctl::answerQueries(sources, input);
+    ctl::answerQueries(viewer, input);
     std::fclose(input);
     std::string output(static_cast<std::size_t>(lseek(STDOUT_FILENO, 0, SEEK_CUR)), ' ');
     const ssize_t count = pread(STDOUT_FILENO, output.data(), output.size(), 0);

@@ -39,8 +39,8 @@ public:
     /// Returns the name of the language that is shown, in that language.
     std::string languageName() const { return stringForKey(language().nameKey); }
 
-    /// Return the locale of that language, such as "en_US", and its way to write the time.
-    std::string locale() const { return timeFormat().locale; }
+    /// Return that language's words for a terminal, and its way to write the time.
+    const ORVWords& words() const { return language().words; }
     const ORVTimeFormat& timeFormat() const { return language().timeFormat; }
 
     /// Returns the text in the language that is shown, and the key itself when it has no text.

@@ -22,13 +22,15 @@ constexpr ORVLanguage kLanguages[] = {
      "language_english",
      {},
      {"en_US", "%I:%M:%S\u202F%p"},
-     ORVLocalizer::englishStrings},
+     ORVLocalizer::englishStrings,
+     l10n::kEnglishWords},
     {ORVLanguageModeSimplifiedChinese,
      "chineseLanguageItem",
      "language_chinese",
      kSimplifiedChineseTags,
      {"zh_CN", "%H:%M:%S"},
-     ORVLocalizer::simplifiedChineseStrings},
+     ORVLocalizer::simplifiedChineseStrings,
+     l10n::kSimplifiedChineseWords},
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "l10n/words.h"
 #include "platform/time_of_day.h"
 
 /// Texts by key. Every language has the same 59 keys. Some are for a dialogue about access to
@@ -33,6 +34,7 @@ struct ORVLanguage {
 
     ORVTimeFormat timeFormat;
     const ORVStringTable& (*strings)();
+    const ORVWords& words;
 };
 
 namespace l10n {

@@ -33,6 +33,7 @@ struct ORVWalkedFile {
     ORVFileDate modifiedAt;
     std::uint64_t fileIdentifier = 0;  ///< The inode; 0 where the file system has none.
     std::uint64_t size = 0;            ///< Bytes.
+    bool operator==(const ORVWalkedFile&) const = default;
 };
 
 /// What the file system tells of one item; of a symbolic link, what it tells of the link itself.

@@ -12,4 +12,7 @@ namespace platform {
 /// folder it is "". A relative `$HOME` is taken relative to the working folder.
 std::string homeFolder();
 
+/// Returns a path relative to the working folder as an absolute one, without a slash at its end.
+std::string absolutePath(std::string path);
+
 }  // namespace platform

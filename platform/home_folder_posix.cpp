@@ -69,13 +69,18 @@ std::string homeFolder() {
     if (home.empty()) {
         home = homeInPasswordDatabase();
     }
-    if (!home.starts_with('/')) {
-        home = workingFolder() + '/' + home;
+    home = absolutePath(std::move(home));
+    return home == "/" ? "" : home;
+}
+
+std::string absolutePath(std::string path) {
+    if (!path.starts_with('/')) {
+        path = workingFolder() + '/' + path;
     }
-    while (home.ends_with('/')) {
-        home.pop_back();
+    while (path.size() > 1 && path.ends_with('/')) {
+        path.pop_back();
     }
-    return home;
+    return path;
 }
 
 }  // namespace platform

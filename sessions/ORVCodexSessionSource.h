@@ -12,6 +12,7 @@
 
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "sessions/ORVAgentFacts.h"
 #include "sessions/ORVAgentSessionSource.h"
 #include "sessions/ORVHistoryEvent.h"
 #include "sessions/ORVSessionReader.h"
@@ -63,6 +64,9 @@ public:
     /// events first; null when no snapshot was made since forgetFiles, or when histories are not
     /// wanted. A compaction that stands in several files occurs once.
     std::shared_ptr<const ORVHistory> historyForThreadID(std::string_view threadID) const;
+
+    std::optional<ORVAgentFacts> agentFactsForThreadID(std::string_view) const { return {}; }
+    std::optional<ORVAccountLimits> accountLimits(std::span<const ORVWalkedFile>) { return {}; }
 
     // Files
 
@@ -118,31 +122,6 @@ public:
     static constexpr auto isPositiveIntegerNumber = &ORVSessionReader::isPositiveIntegerNumber;
     static constexpr auto dataContainsUTF8 = &ORVSessionReader::dataContainsUTF8;
 
-    // Tasks (tasks.cpp)
-
-    /// Returns every task, the one with the newest file first, equal dates by path. Returns none,
-    /// with an error, when the sessions folder cannot be walked.
-    std::optional<std::vector<ORVTask>> tasksWithError(ORVErrorSlot* error);
-
-    // Working folders (working_folders.cpp)
-
-    /// Returns the folder that the task of this session file works in: the string payload.cwd of
-    /// the file's first line, when that line is a record of the type "session_meta" and the string
-    /// an absolute path. Returns none for every other file. A first line is read once and kept.
-    std::optional<std::string> workingFolderForSessionURL(const std::string& path);
-
-    /// Returns the same for the task's newest file.
-    std::optional<std::string> workingFolderForTask(const ORVTask& task);
-
-    /// Reads the working folders of these tasks on all processors.
-    void readWorkingFoldersAhead(std::span<const ORVTask> tasks);
-
-    /// Returns a task that works in this folder or in one that holds it: of several, the one with
-    /// the deepest folder, and among equals the one with the newest file. `folder` is an absolute
-    /// path without links. Returns none, without an error, when no task works there.
-    std::optional<ORVSessionSnapshot> snapshotForFolder(const std::string& folder,
-                                                        ORVErrorSlot* error);
-
 private:
     /// The sums over a task's files. They are made anew only after one of the files has changed,
     /// because adding up a million compactions at every refresh would be felt.
@@ -162,23 +141,9 @@ private:
     const Totals& totalsOfTask(const States& states, std::string_view threadID);
     Totals sumOf(const States& states) const;
 
-    /// The working folder that the first line of a file names, and the file that it was read from.
-    struct WorkingFolder {
-        std::uint64_t fileIdentifier = 0;
-        ORVFileDate modifiedAt;
-        bool isFinal = false;  ///< The line has ended, or is longer than any that is read.
-        std::optional<std::string> path;
-    };
-
-    // Working folders (working_folders.cpp)
-    const WorkingFolder& workingFolder(const std::string& path, std::uint64_t fileIdentifier,
-                                       ORVFileDate modifiedAt);
-    WorkingFolder readWorkingFolder(const std::string& path, ORVReadingMemory& memory) const;
-
     ORVFiles& files_;
     ORVSessionSearch search_;
     ORVSessionReader reader_;
     ORVTitleIndex titles_;
-    std::map<std::string, Totals, std::less<>> totals_;              ///< By thread identifier.
-    std::unordered_map<std::string, WorkingFolder> workingFolders_;  ///< By the file's path.
+    std::map<std::string, Totals, std::less<>> totals_;  ///< By thread identifier.
 };

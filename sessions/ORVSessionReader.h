@@ -20,6 +20,7 @@ struct ORVSessionWants {
     /// The longest history of a file; 0 for none. When more happens in a file, neighbouring usages
     /// are merged, and if that is not enough, compactions are left out.
     std::size_t eventsPerFile = 0;
+    bool agentFacts = false;
 };
 
 /// Follows session files as they grow and keeps what the records of each have said.

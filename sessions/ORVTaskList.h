@@ -68,10 +68,10 @@ public:
 
     /// Which heads are wanted.
     struct Wanted {
-        std::size_t limit = 0;                    ///< At most so many; 0 for all.
-        std::optional<ORVFileDate> changedSince;  ///< Families changed then or later.
+        std::size_t limit = 0;                         ///< At most so many; 0 for all.
+        std::optional<ORVFileDate> changedSince = {};  ///< Families changed then or later.
         /// An absolute path without links: heads whose folder is this one, lies above it or in it.
-        std::optional<std::string> folder;
+        std::optional<std::string> folder = {};
         enum class Helpers { none, counted, listed };
         Helpers helpers = Helpers::none;  ///< All others need all first lines.
     };
@@ -95,6 +95,10 @@ public:
     /// Returns all helpers of the head's family, the one that changed last first. Reads all first
     /// lines.
     std::vector<ORVListedTask> helpersOf(const ORVTask& head);
+
+    /// Returns the task with this whole identifier, letter case disregarded, with its own date; none
+    /// when there is no such task.
+    std::optional<ORVListedTask> taskWithIdentifier(std::string_view threadID);
 
     // Identifiers
 

@@ -208,6 +208,16 @@ ORVListedTask ORVTaskList::listed(const Group& group, ORVFileDate changedAt) con
     return task;
 }
 
+std::optional<ORVListedTask> ORVTaskList::taskWithIdentifier(std::string_view threadID) {
+    return orForgetAll([&]() -> std::optional<ORVListedTask> {
+        const auto found = groupNamed(threadID);
+        if (found == groups_.end() || !settleFully(found->second)) {
+            return std::nullopt;
+        }
+        return listed(found->second, found->second.changedAt);
+    });
+}
+
 std::vector<ORVTask> ORVTaskList::matching(std::string_view part) {
     return orForgetAll([&] {
         std::vector<ORVTask> ending;

@@ -12,9 +12,13 @@ namespace {
 // Signal handlers can use global variables only.
 ORVPosixRunLoop* signalledLoop = nullptr;
 volatile sig_atomic_t endWasAskedFor = 0;
+bool (*mustEndAtOnce)() = nullptr;
 
 void askForEnd(int) {
     endWasAskedFor = 1;
+    if (mustEndAtOnce && mustEndAtOnce()) {
+        _exit(EXIT_SUCCESS);
+    }
     signalledLoop->wakeFromSignal();
 }
 
@@ -60,6 +64,10 @@ ORVPosixApplication::ORVPosixApplication(ORVPosixHost::Settings settings,
 
 void ORVPosixApplication::redrawOn(int signalNumber) {
     handle(signalNumber, wake);
+}
+
+void ORVPosixApplication::endAtOnceIf(bool (*condition)()) {
+    mustEndAtOnce = condition;
 }
 
 int ORVPosixApplication::run(ORVSurface& surface) {

@@ -30,6 +30,10 @@ public:
     /// Makes this signal redraw the surface.
     static void redrawOn(int signalNumber);
 
+    /// Names a condition under which a signal that ends the application ends the process at once,
+    /// because the UI thread would not come to it. It is called by signal handlers.
+    static void endAtOnceIf(bool (*condition)());
+
 private:
     const std::function<void(const std::string&)> complain_;
     ORVPosixHost host_;

@@ -139,6 +139,10 @@ bool isWhiteSpace(utf8proc_int32_t character) {
     return utf8proc_category(character) == UTF8PROC_CATEGORY_ZS;
 }
 
+int widthOf(const Decoded& decoded) {
+    return decoded.character == kNotACharacter ? 1 : utf8proc_charwidth(decoded.character);
+}
+
 bool endsLine(utf8proc_int32_t character) {
     return character == '\n' || character == '\r' || character == 0x85 || character == 0x2028 ||
            character == 0x2029;
@@ -200,6 +204,39 @@ void forEachLine(std::string_view text, const std::function<void(std::string_vie
     if (lineStart < text.size()) {
         visit(text.substr(lineStart));
     }
+}
+
+int columnsOf(std::string_view text) {
+    int columns = 0;
+    while (!text.empty()) {
+        const Decoded next = decode(text);
+        columns += widthOf(next);
+        text.remove_prefix(next.bytes);
+    }
+    return columns;
+}
+
+std::string_view beginning(std::string_view text, int columns) {
+    std::size_t end = 0;
+    while (end < text.size()) {
+        const Decoded next = decode(text.substr(end));
+        columns -= widthOf(next);
+        if (columns < 0) {
+            break;
+        }
+        end += next.bytes;
+    }
+    return text.substr(0, end);
+}
+
+std::string_view wholeCharacters(std::string_view text) {
+    std::size_t start = text.size();
+    while (start > 0 && (text[start - 1] & 0xC0) == 0x80) {
+        --start;
+    }
+    const bool isCut = start > 0 && !isASCII(text[start - 1]) &&
+                       decode(text.substr(start - 1)).character == kNotACharacter;
+    return isCut ? text.substr(0, start - 1) : text;
 }
 
 std::string withInvalidBytesReplaced(std::string_view bytes) {

@@ -32,4 +32,13 @@ std::string withInvalidBytesReplaced(std::string_view bytes);
 /// lines and paragraphs, and those that embed, override or isolate a direction.
 std::string forTerminal(std::string_view bytes);
 
+/// Returns the columns that a text takes where every character has the width that Unicode gives it,
+/// and its longest beginning of at most so many columns. A terminal may have another table; what is
+/// laid out there is measured with the C library's.
+int columnsOf(std::string_view text);
+std::string_view beginning(std::string_view text, int columns);
+
+/// Returns a text without the character that its end cuts through.
+std::string_view wholeCharacters(std::string_view text);
+
 }  // namespace text

@@ -1,141 +1,200 @@
-// Lays out the bar, the menu and the plot on a screen, and decides what a low screen leaves out.
+// The lines of the menu and where they stand, and what a low screen leaves out.
 // Tests: tests/shells/terminal_test.cpp.
 
 #include "shells/terminal/menu_rows.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
+#include <string_view>
 #include <utility>
-
-#include "shells/history/history_plot.h"
-#include "shells/terminal/screen_text.h"
 
 namespace terminal {
 namespace {
 
 constexpr int kRowsOfScreenWithPlot = 24;
-constexpr int kFewestRowsOfPlot = 4;
 constexpr int kMostRowsOfPlot = 12;
+constexpr std::string_view kTick = "✓";
 
-/// Draws the menu bar, which is also a gauge: it is filled from the left in proportion to the
-/// context window.
-Row bar(const ORVStatusItem& statusItem, const Screen& screen) {
-    const std::string title = " " + shown(statusItem.title, screen) + " ";
-    const std::string text =
-        fitted(repeated(" ", screen.columns - textColumns(title)) + title, screen.columns, screen);
-    const double share = std::clamp(statusItem.percentage.value_or(0), 0.0, 100.0) / 100;
-    const std::string_view used =
-        beginning(text, static_cast<int>(std::lround(share * screen.columns)));
-    const Fullness fullness = fullnessOf(statusItem.percentage);
-    return {{std::string(used), {.isReversed = true, .fullness = fullness}},
-            {text.substr(used.size()), {.isBold = true, .fullness = fullness}}};
-}
+/// How much a line is needed. When not all lines have room, the least needed ones are left out;
+/// they come first here.
+enum class Need { separator, constant, command, language, figure, selected };
 
-/// Draws the frame of the menu at the right edge of the screen.
-class Frame {
-public:
-    Frame(const std::vector<Line>& lines, const Screen& screen) : screen_(screen) {
-        for (const Line& line : lines) {
-            inner_ = std::max(inner_, textColumns(line.left) + textColumns(line.right));
-        }
-        inner_ = std::max(0, std::min(inner_, screen.columns - 2));
-        indent_ = repeated(" ", screen.columns - inner_ - 2);
-    }
-
-    Row top() const { return screen_.showsUnicode ? rule("┌", "┐") : rule("+", "+"); }
-    Row separator() const { return screen_.showsUnicode ? rule("├", "┤") : rule("+", "+"); }
-    Row bottom() const { return screen_.showsUnicode ? rule("└", "┘") : rule("+", "+"); }
-
-    Row around(const Line& line) const {
-        const std::string side = screen_.showsUnicode ? "│" : "|";
-        const int rightColumns = std::min(textColumns(line.right), inner_);
-        Piece left = {fitted(line.left, inner_ - rightColumns, screen_), line.style};
-        Piece right = {fitted(line.right, rightColumns, screen_), {.isDimmed = true}};
-        if (line.need == Need::selected) {
-            left.style.isReversed = right.style.isReversed = true;
-            right.style.isDimmed = line.style.isDimmed;
-        }
-        return {{indent_ + side, {}}, std::move(left), std::move(right), {side, {}}};
-    }
-
-private:
-    Row rule(std::string_view left, std::string_view right) const {
-        const std::string_view middle = screen_.showsUnicode ? "─" : "-";
-        return {{indent_ + std::string(left) + repeated(middle, inner_) + std::string(right), {}}};
-    }
-
-    const Screen& screen_;
-    int inner_ = 0;
-    std::string indent_;
+struct MenuLine {
+    Need need = Need::separator;
+    Line line = {.isRule = true};
 };
 
+/// Returns a character in the place of the item's check mark or system symbol. It is a blank when
+/// there is none, and when the text begins with a check mark itself.
+std::string_view mark(const ORVMenuItem& item, const Screen& screen) {
+    struct StandIn {
+        std::string_view name;
+        std::string_view unicode;
+        std::string_view ascii;
+    };
+    static constexpr StandIn kStandIns[] = {{"globe", "◎", "@"},
+                                            {"arrow.clockwise", "↻", "o"},
+                                            {"arrow.triangle.2.circlepath", "⟳", "~"},
+                                            {"checkmark.circle.fill", "✔", "*"},
+                                            {"exclamationmark.triangle.fill", "▲", "!"},
+                                            {"lock.fill", "▣", "#"}};
+    if (item.title.starts_with(kTick)) {
+        return " ";
+    }
+    if (item.state) {
+        return screen.showsUnicode ? kTick : "*";
+    }
+    for (const StandIn& standIn : kStandIns) {
+        if (item.image && item.image->name == standIn.name) {
+            return screen.showsUnicode ? standIn.unicode : standIn.ascii;
+        }
+    }
+    return " ";
+}
+
+Need needOf(const ORVMenuItem& item) {
+    if (item.tag) {
+        return Need::language;
+    }
+    if (item.submenu || item.action != ORVMenuAction::none) {
+        return Need::command;
+    }
+    return item.emphasis == ORVEmphasis::constant ? Need::constant : Need::figure;
+}
+
+std::string keyOf(const ORVMenuItem& item) {
+    return item.tag ? std::to_string(*item.tag + 1) : item.submenu ? "l" : item.keyEquivalent;
+}
+
+/// Returns the arrow of an item with a submenu.
+std::string_view arrow(bool isOpen, const Screen& screen) {
+    return screen.showsUnicode ? (isOpen ? " ▾" : " ▸") : (isOpen ? " v" : " >");
+}
+
+MenuLine lineOf(const ORVMenuItem& item, std::optional<double> percentage, const MenuView& view,
+                const Screen& screen) {
+    Line line;
+    line.isSelected = &item == view.selected;
+    line.left = (item.tag ? "     " : " ") + std::string(mark(item, screen)) + " " +
+                shown(item.title, screen) + " ";
+    line.right = keyOf(item);
+    if (item.submenu) {
+        line.right += arrow(view.submenuIsOpen, screen);
+    }
+    if (!line.right.empty()) {
+        line.right += ' ';
+    }
+    line.style.isDimmed = item.emphasis == ORVEmphasis::constant || !item.enabled;
+    line.style.isBold = item.emphasis == ORVEmphasis::headline;
+    if (item.emphasis == ORVEmphasis::gauge) {
+        line.style.fullness = app::fullnessOf(percentage);
+    }
+    return {line.isSelected ? Need::selected : needOf(item), std::move(line)};
+}
+
+std::vector<MenuLine> menuLines(const ORVStatusItem& statusItem, const MenuView& view,
+                                const Screen& screen) {
+    std::vector<MenuLine> lines;
+    for (const ORVMenuItem* item : visibleItems(*statusItem.menu, view.submenuIsOpen)) {
+        lines.push_back(item->isSeparator() ? MenuLine{}
+                                            : lineOf(*item, statusItem.percentage, view, screen));
+    }
+    return lines;
+}
+
+std::vector<MenuLine> linesAboutKeys(const ORVMenu& menu, const MenuView& view,
+                                     const Screen& screen) {
+    const ORVWords& words = *view.words;
+    std::vector<Key> keys = {{std::string(words.move), "↑ ↓  k j"},
+                             {std::string(words.choose), "Enter →"},
+                             {std::string(words.back), view.leadsBack ? "Esc b" : "Esc ←"}};
+    for (const ORVMenuItem* item : visibleItems(menu, view.submenuIsOpen)) {
+        if (!keyOf(*item).empty()) {
+            keys.emplace_back(item->title, keyOf(*item));
+        }
+    }
+    keys.emplace_back(words.keys, "?");
+    std::vector<MenuLine> lines;
+    for (Line& line : keyLines(keys, screen)) {
+        lines.push_back({Need::command, std::move(line)});
+    }
+    return lines;
+}
+
 /// Removes the least needed lines, the lowest of them first, until the others have room.
-void leaveOut(std::vector<Line>& lines, int room) {
+void leaveOut(std::vector<MenuLine>& lines, int room) {
     while (static_cast<int>(lines.size()) > room) {
         const auto least =
-            std::min_element(lines.rbegin(), lines.rend(),
-                             [](const Line& a, const Line& b) { return a.need < b.need; });
+            std::min_element(lines.rbegin(), lines.rend(), [](const MenuLine& a, const MenuLine& b) {
+                return a.need < b.need;
+            });
         lines.erase(std::next(least).base());
     }
 }
 
-/// Adds the task's history below the menu, with a free row before it and one after it.
-void addPlot(std::vector<Row>& rows, const View& view, const Screen& screen) {
-    const int room = screen.rows - static_cast<int>(rows.size()) - 2;
-    if (screen.rows < kRowsOfScreenWithPlot || room < kFewestRowsOfPlot || view.history.empty()) {
-        return;
+std::vector<Line> withoutNeeds(const std::vector<MenuLine>& lines) {
+    std::vector<Line> result;
+    for (const MenuLine& each : lines) {
+        result.push_back(each.line);
     }
-    rows.emplace_back();
-    for (const history::PlotRow& row :
-         history::plot(view.history,
-                       {screen.columns, std::min(room, kMostRowsOfPlot), screen.showsUnicode})) {
-        rows.push_back({{row.label, {}}, {row.text, {.fullness = fullnessOf(row.level)}}});
-    }
+    return result;
 }
 
-/// Cuts the row to the screen's width, or fills it with spaces.
-void fit(Row& row, const Screen& screen) {
-    int columns = screen.columns;
-    for (Piece& piece : row) {
-        if (textColumns(piece.text) > columns) {
-            piece.text = fitted(piece.text, columns, screen);
-        }
-        columns -= textColumns(piece.text);
+/// Adds what stands below the menu, with a free row before it and one after it.
+void addFoot(std::vector<Row>& rows, const MenuView& view, const Screen& screen) {
+    const int room = screen.rows - static_cast<int>(rows.size()) - 2;
+    std::vector<Row> foot;
+    if (!view.advice.empty() && room > 0) {
+        foot.push_back({{" " + shown(view.advice, screen), {.isBold = true}}});
+    } else if (screen.rows >= kRowsOfScreenWithPlot) {
+        foot = plotRows(view.history, std::min(room, kMostRowsOfPlot), screen);
     }
-    row.push_back({repeated(" ", columns), {}});
-    std::erase_if(row, [](const Piece& piece) { return piece.text.empty(); });
+    if (!foot.empty()) {
+        rows.emplace_back();
+        std::move(foot.begin(), foot.end(), std::back_inserter(rows));
+    }
 }
 
 }  // namespace
 
-std::vector<Row> menuRows(const ORVStatusItem& statusItem, const View& view, const Screen& screen) {
-    std::vector<Line> lines = view.showsKeys ? keyLines(*statusItem.menu, view, screen)
-                                             : menuLines(statusItem, view, screen);
-    const Frame frame(lines, screen);
-    const int free = screen.rows - 1 - static_cast<int>(lines.size());
-    const bool hasHint = free > 0;
-    const bool hasRules = free > 2;
-    leaveOut(lines, screen.rows - 1);
+std::vector<const ORVMenuItem*> visibleItems(const ORVMenu& menu, bool submenuIsOpen) {
+    std::vector<const ORVMenuItem*> items;
+    for (const auto& item : menu.items) {
+        if (item->hidden) {
+            continue;
+        }
+        items.push_back(item.get());
+        if (item->submenu && submenuIsOpen) {
+            for (const auto& sub : item->submenu->items) {
+                items.push_back(sub.get());
+            }
+        }
+    }
+    return items;
+}
 
-    std::vector<Row> rows = {bar(statusItem, screen)};
-    if (hasRules) {
-        rows.push_back(frame.top());
+std::vector<Row> menuRows(const ORVStatusItem& statusItem, const MenuView& view,
+                          const Screen& screen) {
+    std::vector<MenuLine> lines = view.showsKeys ? linesAboutKeys(*statusItem.menu, view, screen)
+                                                 : menuLines(statusItem, view, screen);
+    const int free = screen.rows - 1 - static_cast<int>(lines.size());
+    // Of all lines, so that the frame keeps its width when the selection moves.
+    const int widest = widestOf(withoutNeeds(lines));
+    leaveOut(lines, screen.rows - 1);
+    std::vector<Row> rows = {gaugeBar(statusItem.title, statusItem.percentage, screen)};
+    for (Row& row : framed(withoutNeeds(lines), widest, free > 2, screen)) {
+        rows.push_back(std::move(row));
     }
-    for (const Line& line : lines) {
-        rows.push_back(line.need == Need::separator ? frame.separator() : frame.around(line));
-    }
-    if (hasRules) {
-        rows.push_back(frame.bottom());
-    }
-    if (hasHint) {
-        addPlot(rows, view, screen);
+    if (free > 0) {
+        addFoot(rows, view, screen);
         rows.resize(static_cast<std::size_t>(screen.rows - 1));
-        rows.push_back({{keyHint(view, screen), {.isDimmed = true}}});
+        const ORVWords& words = *view.words;
+        rows.push_back(keyHint({{std::string(words.move), "↑↓"},
+                                {std::string(words.choose), "Enter"},
+                                {std::string(words.keys), "?"}},
+                               screen));
     }
-    for (Row& row : rows) {
-        fit(row, screen);
-    }
+    fitScreen(rows, screen);
     return rows;
 }
 

@@ -1,9 +1,14 @@
 #pragma once
 
-#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "app/figures.h"
+
+/// Rows of styled text: what is drawn on a terminal's whole screen, and what is written line by
+/// line. Text is measured in columns with the C library's table of widths, as curses does: any
+/// other table would break frames.
 namespace terminal {
 
 /// The size of the terminal, and what it can show.
@@ -13,33 +18,63 @@ struct Screen {
     bool showsUnicode = true;  ///< Otherwise everything is written in ASCII.
 };
 
-/// How full a context window is, in the steps that have colours.
-enum class Fullness { unknown, low, middle, high };
+/// Larger than any screen that a person looks at. Sizes are cut to these where they enter, because
+/// a window's size is whatever the other end of the terminal says.
+inline constexpr int kMostColumns = 2'000;
+inline constexpr int kMostRows = 500;
 
-/// Returns the step of a percentage: low below 60, high from 85.
-inline Fullness fullnessOf(std::optional<double> percentage) {
-    if (!percentage) {
-        return Fullness::unknown;
-    }
-    return *percentage < 60 ? Fullness::low : *percentage < 85 ? Fullness::middle : Fullness::high;
-}
+/// Returns the size of the terminal on standard output, or 80 by 24 if there is none, and whether
+/// text is UTF-8. Sets the process's locale for characters, so that columns can be counted.
+Screen screenOfOutput();
 
 struct Style {
     bool isReversed = false;
     bool isDimmed = false;
     bool isBold = false;
-    Fullness fullness = Fullness::unknown;  ///< Becomes a colour when the terminal has colours.
+    app::Fullness fullness = app::Fullness::unknown;  ///< Becomes a colour where there are any.
     bool operator==(const Style&) const = default;
 };
 
 /// A text in one style.
 struct Piece {
     std::string text;
-    Style style;
+    Style style = {};
     bool operator==(const Piece&) const = default;
 };
 
-/// One row of the screen from left to right, exactly as wide as the screen.
+/// A row from left to right.
 using Row = std::vector<Piece>;
+
+/// Returns the row's text without its styles.
+std::string plainText(const Row& row);
+
+/// Returns the row as one line, with the sequences that every terminal with colours understands if
+/// it is to be coloured, without spaces at its end, and with a line feed.
+std::string line(const Row& row, bool isColoured);
+
+/// Cuts the row to this many columns, or fills it with spaces.
+void fit(Row& row, int columns, const Screen& screen);
+
+/// Returns a text in the form that the screen can show: valid UTF-8 without control characters and
+/// without characters of unknown width. The functions below expect such text.
+std::string shown(std::string_view text, const Screen& screen);
+
+/// Makes all texts of a row such, and cuts the row to the screen's width.
+void show(Row& row, const Screen& screen);
+
+/// Returns the columns of a text: two for a wide character, none for a combining one.
+int textColumns(std::string_view text);
+
+/// Returns the longest beginning of a text that takes at most this many columns.
+std::string_view beginning(std::string_view text, int columns);
+
+/// Returns the text in at most this many columns, cut with an ellipsis.
+std::string cut(std::string_view text, int columns, const Screen& screen);
+
+/// Returns the text in exactly this many columns, cut or filled with spaces.
+std::string fitted(std::string_view text, int columns, const Screen& screen);
+
+/// Returns the piece this many times, and "" for a count below 1.
+std::string repeated(std::string_view piece, int count);
 
 }  // namespace terminal

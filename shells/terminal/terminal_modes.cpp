@@ -4,9 +4,11 @@
 #define NCURSES_NOMACROS
 #include "shells/terminal/terminal_modes.h"
 
+#include <fcntl.h>
 #include <langinfo.h>
 #include <locale.h>
 #include <ncurses.h>
+#include <poll.h>
 #include <signal.h>
 #include <term.h>
 #include <termios.h>
@@ -20,6 +22,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/descriptors.h"
 #include "text/bytes.h"
 
 namespace terminal {
@@ -32,6 +35,10 @@ termios modesAsFound;
 termios modesTaken;
 std::string leavingSequence;
 std::string takingSequence;
+volatile sig_atomic_t isWriting = 0;
+
+/// How long a terminal may take no output before the program ends without it.
+constexpr int kPatienceMilliseconds = 400;
 
 void send(std::string_view sequence) {
     [[maybe_unused]] const ssize_t ignored = write(STDOUT_FILENO, sequence.data(), sequence.size());
@@ -40,6 +47,14 @@ void send(std::string_view sequence) {
 void leaveTerminal() {
     send(leavingSequence);
     tcsetattr(STDIN_FILENO, TCSANOW, &modesAsFound);
+}
+
+/// Does the same without waiting for the terminal.
+void leaveTerminalAtOnce() {
+    const int flags = fcntl(STDOUT_FILENO, F_GETFL);
+    fcntl(STDOUT_FILENO, F_SETFL, flags | O_NONBLOCK);
+    leaveTerminal();
+    fcntl(STDOUT_FILENO, F_SETFL, flags);
 }
 
 void dieOf(int signalNumber) {
@@ -174,11 +189,31 @@ void takeOver() {
 
 void restore() {
     signal(SIGTSTP, SIG_IGN);  // The program is ending already.
-    endwin();
-    send(markingPastes(false));
+    if (platform::isWritable(STDOUT_FILENO, kPatienceMilliseconds)) {
+        whileWriting([] { endwin(); });
+        send(markingPastes(false));
+    } else {
+        leaveTerminalAtOnce();
+    }
     for (const int fault : kFaults) {
         signal(fault, SIG_DFL);
     }
+}
+
+void whileWriting(const std::function<void()>& write) {
+    isWriting = 1;
+    write();
+    isWriting = 0;
+}
+
+bool endIfStuck() {
+    // poll may be called in a signal handler; curses takes up an interrupted write again.
+    pollfd output{STDOUT_FILENO, POLLOUT, 0};
+    if (!isWriting || poll(&output, 1, kPatienceMilliseconds) != 0) {
+        return false;
+    }
+    leaveTerminalAtOnce();
+    return true;
 }
 
 }  // namespace terminal

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 /// Takes this process's terminal over with curses, and restores it. Used on the UI thread only, as
 /// curses demands.
 namespace terminal {
@@ -15,7 +17,18 @@ bool setUpCharacters();
 /// marked. The terminal is restored by restore(), while the process is stopped from the keyboard,
 /// and when the process dies of a fault, unless the fault is a stack overflow.
 void takeOver();
+
+/// Restores the terminal. One that takes no output gets what it takes without waiting.
 void restore();
+
+/// Does something that writes to the terminal, and so may wait for it.
+void whileWriting(const std::function<void()>& write);
+
+/// For signal handlers: when the program waits in whileWriting for a terminal that takes no output,
+/// restores the terminal as far as that goes and returns true; the process must then end at once.
+bool endIfStuck();
+
+inline constexpr int kEscapeKey = 27;
 
 /// Keys in addition to those of curses: the marks before and after pasted text.
 extern const int kPasteBegins;

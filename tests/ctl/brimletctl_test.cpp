@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "ctl/answers.h"
+#include "shells/lines/answer_json.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
 #include "text/json_writing.h"
@@ -59,19 +59,19 @@ TEST_F(BrimletctlTest, AnswersAsText) {
     EXPECT_EQ("C1 · 47%  Fix  [31mthe \"tests\"\n", run("$b task " + std::string(kTask)).output);
     EXPECT_EQ(std::string(kTask) + "\tFix  [31mthe \"tests\"\n", run("$b titles").output);
     EXPECT_EQ(0, run("$b focus").status);
-    EXPECT_EQ(1, run("$b task ''").status);
+    EXPECT_EQ(2, run("$b task ''").status);
     EXPECT_EQ(1, run("$b task -- --json").status);
 }
 
 TEST_F(BrimletctlTest, AnswersAsJSON) {
     EXPECT_EQ(
         "brimletctl: there is no sessions folder " + home.path(".codex/sessions") +
-            "\n"
-            R"({"snapshot":null,"error":{"domain":"Orvellan","code":1,"description":"没有找到 Codex 会话目录"}})"
+            "; try: brimletctl doctor\n"
+            R"({"snapshot":null,"error":{"domain":"Orvellan","code":1,"description":"没有找到 Codex 会话目录"},"agent":null})"
             "\n",
         run("$b latest --json").output);
     home.makeFolder(".codex/sessions");
-    EXPECT_EQ("{\"snapshot\":null,\"error\":null}\n", run("$b latest --json 2>/dev/null").output);
+    EXPECT_EQ("{\"snapshot\":null,\"error\":null,\"agent\":null}\n", run("$b latest --json 2>/dev/null").output);
     EXPECT_EQ(1, run("$b latest --json").status);
     makeTask();
     EXPECT_EQ(
@@ -79,7 +79,8 @@ TEST_F(BrimletctlTest, AnswersAsJSON) {
             R"(","file":")" + home.path(file) +
             R"(","compactionCount":1,"contextUsage":{"inputTokens":128000,"contextWindow":272000,)"
             R"("percentage":47.05882352941176},"contextStatus":0,"compactionStatus":0,)"
-            R"("lastUpdated":"2001-09-09T01:46:40.250000000Z"},"error":null})"
+            R"("lastUpdated":"2001-09-09T01:46:40.250000000Z"},"error":null,"agent":{"model":null,)"
+            R"("effort":null,"leftPercent":null,"totalTokens":null,"rateLimits":[]}})"
             "\n",
         run("$b latest --json").output);
     home.append(".codex/sessions/\xFF.jsonl", "");
@@ -173,21 +174,22 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
     EXPECT_EQ(kSecond, run("$b tasks --limit 1").output);
     EXPECT_EQ("", run("$b tasks --since 1h").output);
     EXPECT_EQ("10 27200\n47 128000\n", run("$b tasks --format '{percent} {used}'").output);
-    EXPECT_EQ(0, run("$b tasks --json | grep -q '\"folder\":null}]}$'").status);
+    EXPECT_EQ(0, run("$b tasks --json | grep -q '\"folder\":null,\"agent\":{.*},\"parent\":null,\"helpers\":0,'").status);
     home.makeFolder("work\t/site/deep");
     EXPECT_EQ("C0 · 10%  Codex\n", run("cd work*/site/deep && $b here").output);
     EXPECT_EQ("C0 · 10%  Codex\n", run("$b here --folder work*/site").output);
-    EXPECT_EQ("brimletctl: no task works in " + home.root() + '\n', run("$b here").output);
+    EXPECT_EQ("brimletctl: no task works in " + home.root() + "; try: brimletctl tasks\n",
+              run("$b here").output);
     EXPECT_EQ(1, run("$b here").status);
     EXPECT_EQ("brimletctl: cannot enter the folder nowhere: No such file or directory\n",
               run("$b here --folder nowhere").output);
     EXPECT_EQ(kFirst, run("CODEX_HOME=/nowhere $b --codex-home .codex/ tasks | tail -1").output);
     EXPECT_EQ(kFirst, run("CODEX_HOME=relative $b tasks | tail -1").output);
-    EXPECT_EQ("brimletctl: there is no sessions folder /nowhere/sessions\n",
+    EXPECT_EQ("brimletctl: there is no sessions folder /nowhere/sessions; try: brimletctl doctor\n",
               run("CODEX_HOME=/nowhere $b latest").output);
     home.write(".codex/file", "");
     EXPECT_EQ("brimletctl: cannot read the sessions folder " + home.path(".codex/file/sessions") +
-                  ": Not a directory\n",
+                  ": Not a directory; try: brimletctl doctor\n",
               run("$b latest --codex-home .codex/file").output);
     EXPECT_EQ(1, run("$b doctor --codex-home /nowhere").status);
     EXPECT_EQ(
@@ -210,14 +212,15 @@ TEST_F(BrimletctlTest, DrawsHistories) {
             R"(399Z","compaction":true},)" + at +
             R"(002Z","inputTokens":128000,"contextWindow":272000,"percentage":47.05882352941176},)" +
             at + R"(399Z","compaction":true},)" + at +
-            R"(002Z","inputTokens":27200,"contextWindow":272000,"percentage":10}]})"
+            R"(002Z","inputTokens":27200,"contextWindow":272000,"percentage":10}],"compactions":[{"at":"2026-11-24T16:45:21.399Z","before":null,)"
+            R"("after":128000},{"at":"2026-11-24T16:45:21.399Z","before":128000,"after":27200}]})"
             "\n",
         run("$b history --json").output);
     EXPECT_EQ(0, run("$b history --svg | grep -q '</svg>'").status);
     EXPECT_EQ("C2 · 10%  Fix  [31mthe \"tests\"\n",
               run("LC_ALL=C.UTF-8 $b history " + std::string(kTask) + " | head -1").output);
     EXPECT_EQ(1, run("$b history nobody").status);
-    EXPECT_EQ("{\"threadID\":null,\"title\":null,\"points\":[]}\n",
+    EXPECT_EQ("{\"threadID\":null,\"title\":null,\"points\":[],\"compactions\":[]}\n",
               run("$b history nobody --json 2>/dev/null").output);
 }
 
@@ -270,7 +273,7 @@ TEST(AnswersTest, DatesAndNumbersArePlain) {
         {std::numeric_limits<std::int64_t>::min(), "0000-01-01T00:00:00.000000007Z"},
         {std::numeric_limits<std::int64_t>::max(), "9999-12-31T23:59:59.000000007Z"}};
     for (const auto& [seconds, text] : kDates) {
-        EXPECT_EQ(text, ctl::utcText({seconds, 7}));
+        EXPECT_EQ(text, json::utcText({seconds, 7}));
     }
     const std::pair<double, const char*> kNumbers[] = {{0, "0"},
                                                        {50, "50"},
@@ -315,7 +318,7 @@ TEST_F(BrimletctlTest, MemoryThatRunsOutIsAnAnswer) {
     const std::string limit = "ulimit -v 60000; ";
     const Outcome outcome = run(limit + "$b latest");
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("brimletctl: cannot read the session file: Cannot allocate memory\n", outcome.output);
+    EXPECT_EQ("brimletctl: cannot read the session file: Cannot allocate memory; try: brimletctl doctor\n", outcome.output);
     const Outcome answers = run(limit + "printf 'latest\ntask " + std::string(kTask) +
                                 "\nlatest\n' | $b query | cut -c 1-57");
     EXPECT_EQ(R"({"snapshot":null,"error":{"domain":"posix","code":12,"des)"

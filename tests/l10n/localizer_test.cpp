@@ -52,7 +52,7 @@ TEST(LocalizerTest, TheFirstPreferredLanguageDecides) {
         {{}, "en_US"}};
     for (const auto& [languages, locale] : kCases) {
         MemoryDefaults defaults;
-        EXPECT_EQ(locale, ORVLocalizer(defaults, languages).locale());
+        EXPECT_STREQ(locale, ORVLocalizer(defaults, languages).timeFormat().locale);
     }
 }
 

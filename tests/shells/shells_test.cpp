@@ -5,8 +5,8 @@
 #include <mutex>
 
 #include "app/ORVAppDelegate.h"
-#include "shells/ORVCommandInput.h"
-#include "shells/ORVLineOutput.h"
+#include "shells/lines/ORVCommandInput.h"
+#include "shells/lines/ORVLineSurface.h"
 #include "shells/ORVPosixHost.h"
 #include "tests/support/MemoryDefaults.h"
 #include "tests/support/MemoryFiles.h"
@@ -91,14 +91,16 @@ struct Pipe {
     int ends[2];
 };
 
-TEST(LineOutputTest, ASlowReaderMissesLinesButNeverTheLatest) {
+TEST(LineSurfaceTest, ASlowReaderMissesLinesButNeverTheLatest) {
     Pipe pipe;
     ORVPosixRunLoop loop;
-    ORVLineOutput output(loop, pipe.ends[1], [](int) { FAIL(); });
+    std::string shown;
+    ORVLineSurface surface(loop, pipe.ends[1], [&] { return shown; }, [](int) { FAIL(); });
     const auto line = [](int number) { return std::to_string(number) + std::string(20'000, '.'); };
     loop.post([&] {
         for (int i = 0; i < 1'000; ++i) {
-            output.show(line(i));
+            shown = line(i);
+            surface.show();
         }
     });
     std::string received;
@@ -125,18 +127,18 @@ TEST(LineOutputTest, ASlowReaderMissesLinesButNeverTheLatest) {
     EXPECT_LT(lines, 20);
 }
 
-TEST(LineOutputTest, AReaderThatLeavesIsNoticedAtOnce) {
+TEST(LineSurfaceTest, AReaderThatLeavesIsNoticedAtOnce) {
     signal(SIGPIPE, SIG_IGN);
     Pipe pipe;
     ORVPosixRunLoop loop;
     int endedWith = -1;
-    ORVLineOutput output(loop, pipe.ends[1], [&](int failure) {
+    ORVLineSurface surface(loop, pipe.ends[1], [] { return "line"; }, [&](int failure) {
         endedWith = failure;
         loop.stop(0);
     });
     loop.post([&] {
-        output.show("line");
-        output.show("line");
+        surface.show();
+        surface.show();
     });
     loop.postAfter(std::chrono::milliseconds(1), [&] { pipe.closeEnd(0); });
     loop.run();

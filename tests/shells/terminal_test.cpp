@@ -4,7 +4,6 @@
 #include <locale.h>
 
 #include "shells/terminal/menu_rows.h"
-#include "shells/terminal/screen_text.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
@@ -13,7 +12,7 @@
 namespace {
 
 using records::kTask;
-using terminal::Fullness;
+using app::Fullness;
 
 constexpr int kWidths[] = {20, 40, 80, 200};
 
@@ -45,14 +44,15 @@ protected:
         statusItem.menu = std::make_unique<ORVMenu>();
         ORVMenu& menu = *statusItem.menu;
         title = add("titleItem", "Task: 重构 🚀 \x1b[31m");
+        title->emphasis = ORVEmphasis::headline;
         add("focusItem", "Focus")->hidden = true;
         menu.addSeparator();
-        add("contextItem", "Context");
+        add("contextItem", "Context")->emphasis = ORVEmphasis::gauge;
         add("compactionItem", "Compactions");
         add("updatedItem", "Updated");
         menu.addSeparator();
-        add("sourceItem", "Source");
-        add("privacyItem", "Privacy");
+        add("sourceItem", "Source")->emphasis = ORVEmphasis::constant;
+        add("privacyItem", "Privacy")->emphasis = ORVEmphasis::constant;
         menu.addSeparator();
         language = add("languageItem", "语言");
         language->image = ORVMenuImage{"globe", ""};
@@ -122,7 +122,7 @@ protected:
     }
 
     ORVStatusItem statusItem;
-    terminal::View view;
+    terminal::MenuView view;
     ORVMenuItem *title, *language, *refresh, *quit;
 };
 
@@ -219,11 +219,13 @@ TEST_F(MenuRowsTest, TheBarIsAGauge) {
     };
     for (const Case& c : {Case{std::nullopt, Fullness::unknown, 0},
                           {0, Fullness::low, 0},
-                          {59.9, Fullness::low, 120},
-                          {60, Fullness::middle, 120},
-                          {84.9, Fullness::middle, 170},
-                          {85, Fullness::high, 170},
-                          {250, Fullness::high, 200}}) {
+                          {49.9, Fullness::low, 100},
+                          {50, Fullness::medium, 100},
+                          {79.9, Fullness::medium, 160},
+                          {80, Fullness::high, 160},
+                          {94.9, Fullness::high, 190},
+                          {95, Fullness::full, 190},
+                          {250, Fullness::full, 200}}) {
         statusItem.percentage = c.percentage;
         statusItem.title = "C3";
         std::size_t filled = 0;

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "focus/ORVCodexFocusState.h"
+#include "sessions/ORVAgentFacts.h"
+#include "sessions/ORVHistoryEvent.h"
+#include "sessions/ORVSessionSnapshot.h"
+#include "sessions/ORVSessionTree.h"
+
+/// Why no task is shown.
+enum class ORVAbsence {
+    none,              ///< A task is shown.
+    notInView,         ///< The focus state says why.
+    noSessionsFolder,  ///< It does not exist, or may not be read.
+    noSessionFile,
+    noSuchTask,
+    severalTasks,  ///< A part of an identifier that means several tasks.
+    noTaskInFolder,
+    unreadable,  ///< A file of the task cannot be read; the error says why.
+};
+
+/// One of several tasks that a part of an identifier means.
+struct ORVTaskChoice {
+    std::string shortID;
+    std::string title;
+    ORVFileDate changedAt;
+};
+
+/// Everything that was found out about one task: the answer to every question about it, of which
+/// each writer shows its part. A view does not change; it is made on the thread that reads.
+struct ORVTaskView {
+    std::optional<ORVSessionSnapshot> snapshot = {};  ///< The figures; none says `absence` why.
+    ORVErrorSlot error = {};                          ///< May stand beside a snapshot.
+    ORVAbsence absence = ORVAbsence::none;
+    std::optional<ORVCodexFocusState> focusState = {};  ///< Where the task in view was asked for.
+
+    bool hasSessionFiles = false;  ///< Where no task is in view and it was wanted.
+
+    std::vector<ORVTaskChoice> choices = {};  ///< The newest of several tasks.
+    std::size_t choiceCount = 0;
+
+    // What was wanted beside the figures.
+    std::optional<std::string> folder = {};
+    std::optional<ORVAgentFacts> agent = {};
+    std::string shortID = {};
+    std::shared_ptr<const ORVHistory> history = {};  ///< Null where there is none, or none was wanted.
+
+    // The place in its family.
+    std::string threadID = {};   ///< Also where there is no snapshot.
+    ORVFileDate changedAt = {};  ///< For the head of a family, when any of its family was.
+    bool isHelper = false;
+    std::optional<std::string> parentID = {};    ///< Of a helper, as recorded.
+    std::optional<std::string> helperName = {};  ///< The name that the agent gave it.
+    std::size_t helpers = 0;                ///< Of a head, where they were counted.
+    bool isRead = true;  ///< Whether the figures were looked for; a later view has them.
+
+    /// Returns the usage that may be shown; null while there is none.
+    const ORVContextUsage* usage() const;
+    std::optional<double> percentage() const;
+
+    /// Returns the focus status whose text tells people why no task is shown.
+    ORVCodexFocusStatus focusStatus() const;
+};
+
+/// A list of tasks.
+struct ORVTaskListView {
+    std::vector<ORVTaskView> tasks;
+    bool hasSessionsFolder = true;
+    bool isComplete = true;  ///< Whether all of them have been read.
+};

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "app/ORVTaskRequest.h"
+#include "app/ORVTaskView.h"
+#include "focus/ORVCodexFocusLogSource.h"
+#include "sessions/ORVCodexSessionSource.h"
+#include "sessions/ORVTaskList.h"
+
+/// Answers every question about tasks, and is the only place that decides which task is meant. Its
+/// sources keep their place in every file, so an answer reads only what is new.
+///
+/// One thread at a time uses it: in the application the refresh queue. Memory that runs out is an
+/// answer with the error ENOMEM.
+class ORVTaskViewer {
+public:
+    /// `files` and `clock` must outlive the viewer. `codexHome` is the folder that holds the
+    /// sessions and their titles.
+    ORVTaskViewer(ORVFiles& files, const ORVClock& clock, const std::string& codexHome,
+                  ORVTaskWants wants);
+
+    // One task (shown_task.cpp)
+
+    /// Returns the task that is shown.
+    ///
+    /// The newest task, and the newest of a folder, is asked for again and again: then the one that
+    /// was shown stays while its family was seen to change within the last ten seconds, so that two
+    /// tasks at work do not take turns. A task that has just begun is shown at once.
+    ORVTaskView view(const ORVShownTask& task);
+
+    /// Returns why no task is shown when a part of an identifier means several; none when it means
+    /// one or none.
+    std::optional<ORVTaskView> severalMeantBy(const std::string& part);
+
+    // Lists (task_list.cpp)
+
+    /// Called now and then with how many of the tasks have been read.
+    using Progress = std::function<void(std::size_t done, std::size_t total)>;
+
+    /// Returns the tasks of a list, newest family first. A list that is asked for once need not be
+    /// remembered, and takes no memory for files that were read.
+    enum class Memory { kept, freed };
+    ORVTaskListView list(const ORVListRequest& request, Memory memory, const Progress& progress);
+
+    ORVCodexSessionSource& sessions() { return sessions_; }
+    ORVCodexFocusLogSource& focus() { return focus_; }
+
+    /// Returns how much of the account's rate limits is used; none when no session file tells it.
+    std::optional<ORVAccountLimits> accountLimits();
+
+    /// Returns the list of all tasks as of the last question that needed it.
+    ORVTaskList& tasks() { return tasks_; }
+
+private:
+    // One task (shown_task.cpp)
+    ORVTaskView viewOfTaskInView();
+    ORVTaskView viewOfHead(const ORVShownTask& task);
+    ORVTaskView viewOfIdentified(const std::string& threadID);
+    ORVTaskView viewOfPart(const std::string& part);
+    ORVTaskView severalTasks(const std::vector<ORVTask>& tasks);
+    std::optional<ORVListedTask> headThatStays(std::optional<ORVListedTask> candidate);
+    bool refreshTasks(ORVTaskView& view);
+    void fill(ORVTaskView& view);
+
+    // Lists (task_list.cpp)
+    std::vector<ORVListedTask> listed(const ORVListRequest& request);
+    void readTasks(std::vector<ORVTaskView>& views, const std::vector<ORVListedTask>& tasks,
+                   const std::vector<std::size_t>& places, Memory memory,
+                   const Progress& progress);
+    ORVTaskView viewOfListed(const ORVListedTask& listed);
+    void placeInFamily(ORVTaskView& view, const ORVListedTask& listed);
+
+    const ORVClock& clock_;
+    const ORVTaskWants wants_;
+    ORVCodexSessionSource sessions_;
+    ORVCodexFocusLogSource focus_;
+    ORVTaskList tasks_;
+
+    std::optional<ORVShownTask> lastTask_;
+
+    /// The head that is shown by its newness, and when its family was last seen to change.
+    struct Shown {
+        ORVTask task;
+        ORVFileDate changedAt;
+        std::optional<ORVClock::TimePoint> sawChangeAt;
+    };
+    std::optional<Shown> shown_;
+
+    /// The identifier that a part was found to mean.
+    std::unordered_map<std::string, std::string> meanings_;
+
+    /// The tasks of the last list that was kept, by identifier, and the files that they came from.
+    struct KeptView {
+        ORVTaskView view;
+        std::vector<ORVWalkedFile> files;
+    };
+    std::unordered_map<std::string, KeptView> kept_;
+};

@@ -1,0 +1,88 @@
+// Figures without words. Tests: tests/app/app_delegate_test.cpp, tests/app/template_test.cpp.
+
+#include "app/figures.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+namespace app {
+namespace {
+
+std::string printed(const char* format, double value) {
+    std::array<char, 400> text{};  // As long as the largest double.
+    std::snprintf(text.data(), text.size(), format, value);
+    return text.data();
+}
+
+}  // namespace
+
+Fullness fullnessOf(std::optional<double> percentage) {
+    if (!percentage) {
+        return Fullness::unknown;
+    }
+    return *percentage < 50   ? Fullness::low
+           : *percentage < 80 ? Fullness::medium
+           : *percentage < 95 ? Fullness::high
+                              : Fullness::full;
+}
+
+const ORVContextUsage* shownUsage(const ORVSessionSnapshot& snapshot) {
+    const bool isAvailable = snapshot.contextStatus() == ORVContextStatusAvailable;
+    return isAvailable && snapshot.contextUsage() ? &*snapshot.contextUsage() : nullptr;
+}
+
+StatusTitle statusTitle(const ORVSessionSnapshot& snapshot) {
+    const bool isCounted = snapshot.compactionStatus() == ORVCompactionStatusValid;
+    const ORVContextUsage* usage = shownUsage(snapshot);
+    return {"C" + (isCounted ? std::to_string(snapshot.compactionCount()) : "–"),
+            (usage ? wholePercent(usage->percentage()) : "--") + '%'};
+}
+
+std::string wholePercent(double percentage) {
+    return printed("%.0f", percentage);
+}
+
+std::string bar(double percentage) {
+    const auto filled = std::lround(std::clamp(percentage, 0.0, 100.0) / (100.0 / kBarCells));
+    std::string cells;
+    for (int cell = 0; cell < kBarCells; ++cell) {
+        cells += cell < filled ? "█" : "░";
+    }
+    return cells;
+}
+
+std::string tokenCount(std::int64_t count) {
+    if (count < 1000) {
+        return std::to_string(count);
+    }
+    const double thousands = static_cast<double>(count) / 1000.0;
+    const bool isWhole = std::fabs(thousands - std::round(thousands)) < 0.05;
+    return printed(isWhole ? "%.0fk" : "%.1fk", thousands);
+}
+
+std::chrono::seconds age(ORVFileDate date, ORVClock::TimePoint now) {
+    const std::int64_t nowSeconds =
+        std::chrono::floor<std::chrono::seconds>(now.time_since_epoch()).count();
+    constexpr std::int64_t kLongAgo = std::int64_t{1} << 60U;
+    return std::chrono::seconds(
+        std::max<std::int64_t>(0, nowSeconds - std::max(date.seconds, -kLongAgo)));
+}
+
+std::string ageText(std::chrono::seconds age) {
+    constexpr std::int64_t kMinute = 60;
+    constexpr std::int64_t kHour = 60 * kMinute;
+    constexpr std::int64_t kDay = 24 * kHour;
+    const std::int64_t seconds = age.count();
+    if (seconds < kMinute) {
+        return std::to_string(seconds) + "s";
+    }
+    if (seconds < kHour) {
+        return std::to_string(seconds / kMinute) + "m";
+    }
+    return seconds < kDay ? std::to_string(seconds / kHour) + "h"
+                          : std::to_string(seconds / kDay) + "d";
+}
+
+}  // namespace app

@@ -1,0 +1,145 @@
+// Lists of tasks: which tasks they hold, and reading those that have changed.
+// Tests: tests/app/task_viewer_test.cpp.
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <tuple>
+#include <utility>
+
+#include "app/ORVTaskViewer.h"
+
+namespace {
+
+/// So many tasks are read before the memory for them is freed.
+constexpr std::size_t kBatch = 256;
+
+/// Returns the date so long before this moment.
+ORVFileDate before(ORVClock::TimePoint now, std::chrono::seconds age) {
+    const auto time = now.time_since_epoch() - age;
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
+    return {seconds.count(),
+            static_cast<std::int32_t>(
+                std::chrono::duration_cast<std::chrono::nanoseconds>(time - seconds).count())};
+}
+
+}  // namespace
+
+std::vector<ORVListedTask> ORVTaskViewer::listed(const ORVListRequest& request) {
+    ORVTaskList::Wanted wanted;
+    wanted.limit = request.limit;
+    wanted.folder = request.folder;
+    using Helpers = ORVTaskList::Wanted::Helpers;
+    wanted.helpers = request.showsHelpers    ? Helpers::listed
+                     : request.countsHelpers ? Helpers::counted
+                                             : Helpers::none;
+    if (request.since) {
+        wanted.changedSince = before(clock_.now(), *request.since);
+    }
+    return tasks_.heads(wanted);
+}
+
+ORVTaskListView ORVTaskViewer::list(const ORVListRequest& request, Memory memory,
+                                    const Progress& progress) {
+    ORVTaskListView view;
+    view.hasSessionsFolder = tasks_.refresh(nullptr);
+    const std::vector<ORVListedTask> tasks = listed(request);
+    std::unordered_map<std::string, KeptView> kept = std::exchange(kept_, {});
+    std::vector<std::size_t> unread;
+    for (std::size_t i = 0; i < tasks.size(); ++i) {
+        ORVTaskView& row = view.tasks.emplace_back();
+        const auto found = kept.find(tasks[i].task.threadID);
+        const bool isKnown = found != kept.end() && found->second.files == tasks[i].task.files;
+        if (isKnown) {
+            row = std::move(found->second.view);
+        } else {
+            unread.push_back(i);
+            row.isRead = false;
+        }
+        placeInFamily(row, tasks[i]);
+    }
+    const std::size_t most = request.readAtOnce > 0 ? request.readAtOnce : unread.size();
+    view.isComplete = unread.size() <= most;
+    unread.resize(std::min(unread.size(), most));
+    readTasks(view.tasks, tasks, unread, memory, progress);
+    if (memory == Memory::kept) {
+        for (std::size_t i = 0; i < tasks.size(); ++i) {
+            if (view.tasks[i].isRead) {
+                kept_[tasks[i].task.threadID] = {view.tasks[i], tasks[i].task.files};
+            }
+        }
+    }
+    return view;
+}
+
+/// Reads the tasks at these places of the list, on all processors.
+void ORVTaskViewer::readTasks(std::vector<ORVTaskView>& views,
+                              const std::vector<ORVListedTask>& tasks,
+                              const std::vector<std::size_t>& places, Memory memory,
+                              const Progress& progress) {
+    for (std::size_t first = 0; first < places.size(); first += kBatch) {
+        const std::size_t end = std::min(first + kBatch, places.size());
+        std::vector<ORVTask> batch;
+        for (std::size_t i = first; i < end; ++i) {
+            batch.push_back(tasks[places[i]].task);
+        }
+        sessions_.readAhead(batch, [&](std::size_t done) {
+            if (progress) {
+                progress(first + done, places.size());
+            }
+        });
+        for (std::size_t i = first; i < end; ++i) {
+            views[places[i]] = viewOfListed(tasks[places[i]]);
+        }
+        if (memory == Memory::freed) {
+            sessions_.forgetFiles();
+        }
+    }
+}
+
+ORVTaskView ORVTaskViewer::viewOfListed(const ORVListedTask& listed) {
+    ORVTaskView view;
+    try {
+        view.snapshot = sessions_.snapshotForTask(listed.task, &view.error);
+        if (wants_.agent && view.snapshot) {
+            view.agent = sessions_.agentFactsForThreadID(listed.task.threadID);
+        }
+        if (wants_.eventsPerFile > 0 && view.snapshot) {
+            view.history = sessions_.historyForThreadID(listed.task.threadID);
+        }
+    } catch (const std::bad_alloc&) {
+        view = {.error = platform::posixError(ENOMEM)};
+    }
+    view.absence = view.snapshot ? ORVAbsence::none : ORVAbsence::unreadable;
+    placeInFamily(view, listed);
+    return view;
+}
+
+void ORVTaskViewer::placeInFamily(ORVTaskView& view, const ORVListedTask& listed) {
+    view.threadID = listed.task.threadID;
+    view.changedAt = listed.changedAt;
+    view.folder = listed.firstLine.folder;
+    view.isHelper = listed.firstLine.isHelper;
+    view.parentID = listed.firstLine.parentID;
+    view.helperName = listed.firstLine.helperName;
+    view.helpers = listed.helpers;
+    if (wants_.shortID) {
+        view.shortID = tasks_.shortIdentifier(listed.task);
+    }
+}
+
+std::optional<ORVAccountLimits> ORVTaskViewer::accountLimits() {
+    constexpr std::size_t kMostFiles = 20;
+    if (!tasks_.refresh(nullptr)) {
+        return std::nullopt;
+    }
+    std::vector<ORVWalkedFile> files;
+    tasks_.tree().forEachFile([&](const ORVWalkedFile& file) { files.push_back(file); });
+    const std::size_t count = std::min(kMostFiles, files.size());
+    std::partial_sort(files.begin(), files.begin() + static_cast<std::ptrdiff_t>(count),
+                      files.end(), [](const ORVWalkedFile& a, const ORVWalkedFile& b) {
+                          return std::tie(b.modifiedAt, a.path) < std::tie(a.modifiedAt, b.path);
+                      });
+    files.resize(count);
+    return sessions_.accountLimits(files);
+}

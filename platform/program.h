@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace platform {
+
+/// Returns the path of the running program's file, links followed; "" when the system does not tell
+/// it.
+std::string programPath();
+
+/// What is known of the program in a Mac's menu bar.
+struct MenuBarProgram {
+    std::optional<std::string> place;  ///< Of its bundle; none while it does not run.
+    bool isRunning = false;
+    std::string text;  ///< For a person, in English.
+};
+
+/// Returns none on systems without a menu bar.
+std::optional<MenuBarProgram> menuBarProgram();
+
+}  // namespace platform

@@ -1,0 +1,98 @@
+// Writes the status item as JSON: whole for scripts, which rely on the keys and their order, and in
+// short for status bars, which take its texts for markup.
+// Tests: tests/ctl/brimletctl_test.cpp.
+
+#include "shells/lines/status_item_json.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "app/figures.h"
+#include "text/json_writing.h"
+#include "text/unicode.h"
+
+namespace json {
+namespace {
+
+std::string boolean(bool value) {
+    return value ? "true" : "false";
+}
+
+std::string menu(const ORVMenu& shown);
+
+std::string menuItem(const ORVMenuItem& item) {
+    if (item.isSeparator()) {
+        return text::objectJSON({{"separator", "true"}});
+    }
+    std::vector<std::pair<std::string_view, std::string>> fields = {
+        {"item", text::quotedJSON(item.field)},
+        {"title", text::quotedJSON(item.title)},
+        {"enabled", boolean(item.enabled)},
+        {"hidden", boolean(item.hidden)}};
+    if (item.tag) {
+        fields.emplace_back("tag", std::to_string(*item.tag));
+        fields.emplace_back("state", boolean(item.state));
+    }
+    if (item.image) {
+        fields.emplace_back("image", text::quotedJSON(item.image->name));
+        fields.emplace_back("imageDescription", text::quotedJSON(item.image->description));
+    }
+    if (!item.keyEquivalent.empty()) {
+        fields.emplace_back("keyEquivalent", text::quotedJSON(item.keyEquivalent));
+    }
+    if (item.submenu) {
+        fields.emplace_back("submenu", menu(*item.submenu));
+    }
+    return text::objectJSON(fields);
+}
+
+std::string menu(const ORVMenu& shown) {
+    std::string text = "[";
+    for (const auto& item : shown.items) {
+        if (text.size() > 1) {
+            text += ',';
+        }
+        text += menuItem(*item);
+    }
+    return text + ']';
+}
+
+std::string escapedForPango(std::string_view text) {
+    static constexpr std::pair<char, std::string_view> kEscapes[] = {
+        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
+    std::string escaped;
+    for (const char c : text) {
+        const auto* found = std::find_if(std::begin(kEscapes), std::end(kEscapes),
+                                         [&](const auto& escape) { return escape.first == c; });
+        escaped += found == std::end(kEscapes) ? std::string(1, c) : std::string(found->second);
+    }
+    return escaped;
+}
+
+std::string_view classFor(std::optional<double> percentage) {
+    static constexpr std::string_view kNames[] = {"unknown", "low", "medium", "high", "full"};
+    return kNames[static_cast<std::size_t>(app::fullnessOf(percentage))];
+}
+
+}  // namespace
+
+std::string statusItem(const ORVStatusItem& statusItem) {
+    return text::objectJSON({{"title", text::quotedJSON(statusItem.title)},
+                             {"toolTip", text::quotedJSON(statusItem.toolTip)},
+                             {"menu", menu(*statusItem.menu)}});
+}
+
+std::string waybar(const ORVAppDelegate& delegate) {
+    const ORVStatusItem& item = delegate.statusItem();
+    std::string toolTip;
+    for (const std::string& line : delegate.informationLines()) {
+        toolTip += (toolTip.empty() ? "" : "\n") + escapedForPango(text::forTerminal(line));
+    }
+    return text::objectJSON({{"text", text::quotedJSON(escapedForPango(item.title))},
+                             {"tooltip", text::quotedJSON(toolTip)},
+                             {"class", text::quotedJSON(classFor(item.percentage))},
+                             {"percentage", app::wholePercent(item.percentage.value_or(0))}});
+}
+
+}  // namespace json

@@ -1,0 +1,217 @@
+// Measures text, makes it fit into columns, and writes rows with their styles.
+// Tests: tests/shells/terminal_test.cpp.
+
+#include "shells/terminal/screen.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+#include <wchar.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <utility>
+
+#include "shells/terminal/terminal_modes.h"
+#include "text/unicode.h"
+
+namespace terminal {
+namespace {
+
+struct Character {
+    std::string_view bytes;
+    wchar_t code;
+    int columns;  ///< -1 when the library does not know the character.
+};
+
+/// Returns the first character of a text, which must be valid UTF-8.
+Character nextCharacter(std::string_view text) {
+    const auto lead = static_cast<unsigned char>(text.front());
+    const std::size_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    unsigned code = length == 1 ? lead : lead & (0x7FU >> length);
+    for (const char c : text.substr(1, length - 1)) {
+        code = code << 6 | (static_cast<unsigned char>(c) & 0x3FU);
+    }
+    const auto wide = static_cast<wchar_t>(code);
+    return {text.substr(0, length), wide, wcwidth(wide)};
+}
+
+/// Whether the character makes one picture of several, which some terminals do and others do not:
+/// the variants, skin tones and tags of pictures, and the joiner behind a wide character. (Behind
+/// other characters the joiner shapes letters.)
+bool joinsPictures(const Character& character, int columnsBefore) {
+    const auto isIn = [&](wchar_t first, wchar_t last) {
+        return character.code >= first && character.code <= last;
+    };
+    return isIn(0xFE00, 0xFE0F) || isIn(0xE0000, 0xE01EF) ||
+           (columnsBefore == 2 && (isIn(0x200D, 0x200D) || isIn(0x1F3FB, 0x1F3FF)));
+}
+
+std::string unicodeText(std::string_view text) {
+    std::string result;
+    int columnsBefore = 0;
+    while (!text.empty()) {
+        const Character next = nextCharacter(text);
+        text.remove_prefix(next.bytes.size());
+        if (joinsPictures(next, columnsBefore)) {
+            continue;
+        }
+        result += next.columns < 0 ? "\uFFFD" : next.bytes;
+        columnsBefore = next.columns;
+    }
+    return result;
+}
+
+/// Writes the characters of the program's own English texts in ASCII, and "?" for every other one.
+std::string asciiText(std::string_view text) {
+    static constexpr std::pair<std::string_view, std::string_view> kStandIns[] = {
+        {"·", "-"},
+        {"–", "-"},
+        {"—", "-"},
+        {"…", "..."},
+        {"✓", "*"},
+        {"█", "#"},
+        {"░", "."},
+        {"\u202F", " "},
+        {"↑", "^"},
+        {"↓", "v"},
+        {"→", ">"},
+        {"←", "<"},
+        {"▲", "^"},
+        {"▼", "v"},
+        {"•", "*"},
+        {"简体中文", "Simplified Chinese"}};
+    std::string result;
+    while (!text.empty()) {
+        const Character next = nextCharacter(text);
+        const auto* standIn =
+            std::find_if(std::begin(kStandIns), std::end(kStandIns),
+                         [&](const auto& pair) { return text.starts_with(pair.first); });
+        const bool hasStandIn = standIn != std::end(kStandIns);
+        result += hasStandIn ? standIn->second : next.bytes.size() == 1 ? next.bytes : "?";
+        text.remove_prefix(hasStandIn ? standIn->first.size() : next.bytes.size());
+    }
+    return result;
+}
+
+/// Returns the numbers that select a style, "" for plain text.
+std::string codesOf(const Style& style) {
+    static constexpr std::string_view kColours[] = {"", "32", "33", "31", "1;31"};
+    std::string codes;
+    for (const std::string_view code :
+         {std::string_view(style.isBold ? "1" : ""), std::string_view(style.isDimmed ? "2" : ""),
+          std::string_view(style.isReversed ? "7" : ""),
+          kColours[static_cast<std::size_t>(style.fullness)]}) {
+        codes += (codes.empty() || code.empty() ? "" : ";") + std::string(code);
+    }
+    return codes;
+}
+
+}  // namespace
+
+std::string shown(std::string_view text, const Screen& screen) {
+    const std::string safe = text::forTerminal(text);
+    return screen.showsUnicode ? unicodeText(safe) : asciiText(safe);
+}
+
+int textColumns(std::string_view text) {
+    int columns = 0;
+    while (!text.empty()) {
+        const Character next = nextCharacter(text);
+        columns += next.columns;
+        text.remove_prefix(next.bytes.size());
+    }
+    return columns;
+}
+
+std::string_view beginning(std::string_view text, int columns) {
+    std::size_t end = 0;
+    while (end < text.size()) {
+        const Character next = nextCharacter(text.substr(end));
+        if (next.columns > columns) {
+            break;
+        }
+        columns -= next.columns;
+        end += next.bytes.size();
+    }
+    return text.substr(0, end);
+}
+
+std::string cut(std::string_view text, int columns, const Screen& screen) {
+    if (columns < 1) {
+        return {};
+    }
+    if (textColumns(text) <= columns) {
+        return std::string(text);
+    }
+    return std::string(beginning(text, columns - 1)) + (screen.showsUnicode ? "…" : "~");
+}
+
+std::string fitted(std::string_view text, int columns, const Screen& screen) {
+    const std::string result = cut(text, columns, screen);
+    return result + repeated(" ", columns - textColumns(result));
+}
+
+std::string repeated(std::string_view piece, int count) {
+    std::string result;
+    for (int i = 0; i < count; ++i) {
+        result += piece;
+    }
+    return result;
+}
+
+std::string plainText(const Row& row) {
+    std::string text;
+    for (const Piece& piece : row) {
+        text += piece.text;
+    }
+    return text;
+}
+
+std::string line(const Row& row, bool isColoured) {
+    Row trimmed = row;
+    while (!trimmed.empty()) {
+        std::string& last = trimmed.back().text;
+        last.resize(last.find_last_not_of(' ') + 1);
+        if (!last.empty()) {
+            break;
+        }
+        trimmed.pop_back();
+    }
+    std::string text;
+    for (const Piece& piece : trimmed) {
+        const std::string codes = isColoured ? codesOf(piece.style) : "";
+        text += codes.empty() ? piece.text : "\x1b[" + codes + "m" + piece.text + "\x1b[0m";
+    }
+    return text + '\n';
+}
+
+void show(Row& row, const Screen& screen) {
+    int columns = screen.columns;
+    for (Piece& piece : row) {
+        piece.text = cut(shown(piece.text, screen), columns, screen);
+        columns -= textColumns(piece.text);
+    }
+}
+
+void fit(Row& row, int columns, const Screen& screen) {
+    for (Piece& piece : row) {
+        piece.text = cut(piece.text, columns, screen);
+        columns -= textColumns(piece.text);
+    }
+    row.push_back({repeated(" ", columns)});
+    std::erase_if(row, [](const Piece& piece) { return piece.text.empty(); });
+}
+
+Screen screenOfOutput() {
+    Screen screen;
+    screen.showsUnicode = setUpCharacters();
+    winsize size{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0) {
+        screen.columns = std::min<int>(size.ws_col, kMostColumns);
+        screen.rows = std::min<int>(size.ws_row, kMostRows);
+    }
+    return screen;
+}
+
+}  // namespace terminal

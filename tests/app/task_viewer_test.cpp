@@ -1,0 +1,274 @@
+#include "app/ORVTaskViewer.h"
+
+#include <gtest/gtest.h>
+
+#include "shells/lines/answer_json.h"
+#include "tests/support/ManualClock.h"
+#include "tests/support/MemoryFiles.h"
+#include "tests/support/records.h"
+
+namespace {
+
+using records::kOther;
+using records::kTask;
+using records::log;
+using Fault = MemoryFiles::Fault;
+
+/// Both sources over files of both kinds, and what they answer.
+class World {
+public:
+    World() {
+        setenv("HOME", "/h", 1);
+        disk.write("/Applications/Codex.app/Contents/Info.plist",
+                   "<plist><dict><key>CFBundleShortVersionString</key><string>1.2</string>"
+                   "</dict></plist>");
+        disk.append("/h/Library/Logs/com.openai.codex/old/a.log", log("1 activity OTHER") + padding());
+        disk.append("/h/Library/Logs/com.openai.codex/b.log", log("1 window | 2 route /local/TASK"));
+        disk.append(file("a"), records::compacted("w1") + records::contextCompacted("") +
+                                   padding() + records::compacted("w2"));
+        disk.append(file("b"), records::compacted("w2") + records::tokenCount("136000"));
+        disk.append(file("c", kOther), records::tokenCount("27200"));
+        disk.write(kIndex, records::title(kTask, "first"));
+    }
+
+    /// Changes the files as the applications do: one grows, one is replaced, one is shortened.
+    void goOn() {
+        disk.append("/h/Library/Logs/com.openai.codex/b.log", log("3 route /local/OTHER") + "4 half of a li");
+        disk.replace("/h/Library/Logs/com.openai.codex/old/a.log",
+                     log("2 activity OTHER") + padding() + log("5 activity TASK"));
+        disk.replace(file("a"), records::compacted("w4") + records::compacted("w1"));
+        disk.append(file("b"), records::compacted("w3") + records::tokenCount("68000") + "{\"ty");
+        disk.write(file("c", kOther), "");
+        disk.write(kIndex, records::title(kTask, "second"));
+    }
+
+    std::string refresh() {
+        const ORVTaskView view = viewer_.view({});
+        return json::focus(*view.focusState) + json::snapshot(view.snapshot) +
+               json::error(view.error);
+    }
+
+    MemoryFiles disk;
+    ManualClock clock;
+
+private:
+    static constexpr const char* kIndex = "/codex/session_index.jsonl";
+
+    /// A text that is longer than one chunk.
+    static std::string padding() { return records::message(std::string(140'000, 'x')); }
+    static std::string file(const std::string& name, const std::string& task = kTask) {
+        return "/codex/sessions/" + name + "/" + task + ".jsonl";
+    }
+
+    ORVTaskViewer viewer_{disk, clock, "/codex", {}};
+};
+
+struct Case {
+    Fault fault;
+    bool isSeen;  ///< Whether it shows in the answer of the refresh in which it happens.
+};
+
+constexpr Case kCases[] = {
+    {Fault::error, true},         {Fault::unseenFolder, true}, {Fault::largerSize, false},
+    {Fault::smallerSize, true},   {Fault::noSize, true},       {Fault::noDate, true},
+    {Fault::noFileNumber, false}, {Fault::shortRead, false},   {Fault::earlyEnd, true}};
+
+/// Brings about the fault at every call of the first refresh, or of the one after the files
+/// changed. The next refresh, without a fault, must answer as if nothing had happened.
+void sweep(const Case& c, bool afterChange) {
+    const auto prepare = [afterChange](World& world) {
+        if (afterChange) {
+            (void)world.refresh();
+            world.goOn();
+        }
+    };
+    World healthy;
+    prepare(healthy);
+    const std::string expected = healthy.refresh();
+    int faults = 0;
+    int seen = 0;
+    bool wasUntouched = false;
+    for (int call = 1; !wasUntouched; ++call) {
+        World faulty;
+        prepare(faulty);
+        faulty.disk.failingCall = faulty.disk.calls + call;
+        faulty.disk.fault = c.fault;
+        seen += faulty.refresh() != expected ? 1 : 0;
+        faults += faulty.disk.faults;
+        wasUntouched = faulty.disk.calls < faulty.disk.failingCall;
+        faulty.disk.failingCall = 0;
+        if (c.fault == Fault::unseenFolder || c.fault == Fault::error) {
+            // A search that missed a folder is kept for ten seconds.
+            faulty.clock.time += std::chrono::seconds(11);
+        }
+        ASSERT_EQ(expected, faulty.refresh()) << "at call " << call;
+    }
+    EXPECT_GT(faults, 0);
+    EXPECT_EQ(c.isSeen, seen > 0);
+}
+
+TEST(TaskViewerTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
+    constexpr int kAttributesOfTheLog = 3;  // The calls before it: property list and walk.
+    constexpr const char* kLog = "/h/Library/Logs/com.openai.codex/main.log";
+    const std::string file = std::string("/codex/sessions/") + kTask + ".jsonl";
+    MemoryFiles disk;
+    const ManualClock clock;
+    setenv("HOME", "/h", 1);
+    ORVTaskViewer viewer(disk, clock, "/codex", {});
+    /// Returns the focus status, the snapshot's task, and the error.
+    const auto refresh = [&](int failingCall) {
+        disk.failingCall = failingCall == 0 ? 0 : disk.calls + failingCall;
+        const ORVTaskView view = viewer.view({});
+        return std::to_string(view.focusState->status()) +
+               (view.snapshot ? " " + view.snapshot->threadID() : "") +
+               (view.error ? " error " + std::to_string(view.error->code) : "");
+    };
+    const std::string task = kTask;
+    EXPECT_EQ("2 error " + std::to_string(ENOENT), refresh(0));
+    disk.append(kLog, log("1 activity TASK"));
+    disk.append(file, "");
+    EXPECT_EQ("0 " + task, refresh(0));
+    EXPECT_EQ("0 " + task + " error " + std::to_string(EIO), refresh(kAttributesOfTheLog))
+        << "the focus source's error stands beside a snapshot";
+    disk.remove(file);
+    EXPECT_EQ("0 error " + std::to_string(EIO), refresh(kAttributesOfTheLog))
+        << "and before a missing task";
+    EXPECT_EQ("0 error 2", refresh(0));
+    disk.append(kLog, log("2 activity client-new-thread:1"));
+    EXPECT_EQ("1", refresh(0));
+}
+
+std::string firstLine(const std::string& folder, const std::string& parent = "") {
+    return R"({"type":"session_meta","payload":{"cwd":")" + folder + "\"" +
+           (parent.empty() ? ""
+                           : R"(,"thread_source":"subagent","parent_thread_id":")" + parent +
+                                 R"(","agent_nickname":"Euler")") +
+           "}}\n";
+}
+
+/// Tasks that are named by one letter, and what is shown of them.
+class Tasks {
+public:
+    static std::string idOf(char task) {
+        return "01a20e72-0000-7000-8000-00000000000" + std::string(1, task);
+    }
+
+    void begin(char task, const std::string& parent = "") {
+        disk.write(fileOf(task), firstLine("/code", parent) + records::tokenCount("27200"));
+    }
+    void goOn(char task) { disk.append(fileOf(task), records::tokenCount("27200")); }
+
+    char latest() {
+        clock.time += std::chrono::seconds(2);
+        const ORVTaskView view = viewer.view({ORVShownTask::Choice::latest, ""});
+        return view.snapshot ? view.snapshot->threadID().back() : '-';
+    }
+
+    MemoryFiles disk;
+    ManualClock clock;
+    ORVTaskViewer viewer{disk, clock, "/codex", {.shortID = true}};
+
+private:
+    static std::string fileOf(char task) { return "/codex/sessions/" + idOf(task) + ".jsonl"; }
+};
+
+TEST(ShownTaskTest, AHelperNeverMakesTheShownTaskFlip) {
+    Tasks tasks;
+    EXPECT_EQ('-', tasks.latest());
+    tasks.begin('a');
+    tasks.begin('b', Tasks::idOf('a'));
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ('a', tasks.latest());
+        tasks.goOn(i % 2 == 0 ? 'b' : 'a');
+    }
+    const ORVTaskView view = tasks.viewer.view({ORVShownTask::Choice::latest, ""});
+    EXPECT_LT(view.snapshot->lastUpdated(), view.changedAt) << "the family changed after its head";
+}
+
+TEST(ShownTaskTest, TwoTasksAtWorkDoNotTakeTurnsButATaskThatBeginsIsShown) {
+    Tasks tasks;
+    tasks.begin('a');
+    tasks.begin('b');
+    EXPECT_EQ('b', tasks.latest());
+    tasks.goOn('a');
+    EXPECT_EQ('a', tasks.latest()) << "nobody saw the other one change";
+    for (int i = 0; i < 4; ++i) {
+        tasks.goOn('b');
+        EXPECT_EQ('a', tasks.latest());
+        tasks.goOn('a');
+        tasks.goOn('b');
+        EXPECT_EQ('a', tasks.latest());
+    }
+    for (int i = 0; i < 4; ++i) {
+        tasks.goOn('b');
+        EXPECT_EQ('a', tasks.latest()) << i;
+    }
+    tasks.goOn('b');
+    EXPECT_EQ('b', tasks.latest()) << "ten seconds after the last change";
+    tasks.goOn('b');
+    tasks.begin('c');
+    EXPECT_EQ('c', tasks.latest());
+}
+
+TEST(ShownTaskTest, APartOfAnIdentifierMeansOneTaskOrNone) {
+    Tasks tasks;
+    const auto shown = [&](const std::string& part) {
+        const ORVTaskView view = tasks.viewer.view({ORVShownTask::Choice::identified, part});
+        return (view.snapshot ? view.snapshot->threadID() : "") +
+               (view.error ? view.error->domain + std::to_string(view.error->code) : "");
+    };
+    EXPECT_EQ("Orvellan1", shown("A"));
+    tasks.begin('a');
+    EXPECT_EQ("Orvellan2", shown("B"));
+    tasks.begin('b', Tasks::idOf('a'));
+    EXPECT_EQ(Tasks::idOf('b'), shown("000B")) << "a helper, too";
+    EXPECT_EQ("brimletctl3", shown("01a20e72"));
+    const auto several = tasks.viewer.severalMeantBy("01a20e72");
+    ASSERT_EQ(2U, several->choiceCount);
+    EXPECT_EQ("00000b", several->choices.front().shortID);
+    EXPECT_EQ(std::nullopt, tasks.viewer.severalMeantBy("00a"));
+}
+
+TEST(TaskListTest, RowsAreReadInPiecesAndKept) {
+    Tasks tasks;
+    for (const char task : {'a', 'b', 'c'}) {
+        tasks.begin(task);
+    }
+    tasks.begin('d', Tasks::idOf('a'));
+    const auto rows = [&](const ORVListRequest& request) {
+        std::string text;
+        const auto list =
+            tasks.viewer.list(request, ORVTaskViewer::Memory::kept, {});
+        for (const ORVTaskView& row : list.tasks) {
+            text += row.threadID.back();
+            text += row.isRead ? (row.snapshot ? "" : "!") : "?";
+        }
+        return text + (list.isComplete ? "" : " more");
+    };
+    ORVListRequest request{.readAtOnce = 2};
+    EXPECT_EQ("acb? more", rows(request)) << "a helper's change is its head's";
+    EXPECT_EQ("acb", rows(request));
+    request.showsHelpers = true;
+    EXPECT_EQ("adcb", rows(request));
+    const int opened = tasks.disk.opened;
+    EXPECT_EQ("adcb", rows(request));
+    EXPECT_EQ(opened, tasks.disk.opened) << "nothing changed";
+    tasks.goOn('b');
+    EXPECT_EQ("badc", rows(request));
+    EXPECT_EQ(opened + 1, tasks.disk.opened);
+    request.limit = 1;
+    request.showsHelpers = false;
+    EXPECT_EQ("b", rows(request));
+    request.since = std::chrono::seconds(0);
+    EXPECT_EQ("", rows(request));
+}
+
+TEST(FaultsTest, AnyFaultIsMadeUpForByTheNextRefresh) {
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(static_cast<int>(c.fault));
+        sweep(c, false);
+        sweep(c, true);
+    }
+}
+
+}  // namespace
