@@ -6,14 +6,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include "text/timestamps.h"
+
 namespace history {
 namespace {
 
 /// Larger than any screen, so that no size can take all memory.
 constexpr int kMostColumns = 2000;
 constexpr int kMostRows = 200;
-
-constexpr std::size_t kDateLength = std::string_view("2026-11-24").size();
 
 struct Glyphs {
     std::vector<std::string_view> fills;  ///< A cell filled from one part to all of its height.
@@ -27,44 +27,65 @@ const Glyphs& glyphsFor(bool unicode) {
     return unicode ? kUnicode : kASCII;
 }
 
-/// Returns "2026-11-24 16:45" for "2026-11-24T16:45:21.002Z", and "" for a text of another form.
-std::string minuteOf(std::string_view timestamp) {
-    constexpr std::string_view kForm = "0000-00-00T00:00:";
-    const std::string_view begin = timestamp.substr(0, kForm.size());
-    const bool hasForm = std::equal(
-        begin.begin(), begin.end(), kForm.begin(), kForm.end(),
-        [](char c, char form) { return form == '0' ? c >= '0' && c <= '9' : c == form; });
-    if (!hasForm) {
+struct Caption {
+    Span span;
+    std::string counts;
+    int countColumns = 0;
+};
+
+/// Returns the caption in at most this many columns, with the counts between the times, and "" when
+/// it does not fit.
+std::string spreadOut(const Caption& caption, int columns) {
+    constexpr int kGap = 2;
+    const auto& [span, counts, middle] = caption;
+    const int left = span.first.empty() ? 0 : static_cast<int>(span.first.size()) + kGap;
+    const int right = span.last.empty() ? 0 : static_cast<int>(span.last.size()) + kGap;
+    if (left + middle + right > columns) {
         return {};
     }
-    std::string minute(begin.substr(0, kForm.size() - 1));
-    minute[kDateLength] = ' ';
-    return minute;
+    const int at = std::clamp((columns - middle) / 2, left, columns - right - middle);
+    const auto spaces = [](int count) { return std::string(static_cast<std::size_t>(count), ' '); };
+    std::string text = span.first;
+    text += spaces(at - static_cast<int>(text.size())) + counts;
+    if (!span.last.empty()) {
+        text += spaces(columns - at - middle - static_cast<int>(span.last.size())) + span.last;
+    }
+    return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-/// Returns both ends of the span in exactly this many columns. When they do not fit, only the times
-/// or only the days stand there; the row is "" when even these do not fit.
-std::string timeRow(Span span, std::size_t columns) {
-    std::string& first = span.first;
-    std::string& last = span.last;
-    const auto fits = [&] {
-        const std::size_t gap = first.empty() || last.empty() ? 0 : 1;
-        return first.size() + gap + last.size() <= columns;
-    };
-    if (!fits()) {
-        const bool isOneDay = first.empty() || last.empty() ||
-                              first.substr(0, kDateLength) == last.substr(0, kDateLength);
-        for (std::string* time : {&first, &last}) {
-            if (!time->empty()) {
-                *time = isOneDay ? time->substr(kDateLength + 1) : time->substr(5, 5);
+/// Returns the row of times and counts. Where it does not fit, first the word for compactions is
+/// left out, then the days or the times of day, then both times, then the compactions; it is ""
+/// when even the answers do not fit.
+std::string captionRow(const std::vector<ORVHistoryEvent>& events, int columns,
+                       const PlotSize& size) {
+    const Tally tally = tallyOf(events);
+    const Words& words = size.words;
+    const std::string answers = counted(tally.answers, words.answer, words.answers);
+    const Caption least = {{}, answers, roughColumns(answers)};
+    Caption brief = least;
+    Caption full = least;
+    if (tally.compactions > 0) {
+        const std::string mark = size.showsUnicode ? " · ▼ " : ", v ";
+        const int markColumns = size.showsUnicode ? 5 : 4;
+        const std::string number = std::to_string(tally.compactions);
+        const std::string text = counted(tally.compactions, words.compaction, words.compactions);
+        brief.counts += mark + number;
+        brief.countColumns += markColumns + roughColumns(number);
+        full.counts += mark + text;
+        full.countColumns += markColumns + roughColumns(text);
+    }
+    const Span days = spanOf(events, "%Y-%m-%d");
+    const bool isOneDay = days.first.empty() || days.last.empty();
+    for (const char* pattern : {kMinutePattern, isOneDay ? "%H:%M" : "%m-%d", ""}) {
+        for (Caption* caption : {&full, &brief}) {
+            caption->span = spanOf(events, pattern);
+            std::string row = spreadOut(*caption, columns);
+            if (!row.empty()) {
+                return row;
             }
         }
     }
-    if (!fits()) {
-        return {};
-    }
-    return last.empty() ? first
-                        : first + std::string(columns - first.size() - last.size(), ' ') + last;
+    return spreadOut(least, columns);
 }
 
 /// Widens the columns to exactly this many cells, each to the same number or one more. A mark
@@ -132,22 +153,59 @@ std::vector<Column> thinned(const std::vector<ORVHistoryEvent>& events, std::siz
     return columns;
 }
 
-Span spanOf(const std::vector<ORVHistoryEvent>& events) {
+void thinMarks(std::vector<Column>& columns, std::size_t distance) {
+    const auto marks = static_cast<std::size_t>(std::count_if(
+        columns.begin(), columns.end(), [](const Column& column) { return column.isCompacted; }));
+    if (marks * distance <= columns.size()) {
+        return;
+    }
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        columns[i].isCompacted = columns[i].isCompacted && i >= next;
+        next = columns[i].isCompacted ? i + distance : next;
+    }
+}
+
+Tally tallyOf(const std::vector<ORVHistoryEvent>& events) {
+    const auto compactions = static_cast<std::size_t>(std::count_if(
+        events.begin(), events.end(), [](const auto& event) { return event.isCompaction(); }));
+    return {events.size() - compactions, compactions};
+}
+
+std::string counted(std::size_t count, std::string_view one, std::string_view several) {
+    return std::to_string(count) + " " + std::string(count == 1 ? one : several);
+}
+
+Span spanOf(const std::vector<ORVHistoryEvent>& events, const char* pattern) {
+    const auto textOf = [&](const ORVHistoryEvent& event) {
+        const auto time = text::timeOf(event.at);
+        return time ? text::localTime(*time, pattern) : "";
+    };
     if (events.empty()) {
         return {};
     }
-    Span span = {minuteOf(events.front().at), minuteOf(events.back().at)};
+    Span span = {textOf(events.front()), textOf(events.back())};
     if (span.last == span.first) {
         span.last.clear();
     }
     return span;
 }
 
+int roughColumns(std::string_view text) {
+    int columns = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        columns += byte >= 0xE0 ? 2 : (byte & 0xC0U) == 0x80 ? 0 : 1;
+    }
+    return columns;
+}
+
 std::vector<PlotRow> plot(const std::vector<ORVHistoryEvent>& events, const PlotSize& size) {
     constexpr int kColumnsForLabels = 20;
     constexpr int kRowsForAxis = 3;
-    constexpr int kRowsForTimes = 4;
+    constexpr int kRowsForCaption = 4;
     constexpr int kLabelColumns = 5;
+    constexpr std::size_t kColumnsOfMark = 3;
     if (events.empty() || size.columns < 1 || size.rows < 1) {
         return {};
     }
@@ -158,10 +216,12 @@ std::vector<PlotRow> plot(const std::vector<ORVHistoryEvent>& events, const Plot
     const bool hasLabels = hasAxis && columns >= kColumnsForLabels;
     const int left = hasLabels ? kLabelColumns : 0;
     const auto width = static_cast<std::size_t>(columns - left);
-    const std::vector<Column> cells = spread(thinned(events, width), width);
-    const std::string times = rows >= kRowsForTimes ? timeRow(spanOf(events), width) : "";
+    std::vector<Column> cells = spread(thinned(events, width), width);
+    thinMarks(cells, kColumnsOfMark);
+    const std::string caption =
+        rows >= kRowsForCaption ? captionRow(events, columns - left, size) : "";
 
-    const int barRows = rows - (hasAxis ? 1 : 0) - (times.empty() ? 0 : 1);
+    const int barRows = rows - (hasAxis ? 1 : 0) - (caption.empty() ? 0 : 1);
     std::vector<PlotRow> result;
     for (int row = barRows - 1; row >= 0; --row) {
         result.push_back({hasLabels ? labelOf(row, barRows, drawn) : "",
@@ -174,8 +234,8 @@ std::vector<PlotRow> plot(const std::vector<ORVHistoryEvent>& events, const Plot
         }
         result.push_back({hasLabels ? "  0%" + std::string(drawn.corner) : "", axis, {}});
     }
-    if (!times.empty()) {
-        result.push_back({std::string(static_cast<std::size_t>(left), ' '), times, {}});
+    if (!caption.empty()) {
+        result.push_back({std::string(static_cast<std::size_t>(left), ' '), caption, {}});
     }
     return result;
 }

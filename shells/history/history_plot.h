@@ -11,11 +11,19 @@
 /// Draws a task's history as rows of text.
 namespace history {
 
-/// The room that a plot has, and the characters that may stand in it.
+/// What is counted, for one and for several of them. The texts must outlive the call, and be ASCII
+/// where the plot is.
+struct Words {
+    std::string_view answer = "answer", answers = "answers";
+    std::string_view compaction = "compaction", compactions = "compactions";
+};
+
+/// The room that a plot has, and the characters and words that may stand in it.
 struct PlotSize {
     int columns = 80;
     int rows = 12;
     bool showsUnicode = true;  ///< Otherwise the plot is plain ASCII.
+    Words words = {};
 };
 
 /// One row of a plot. Label and text together fit into the plot's columns.
@@ -24,13 +32,13 @@ struct PlotRow {
     std::string text;   ///< Without spaces at its end.
 
     /// The percentage at half the height of the row, for the colour of its text. None for the axis
-    /// below the bars and for the times.
+    /// below the bars and for the row of times and counts.
     std::optional<double> level;
 };
 
 /// Returns the usage from 0 to 100 % as bars, the oldest at the left, with marks for compactions.
-/// When there is room, an axis and the first and last time stand below. The rows fill the room;
-/// without events there are no rows.
+/// When there is room, an axis and a row with the first and last time, the number of answers and
+/// that of compactions stand below. The rows fill the room; without events there are no rows.
 std::vector<PlotRow> plot(const std::vector<ORVHistoryEvent>& events, const PlotSize& size);
 
 /// A column of a picture. All columns have the same width.
@@ -47,13 +55,33 @@ struct Column {
 /// usage has a column of its own, which also holds the compaction right before it.
 std::vector<Column> thinned(const std::vector<ORVHistoryEvent>& events, std::size_t room);
 
-/// The beginning and the end of a history, as "2026-11-24 16:45" in the time zone of the records.
-/// Either is "" when its record has no ISO 8601 timestamp; the end also when both are in the same
-/// minute.
+/// Where compactions would take more than one in `distance` columns, removes marks until each is at
+/// least as many columns from the one before; the first stays.
+void thinMarks(std::vector<Column>& columns, std::size_t distance);
+
+/// How much a history holds.
+struct Tally {
+    std::size_t answers = 0;
+    std::size_t compactions = 0;
+};
+Tally tallyOf(const std::vector<ORVHistoryEvent>& events);
+
+/// Returns "1 answer" or "38 answers".
+std::string counted(std::size_t count, std::string_view one, std::string_view several);
+
+/// How `strftime` writes "2026-11-24 16:45".
+inline constexpr const char* kMinutePattern = "%Y-%m-%d %H:%M";
+
+/// The beginning and the end of a history in the user's time zone. Either is "" when its record has
+/// no ISO 8601 time stamp; the end also when both have the same text.
 struct Span {
     std::string first;
     std::string last;
 };
-Span spanOf(const std::vector<ORVHistoryEvent>& events);
+Span spanOf(const std::vector<ORVHistoryEvent>& events, const char* pattern);
+
+/// Estimates the columns of a text whose font or terminal is not asked: two for each character of
+/// three bytes or more, since most of these are wide.
+int roughColumns(std::string_view text);
 
 }  // namespace history

@@ -44,10 +44,6 @@ std::string tenths(double value) {
     return std::to_string(rounded / 10) + "." + std::to_string(rounded % 10);
 }
 
-std::string counted(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 std::string replaced(std::string_view text, std::string_view piece, std::string_view replacement) {
     std::string result;
     for (std::size_t at; (at = text.find(piece)) != text.npos;) {
@@ -67,17 +63,6 @@ std::string escaped(const std::string& text) {
     return replaced(replaced(replaced(text, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
 }
 
-/// Estimates the columns of a text in an unknown font: two for each character of three bytes or
-/// more, since most of these are wide.
-int roughColumns(std::string_view text) {
-    int columns = 0;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        columns += byte >= 0xE0 ? 2 : (byte & 0xC0U) == 0x80 ? 0 : 1;
-    }
-    return columns;
-}
-
 /// Cuts a line to the width of the picture.
 std::string fitted(std::string text) {
     constexpr int kColumns = 70;  // About 600 pixels of this font.
@@ -95,12 +80,13 @@ std::string fitted(std::string text) {
     return text + "…";
 }
 
-std::string textAt(int x, int y, std::string_view attributes, const std::string& text) {
-    if (text.empty()) {
+/// Writes a text that may hold markup.
+std::string textAt(int x, int y, std::string_view attributes, const std::string& markup) {
+    if (markup.empty()) {
         return {};
     }
     return "<text x=\"" + std::to_string(x) + "\" y=\"" + std::to_string(y) + "\" " +
-           std::string(attributes) + ">" + escaped(text) + "</text>\n";
+           std::string(attributes) + ">" + markup + "</text>\n";
 }
 
 std::string path(std::string_view name, const std::string& steps) {
@@ -151,29 +137,33 @@ std::string grid() {
 }  // namespace
 
 std::string svg(const std::vector<ORVHistoryEvent>& events, const std::string& title) {
+    constexpr std::size_t kMarkWidth = 12;  // With the space after it.
     const std::string name = oneLine(title);
-    const Span span = spanOf(events);
-    const std::vector<Column> columns = thinned(events, kWidth);
+    const Span span = spanOf(events, kMinutePattern);
+    std::vector<Column> columns = thinned(events, kWidth);
+    thinMarks(columns, (kMarkWidth * columns.size() + kWidth - 1) / kWidth);
     std::optional<double> highest;
     for (const Column& column : columns) {
         highest = std::max(highest, column.level);
     }
-    const auto compactions = static_cast<std::size_t>(std::count_if(
-        events.begin(), events.end(), [](const auto& event) { return event.isCompaction(); }));
-    const std::string tally = counted(compactions, "compaction");
-    const std::string description = "How full the context window was, from 0 to 100%: " +
-                                    counted(events.size() - compactions, "point") +
-                                    ", the highest " +
-                                    std::to_string(std::lround(highest.value_or(0.0))) + "%, " +
-                                    tally + (span.first.empty() ? "" : ", from " + span.first) +
-                                    (span.last.empty() ? "" : ", to " + span.last) + ".";
+    const Tally tally = tallyOf(events);
+    const std::string answers = counted(tally.answers, "answer", "answers");
+    const std::string compactions = counted(tally.compactions, "compaction", "compactions");
+    const std::string description =
+        "How full the context window was, from 0 to 100%: " + answers + ", the highest " +
+        std::to_string(std::lround(highest.value_or(0.0))) + "%, " + compactions +
+        (span.first.empty() ? "" : ", from " + span.first) +
+        (span.last.empty() ? "" : ", to " + span.last) + ".";
+    const std::string counts =
+        tally.compactions > 0 ? answers + " · <tspan class=\"marks\">▼ " + compactions + "</tspan>"
+                              : answers;
 
     constexpr int kTimes = kBottom + 22;
     return std::string(kBegin) + "<title>" + escaped(name) + "</title>\n<desc>" + description +
-           "</desc>\n" + std::string(kStyle) + textAt(kLeft, 26, "class=\"title\"", fitted(name)) +
-           grid() + drawn(columns) + textAt(kLeft, kTimes, "", span.first) +
-           textAt((kLeft + kRight) / 2, kTimes, "class=\"marks\" text-anchor=\"middle\"",
-                  compactions > 0 ? "▼ " + tally : "") +
+           "</desc>\n" + std::string(kStyle) +
+           textAt(kLeft, 26, "class=\"title\"", escaped(fitted(name))) + grid() + drawn(columns) +
+           textAt(kLeft, kTimes, "", span.first) +
+           textAt((kLeft + kRight) / 2, kTimes, "text-anchor=\"middle\"", counts) +
            textAt(kRight, kTimes, "text-anchor=\"end\"", span.last) + "</svg>\n";
 }
 
