@@ -257,18 +257,12 @@ ORVHistoryEvent compactionAt(std::string at) {
 }
 
 TEST(HistoryTest, TheLedgerTellsWhatEachCompactionDid) {
-    Events all = {point(500, "2026-11-24T08:00:00Z"),
-                  point(900, "2026-11-24T08:10:00Z"),
-                  compactionAt("2026-11-24T08:20:00Z"),
-                  point(90, "2026-11-24T08:21:00Z"),
-                  point(91, "2026-11-24T08:22:00Z"),
-                  compactionAt("2026-11-24T09:20:00.9Z"),
-                  compactionAt("2026-11-24T09:20:30+00:00"),
-                  point(95, "yesterday"),
-                  compactionAt("2026-11-24T09:00:00Z"),
-                  point(96, "2026-11-24T09:30:00Z"),
-                  compactionAt("9999-99-99T99:99:99Z"),
-                  compactionAt("2026-11-24T10:00:00Z"),
+    Events all = {point(500, "2026-11-24T08:00:00Z"),        point(900, "2026-11-24T08:10:00Z"),
+                  compactionAt("2026-11-24T08:20:00Z"),      point(90, "2026-11-24T08:21:00Z"),
+                  point(91, "2026-11-24T08:22:00Z"),         compactionAt("2026-11-24T09:20:00.9Z"),
+                  compactionAt("2026-11-24T09:20:30+00:00"), point(95, "yesterday"),
+                  compactionAt("2026-11-24T09:00:00Z"),      point(96, "2026-11-24T09:30:00Z"),
+                  compactionAt("9999-99-99T99:99:99Z"),      compactionAt("2026-11-24T10:00:00Z"),
                   point(7, "2026-11-24T10:00:00Z")};
     auto compactions = app::compactionsOf(all);
     const std::string kLast = "6: -- > 7 0 -1s 0\n";
