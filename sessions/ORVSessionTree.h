@@ -65,17 +65,18 @@ public:
     void forgetAll();
 
 private:
+    using Files = std::vector<std::unique_ptr<ORVWalkedFile>>;
+
     struct Folder {
         /// What the folder's status was right before it was read; none when it must be read again.
         std::optional<ORVItemStatus> seen;
         ORVClock::TimePoint noticedAt;  ///< When that status was first met.
         bool isSettled = false;  ///< Whether a further change would have given it another status.
         bool isWatched = false;  ///< Whether the system tells what is written in it.
-        std::vector<std::unique_ptr<ORVWalkedFile>> files;  ///< By path.
+        Files files;             ///< By path.
         std::vector<ORVUnreadable> unreadable;
     };
     using Folders = std::map<std::string, Folder>;
-    using FoundFiles = std::vector<std::pair<std::string, ORVItemStatus>>;  ///< With their paths.
 
     /// How far the files have been asked for their dates in turn.
     struct Turn {
@@ -86,7 +87,7 @@ private:
     // Which files there are (tree_folders.cpp)
     void lookAtFolders(const ORVOpenFolder& root);
     void readFolder(const std::string& path, Folder& folder);
-    void takeFiles(Folder& folder, FoundFiles found);
+    void takeFiles(Folder& folder, Files found);
     void forgetBelow(const std::string& path);
     void forgetFilesOf(Folders::value_type& entry);
     std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, ORVErrorSlot* error);
@@ -98,6 +99,8 @@ private:
     std::size_t lookAtFilesOf(Folders::value_type& entry, std::size_t& index, std::size_t limit);
     void lookAtFile(const ORVOpenFolder& root, const std::string& path);
     void take(Folder& folder, ORVWalkedFile& file, const std::optional<ORVItemStatus>& status);
+    void update(ORVWalkedFile& file, ORVFileDate modifiedAt, std::uint64_t fileIdentifier,
+                std::uint64_t size);
     void note(Change::Kind kind, const ORVWalkedFile& file);
 
     ORVFiles& files_;
@@ -114,5 +117,5 @@ private:
     Turn turn_;
     Turn watchedTurn_;
     std::vector<Change> changes_;
-    std::vector<std::unique_ptr<ORVWalkedFile>> vanished_;  ///< Those that `changes_` names.
+    Files vanished_;  ///< Those that `changes_` names.
 };

@@ -1,14 +1,13 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <new>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -141,22 +140,17 @@ private:
         std::uint64_t way = 0;
     };
 
-    /// Orders texts as if they were read backwards.
-    struct ByEnding {
-        bool operator()(std::string_view a, std::string_view b) const {
-            return std::lexicographical_compare(a.rbegin(), a.rend(), b.rbegin(), b.rend());
-        }
-        using is_transparent = void;
-    };
     struct ChangedLastFirst {
         bool operator()(const Group* a, const Group* b) const;
     };
-    using Groups = std::map<std::string, Group, ByEnding>;
+    using Groups = std::unordered_map<std::string, Group>;
     using Order = std::set<Group*, ChangedLastFirst>;
 
+    /// Brings the tasks up to date and does the work.
     template <typename Work>
-    auto orForgetAll(Work work) {
+    auto answer(Work work) {
         try {
+            applyChanges();
             return work();
         } catch (const std::bad_alloc&) {
             forgetAll();
@@ -165,7 +159,9 @@ private:
     }
 
     // Tasks (task_groups.cpp)
-    void apply(const ORVSessionTree::Change& change);
+    void applyChanges();
+    void apply(const ORVSessionTree::Change& change, bool places);
+    void findNewest(Group& group);
     void place(Group& group);
     void placeAll();
     void placeTasksOf(const ORVWalkedFile& file);
@@ -184,6 +180,7 @@ private:
     void readFirstLinesAhead();
     Group* parentOf(const Group& group);
     Group& headOf(Group& group);
+    std::optional<ORVListedTask> headOfNewestFile();
     template <typename Visit>
     void visitTasks(Visit visit);
 
@@ -194,8 +191,7 @@ private:
     std::uint64_t revision_ = 0;
     std::uint64_t refreshes_ = 0;
 
-    /// By identifier in lower case, or by the path of a file whose name holds none. The order is
-    /// that of the texts read backwards, so that those with long endings in common are neighbours.
+    /// By identifier in lower case, or by the path of a file whose name holds none.
     Groups groups_;
     Order order_;  ///< The tasks with files that count, as far as first lines are known.
     std::set<const ORVWalkedFile*> incomplete_;  ///< First lines not complete, or not to be read.
@@ -204,4 +200,5 @@ private:
     std::uint64_t familyRevision_ = 0;  ///< Changes whenever a head may have become another one.
     std::uint64_t lastWay_ = 0;         ///< The number of the last way from parent to parent.
     bool identifiersAreMeasured_ = false;
+    bool changesWait_ = false;  ///< Whether the tasks do not know yet what the tree noticed.
 };

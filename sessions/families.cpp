@@ -161,7 +161,7 @@ ORVTaskList::Group& ORVTaskList::headOf(Group& group) {
 }
 
 std::vector<ORVListedTask> ORVTaskList::heads(const Wanted& wanted) {
-    return orForgetAll([&] {
+    return answer([&] {
         using Helpers = Wanted::Helpers;
         const bool wantsHelpers = wanted.helpers != Helpers::none;
         if (wanted.limit == 0 || wanted.folder || wantsHelpers) {
@@ -198,12 +198,17 @@ std::vector<ORVListedTask> ORVTaskList::heads(const Wanted& wanted) {
 }
 
 std::optional<ORVListedTask> ORVTaskList::newestHead() {
+    if (changesWait_ && groups_.empty()) {
+        if (auto head = headOfNewestFile()) {
+            return head;
+        }
+    }
     auto newest = heads({.limit = 1});
     return newest.empty() ? std::nullopt : std::optional(std::move(newest.front()));
 }
 
 std::optional<ORVListedTask> ORVTaskList::headForFolder(const std::string& folder) {
-    return orForgetAll([&] {
+    return answer([&] {
         readFirstLinesAhead();
         Neighbourhood neighbourhood(files_, folder);
         const Group* best = nullptr;
@@ -226,7 +231,7 @@ std::optional<ORVListedTask> ORVTaskList::headForFolder(const std::string& folde
 }
 
 std::optional<ORVListedTask> ORVTaskList::headOfFamily(const ORVTask& task) {
-    return orForgetAll([&] {
+    return answer([&] {
         Group* const member = groupOf(task);
         const Group* head = nullptr;
         std::optional<ORVListedTask> found;
@@ -244,7 +249,7 @@ std::optional<ORVListedTask> ORVTaskList::headOfFamily(const ORVTask& task) {
 }
 
 std::vector<ORVListedTask> ORVTaskList::helpersOf(const ORVTask& head) {
-    return orForgetAll([&] {
+    return answer([&] {
         readFirstLinesAhead();
         const Group* const wanted = groupOf(head);
         std::vector<ORVListedTask> helpers;

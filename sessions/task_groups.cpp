@@ -15,6 +15,7 @@
 namespace {
 
 constexpr std::size_t kShortestIdentifier = 6;
+constexpr std::size_t kFirstDash = 8;  ///< Where an identifier has one.
 
 std::string lowerCased(std::string_view text) {
     std::string lower(text);
@@ -27,7 +28,7 @@ std::vector<std::string> keysOf(const ORVWalkedFile& file) {
     const std::string_view name = text::lastPathComponent(file.path);
     std::vector<std::string> keys;
     for (std::size_t i = 0; i + text::kUUIDLength <= name.size(); ++i) {
-        if (text::isUUID(name.substr(i, text::kUUIDLength))) {
+        if (name[i + kFirstDash] == '-' && text::isUUID(name.substr(i, text::kUUIDLength))) {
             std::string key = lowerCased(name.substr(i, text::kUUIDLength));
             if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
                 keys.push_back(std::move(key));
@@ -41,11 +42,16 @@ bool isOlder(const ORVWalkedFile& a, const ORVWalkedFile& b) {
     return std::tie(a.modifiedAt, a.path) < std::tie(b.modifiedAt, b.path);
 }
 
+/// Returns where a name holds the identifier, which is in lower case.
+std::string_view::iterator find(std::string_view name, std::string_view identifier) {
+    return std::search(name.begin(), name.end(), identifier.begin(), identifier.end(),
+                       [](char a, char b) { return text::lowerCasedASCII(a) == b; });
+}
+
 /// Returns the identifier in the letter case of the file's name; for a path, that name.
 std::string spellingIn(const ORVWalkedFile& file, std::string_view identifier) {
     const std::string_view name = text::lastPathComponent(file.path);
-    const auto found = std::search(name.begin(), name.end(), identifier.begin(), identifier.end(),
-                                   [](char a, char b) { return text::lowerCasedASCII(a) == b; });
+    const auto found = find(name, identifier);
     return found == name.end() ? std::string(name) : std::string(found, found + identifier.size());
 }
 
@@ -67,7 +73,7 @@ bool ORVTaskList::ChangedLastFirst::operator()(const Group* a, const Group* b) c
 }
 
 bool ORVTaskList::refresh(ORVErrorSlot* error) {
-    return orForgetAll([&] {
+    return answer([&] {
         ++refreshes_;
         std::set<std::string> paths = namedPaths_;
         for (const ORVWalkedFile* file : incomplete_) {
@@ -78,21 +84,38 @@ bool ORVTaskList::refresh(ORVErrorSlot* error) {
         if (!isRead) {
             storeError(error, sessions::sessionsDirectoryMissing());
         }
-        for (const ORVSessionTree::Change& change : tree_.changes()) {
-            apply(change);
+        changesWait_ = !tree_.changes().empty();
+        revision_ += changesWait_ ? 1 : 0;
+        if (!incomplete_.empty()) {
+            applyChanges();
+            lookAgainAtIncompleteFiles();
         }
-        if (!tree_.changes().empty()) {
-            ++revision_;
-            if (std::exchange(allCount_, false)) {
-                placeAll();
-            }
-        }
-        lookAgainAtIncompleteFiles();
         return isRead;
     });
 }
 
-void ORVTaskList::apply(const ORVSessionTree::Change& change) {
+/// To place every task anew costs less than to place very many in turn.
+void ORVTaskList::applyChanges() {
+    if (!std::exchange(changesWait_, false)) {
+        return;
+    }
+    constexpr std::size_t kShareOfAll = 8;
+    const auto& changes = tree_.changes();
+    const bool placesAll = changes.size() > groups_.size() / kShareOfAll || allCount_;
+    if (placesAll) {
+        order_.clear();
+        groups_.reserve(tree_.fileCount());
+    }
+    for (const ORVSessionTree::Change& change : changes) {
+        apply(change, !placesAll);
+    }
+    allCount_ = false;
+    if (placesAll) {
+        placeAll();
+    }
+}
+
+void ORVTaskList::apply(const ORVSessionTree::Change& change, bool places) {
     using Kind = ORVSessionTree::Change::Kind;
     const ORVWalkedFile* const file = change.file;
     bool isFirst = true;
@@ -110,7 +133,9 @@ void ORVTaskList::apply(const ORVSessionTree::Change& change) {
             identifiersAreMeasured_ = false;
         }
         isFirst = false;
-        place(group);
+        if (places) {
+            place(group);
+        }
         if (group.files.empty()) {
             groups_.erase(found);
         }
@@ -121,8 +146,8 @@ void ORVTaskList::apply(const ORVSessionTree::Change& change) {
     }
 }
 
-/// Finds the task's newest file that counts, and the task's place in the order.
-void ORVTaskList::place(Group& group) {
+/// Finds the task's newest file that counts.
+void ORVTaskList::findNewest(Group& group) {
     const ORVWalkedFile* newest = nullptr;
     for (const ORVWalkedFile* file : group.files) {
         if (group.namesWithItFirst > 0 && (allCount_ || !incomplete_.contains(file)) &&
@@ -130,24 +155,37 @@ void ORVTaskList::place(Group& group) {
             newest = file;
         }
     }
-    // The order knows the task by its former newest file and date.
-    auto place = group.newest ? order_.extract(&group) : Order::node_type();
     if (newest != group.newest || (group.known && group.known->isOfAnother(*newest))) {
         group.metAt = group.newest ? group.metAt : refreshes_;
         group.newest = newest;
         group.known = nullptr;
         ++familyRevision_;
     }
-    if (newest) {
-        group.changedAt = newest->modifiedAt;
+    group.changedAt = newest ? newest->modifiedAt : ORVFileDate();
+}
+
+void ORVTaskList::place(Group& group) {
+    // The order knows the task by its former newest file and date.
+    auto place = group.newest ? order_.extract(&group) : Order::node_type();
+    findNewest(group);
+    if (group.newest) {
         place.empty() ? void(order_.insert(&group)) : void(order_.insert(std::move(place)));
     }
 }
 
 void ORVTaskList::placeAll() {
     ++familyRevision_;
+    order_.clear();
+    std::vector<Group*> tasks;
     for (auto& [identifier, group] : groups_) {
-        place(group);
+        findNewest(group);
+        if (group.newest) {
+            tasks.push_back(&group);
+        }
+    }
+    std::sort(tasks.begin(), tasks.end(), ChangedLastFirst());
+    for (Group* group : tasks) {
+        order_.insert(order_.end(), group);
     }
 }
 
@@ -189,6 +227,37 @@ ORVTaskList::Group* ORVTaskList::groupOf(const ORVTask& task) {
     return found == groups_.end() ? nullptr : &found->second;
 }
 
+/// Returns the head of the newest file's family where that file alone tells it, as it does without
+/// helpers: one file is newest, names one identifier, and is no helper's. To make all tasks for
+/// this answer would be felt.
+std::optional<ORVListedTask> ORVTaskList::headOfNewestFile() {
+    Group group;
+    bool isAlone = false;
+    tree_.forEachFile([&](const ORVWalkedFile& file) {
+        isAlone = group.newest && file.modifiedAt == group.newest->modifiedAt ? false : isAlone;
+        if (!group.newest || file.modifiedAt > group.newest->modifiedAt) {
+            group.newest = &file;
+            isAlone = true;
+        }
+    });
+    const auto keys = isAlone ? keysOf(*group.newest) : std::vector<std::string>();
+    if (keys.size() != 1 || !text::isUUID(keys.front())) {
+        return std::nullopt;
+    }
+    group.known = &firstLines_.ofFile(*group.newest);
+    if (!group.known->line.isComplete || group.known->line.isHelper) {
+        return std::nullopt;
+    }
+    group.identifier = keys.front();
+    tree_.forEachFile([&](const ORVWalkedFile& file) {
+        const std::string_view name = text::lastPathComponent(file.path);
+        if (find(name, group.identifier) != name.end()) {
+            group.files.push_back(&file);
+        }
+    });
+    return listed(group, group.newest->modifiedAt);
+}
+
 ORVTask ORVTaskList::taskOf(const Group& group) {
     ORVTask task;
     for (const ORVWalkedFile* file : group.files) {
@@ -219,7 +288,7 @@ std::optional<ORVListedTask> ORVTaskList::taskWithIdentifier(std::string_view th
 }
 
 std::vector<ORVTask> ORVTaskList::matching(std::string_view part) {
-    return orForgetAll([&] {
+    return answer([&] {
         std::vector<ORVTask> ending;
         std::vector<ORVTask> holding;
         for (const auto& [identifier, group] : groups_) {
@@ -230,38 +299,51 @@ std::vector<ORVTask> ORVTaskList::matching(std::string_view part) {
         }
         std::vector<ORVTask> tasks = std::move(ending.empty() ? holding : ending);
         std::sort(tasks.begin(), tasks.end(), [](const ORVTask& a, const ORVTask& b) {
-            return std::tie(b.newestFile().modifiedAt, a.newestFile().path) <
-                   std::tie(a.newestFile().modifiedAt, b.newestFile().path);
+            const ORVWalkedFile& ofA = a.newestFile();
+            const ORVWalkedFile& ofB = b.newestFile();
+            return std::tie(ofB.modifiedAt, ofA.path, a.threadID) <
+                   std::tie(ofA.modifiedAt, ofB.path, b.threadID);
         });
         return tasks;
     });
 }
 
-/// Only a neighbour can have the longest ending in common with an identifier.
+/// In the order of the identifiers read backwards, the longest ending in common with any other is
+/// one in common with a neighbour.
 void ORVTaskList::measureIdentifiers() {
-    Group* last = nullptr;
+    std::vector<Group*> tasks;
     for (auto& [identifier, group] : groups_) {
-        if (group.namesWithItFirst == 0) {
-            continue;
+        if (group.namesWithItFirst > 0) {
+            tasks.push_back(&group);
         }
-        const std::size_t common = last ? commonEnding(last->identifier, identifier) : 0;
-        group.shortLength = std::max(kShortestIdentifier, common + 1);
+    }
+    std::sort(tasks.begin(), tasks.end(), [](const Group* a, const Group* b) {
+        return std::lexicographical_compare(a->identifier.rbegin(), a->identifier.rend(),
+                                            b->identifier.rbegin(), b->identifier.rend());
+    });
+    Group* last = nullptr;
+    for (Group* group : tasks) {
+        const std::size_t length =
+            last ? commonEnding(last->identifier, group->identifier) + 1 : kShortestIdentifier;
+        group->shortLength = std::max(kShortestIdentifier, length);
         if (last) {
-            last->shortLength = std::max(last->shortLength, common + 1);
+            last->shortLength = std::max(last->shortLength, length);
         }
-        last = &group;
+        last = group;
     }
     identifiersAreMeasured_ = true;
 }
 
 std::string ORVTaskList::shortIdentifier(const ORVTask& task) {
-    if (!identifiersAreMeasured_) {
-        measureIdentifiers();
-    }
-    const Group* group = groupOf(task);
-    const std::size_t length = task.threadID.size();
-    const bool isWhole = !group || !text::isUUID(task.threadID) || group->shortLength > length;
-    return task.threadID.substr(isWhole ? 0 : length - group->shortLength);
+    return answer([&] {
+        if (!identifiersAreMeasured_) {
+            measureIdentifiers();
+        }
+        const Group* group = groupOf(task);
+        const std::size_t length = task.threadID.size();
+        const bool isWhole = !group || !text::isUUID(task.threadID) || group->shortLength > length;
+        return task.threadID.substr(isWhole ? 0 : length - group->shortLength);
+    });
 }
 
 std::vector<ORVUnreadable> ORVTaskList::unreadable() const {
@@ -284,5 +366,6 @@ void ORVTaskList::forgetAll() {
     firstLines_.forgetAll();
     tree_.forgetAll();
     allCount_ = false;
+    changesWait_ = false;
     ++revision_;
 }

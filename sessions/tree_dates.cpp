@@ -120,11 +120,17 @@ void ORVSessionTree::take(Folder& folder, ORVWalkedFile& file,
                           const std::optional<ORVItemStatus>& status) {
     if (!status || status->kind != ORVItemStatus::Kind::file) {
         folder.seen.reset();  // The next refresh reads the names again.
-    } else if (file.modifiedAt != status->modifiedAt || file.size != status->size ||
-               file.fileIdentifier != status->fileIdentifier) {
-        file.modifiedAt = status->modifiedAt;
-        file.size = status->size;
-        file.fileIdentifier = status->fileIdentifier;
+    } else {
+        update(file, status->modifiedAt, status->fileIdentifier, status->size);
+    }
+}
+
+void ORVSessionTree::update(ORVWalkedFile& file, ORVFileDate modifiedAt,
+                            std::uint64_t fileIdentifier, std::uint64_t size) {
+    if (file.modifiedAt != modifiedAt || file.fileIdentifier != fileIdentifier || file.size != size) {
+        file.modifiedAt = modifiedAt;
+        file.fileIdentifier = fileIdentifier;
+        file.size = size;
         note(Change::Kind::changed, file);
     }
 }

@@ -111,20 +111,22 @@ void ORVSessionTree::lookAtFolders(const ORVOpenFolder& root) {
 }
 
 void ORVSessionTree::readFolder(const std::string& path, Folder& folder) {
-    FoundFiles found;
+    const std::string prefix = path + '/';
+    Files found;
     folder.unreadable.clear();
     ORVErrorSlot error;
     if (const auto opened = openFolder(path, &error)) {
         opened->readItems(
             [](std::string_view name) { return text::hasExtension(name, kExtension); },
             [&](const char* name, const ORVItemStatus& status) {
-                found.emplace_back(path + '/' + name, status);
+                found.push_back(std::make_unique<ORVWalkedFile>(ORVWalkedFile{
+                    prefix + name, status.modifiedAt, status.fileIdentifier, status.size}));
             },
-            [&](const char* name) { folders_.try_emplace(path + '/' + name); },
+            [&](const char* name) { folders_.try_emplace(prefix + name); },
             [&](const std::string& name, ORVError&& why) {
                 const bool isFolder = name.empty();
                 folder.unreadable.push_back(
-                    {isFolder ? path : path + '/' + name, std::move(why), isFolder});
+                    {isFolder ? path : prefix + name, std::move(why), isFolder});
             });
     } else {
         if (!isGone(*error)) {
@@ -140,11 +142,9 @@ void ORVSessionTree::readFolder(const std::string& path, Folder& folder) {
 }
 
 /// Merges what a read has found into the files of the folder.
-void ORVSessionTree::takeFiles(Folder& folder, FoundFiles found) {
+void ORVSessionTree::takeFiles(Folder& folder, Files found) {
     std::sort(found.begin(), found.end(),
-              [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::vector<std::unique_ptr<ORVWalkedFile>> files;
-    files.reserve(found.size());
+              [](const auto& a, const auto& b) { return a->path < b->path; });
     auto old = folder.files.begin();
     const auto dropBefore = [&](const std::string* path) {
         for (; old != folder.files.end() && (!path || (*old)->path < *path); ++old) {
@@ -152,19 +152,17 @@ void ORVSessionTree::takeFiles(Folder& folder, FoundFiles found) {
             vanished_.push_back(std::move(*old));
         }
     };
-    for (auto& [path, status] : found) {
-        dropBefore(&path);
-        if (old != folder.files.end() && (*old)->path == path) {
-            files.push_back(std::move(*old++));
-            take(folder, *files.back(), status);
+    for (auto& file : found) {
+        dropBefore(&file->path);
+        if (old != folder.files.end() && (*old)->path == file->path) {
+            update(**old, file->modifiedAt, file->fileIdentifier, file->size);
+            file = std::move(*old++);
         } else {
-            files.push_back(std::make_unique<ORVWalkedFile>(ORVWalkedFile{
-                std::move(path), status.modifiedAt, status.fileIdentifier, status.size}));
-            note(Change::Kind::appeared, *files.back());
+            note(Change::Kind::appeared, *file);
         }
     }
     dropBefore(nullptr);
-    folder.files = std::move(files);
+    folder.files = std::move(found);
 }
 
 /// Forgets the folders below this one; it stays, with its files.

@@ -20,7 +20,7 @@ enum Field : std::size_t { number, when, before, after, change, elapsed, answers
 using Line = std::array<std::string, kFields>;
 
 bool isLeftAligned(std::size_t field) {
-    return field == when || field == after || field == answers;
+    return field == number || field == when || field == after || field == answers;
 }
 
 std::string percent(const std::optional<ORVContextUsage>& usage) {

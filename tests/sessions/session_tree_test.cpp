@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <fstream>
 #include <random>
 
 #include "tests/support/ManualClock.h"
@@ -22,7 +23,31 @@ std::string described(const ORVWalkedFile& file) {
            ' ' + std::to_string(file.size) + '\n';
 }
 
-class SessionTreeTest : public testing::Test {
+/// The files of a system that does not tell what is written.
+class UnwatchedFiles final : public ORVFiles {
+public:
+    std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
+                                              ORVErrorSlot* error) override {
+        return files_->openFolder(path, links, error);
+    }
+    std::optional<ORVFileAttributes> attributesOfItem(const std::string&, ORVErrorSlot*) override {
+        return std::nullopt;
+    }
+    std::optional<ORVFileDate> contentModificationDate(const std::string& path) override {
+        return files_->contentModificationDate(path);
+    }
+    bool itemExists(const std::string&) override { return false; }
+    std::optional<std::string> realPath(const std::string&) override { return std::nullopt; }
+    std::unique_ptr<ORVOpenFile> openForReading(const std::string&, ORVErrorSlot*) override {
+        return nullptr;
+    }
+
+private:
+    std::unique_ptr<ORVFiles> files_ = platform::makeFiles();
+};
+
+/// With and without a watch.
+class SessionTreeTest : public testing::TestWithParam<bool> {
 protected:
     using Picture = std::set<std::string>;
 
@@ -76,7 +101,8 @@ protected:
     }
 
     TemporaryHome home;
-    std::unique_ptr<ORVFiles> files = platform::makeFiles();
+    std::unique_ptr<ORVFiles> files =
+        GetParam() ? platform::makeFiles() : std::make_unique<UnwatchedFiles>();
     ManualClock clock;
     ORVSessionTree tree{*files, clock, home.path("s")};
     std::set<const ORVWalkedFile*> fromChanges;
@@ -138,7 +164,7 @@ private:
     std::mt19937 random_;
 };
 
-TEST_F(SessionTreeTest, AnyChangesAreNoticedWithinSixRefreshes) {
+TEST_P(SessionTreeTest, AnyChangesAreNoticedWithinSixRefreshes) {
     Changes changes(home, 1);
     for (int round = 0; round < 150; ++round) {
         for (unsigned count = static_cast<unsigned>(round % 5); count > 0; --count) {
@@ -154,6 +180,87 @@ TEST_F(SessionTreeTest, AnyChangesAreNoticedWithinSixRefreshes) {
         ASSERT_EQ(walked(), picture()) << "round " << round;
         ASSERT_EQ(walked(), pictureFromChanges());
         ASSERT_EQ(walked().size(), tree.fileCount());
+    }
+}
+
+TEST_P(SessionTreeTest, ChangesThatWereLostAreMadeUpFor) {
+    home.append("s/1/a.jsonl", "");
+    home.append("s/1/b.jsonl", "");
+    home.append("s/2/c.jsonl", "");
+    for (const char* name : {"s/1/a.jsonl", "s/1/b.jsonl", "s/2/c.jsonl"}) {
+        home.setDate(name, 1'000);
+    }
+    for (int i = 0; i < 8; ++i) {
+        refresh();
+    }
+    // As many changes in turn, none equal to the one before, are more than the system keeps.
+    std::ofstream a(home.path("s/1/a.jsonl"));
+    std::ofstream b(home.path("s/1/b.jsonl"));
+    for (int i = 0; i < 20'000; ++i) {
+        (i % 2 == 0 ? a : b) << 'x' << std::flush;
+    }
+    home.append("s/2/c.jsonl", "x");
+    for (int i = 0; i < 6; ++i) {
+        refresh();
+    }
+    EXPECT_EQ(walked(), picture());
+    home.setDate("s/2/c.jsonl", 2'000);
+    clock.time += 2min;
+    for (int i = 0; i < 6; ++i) {
+        refresh();
+    }
+    EXPECT_EQ(walked(), picture());
+}
+
+INSTANTIATE_TEST_SUITE_P(WithAndWithoutAWatch, SessionTreeTest, testing::Bool());
+
+/// Returns all that the tree holds.
+std::string contentOf(const ORVSessionTree& tree) {
+    std::string all = std::to_string(tree.fileCount()) + '\n';
+    tree.forEachFile([&](const ORVWalkedFile& file) { all += described(file); });
+    return all;
+}
+
+/// Lets the call with this number fail in a refresh that has something to notice. Returns how much
+/// was told of it; none when there is no such call.
+std::optional<std::size_t> toldAfterFault(MemoryFiles::Fault fault, int call) {
+    MemoryFiles disk;
+    ManualClock clock;
+    ORVSessionTree tree(disk, clock, "/s");
+    for (const char* path : {"/s/a.jsonl", "/s/1/a.jsonl", "/s/1/2/a.jsonl", "/s/3/a.jsonl"}) {
+        disk.write(path, "");
+    }
+    EXPECT_TRUE(tree.refresh(nullptr));
+    disk.append("/s/1/b.jsonl", "");
+    disk.append("/s/3/a.jsonl", "x");
+    disk.fault = fault;
+    disk.failingCall = disk.calls + call;
+    EXPECT_TRUE(tree.refresh(nullptr) || !tree.unreadable().empty());
+    const std::size_t told = tree.unreadable().size();
+    if (disk.calls < disk.failingCall) {
+        return std::nullopt;
+    }
+    disk.failingCall = 0;
+    for (int i = 0; i < 6; ++i) {
+        clock.time += 2s;
+        EXPECT_TRUE(tree.refresh(nullptr));
+    }
+    EXPECT_TRUE(tree.unreadable().empty());
+    ORVSessionTree fresh(disk, clock, "/s");
+    EXPECT_TRUE(fresh.refresh(nullptr));
+    EXPECT_EQ(contentOf(fresh), contentOf(tree)) << "after a fault at call " << call;
+    return told;
+}
+
+TEST(SessionTreeFaultsTest, AnyFaultIsToldAndMadeUpFor) {
+    for (const auto fault : {MemoryFiles::Fault::error, MemoryFiles::Fault::unseenFolder}) {
+        std::size_t told = 0;
+        int call = 1;
+        while (const auto more = toldAfterFault(fault, call)) {
+            told += *more;
+            ++call;
+        }
+        EXPECT_LE(1U, told);
     }
 }
 

@@ -5,10 +5,11 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "shells/history/history_plot.h"
+#include "shells/history/history_ledger.h"
 #include "shells/history/history_svg.h"
 #include "shells/terminal/screen_text.h"
 #include "shells/terminal/terminal_modes.h"
+#include "text/timestamps.h"
 #include "text/unicode.h"
 
 namespace {
@@ -110,20 +111,31 @@ TEST(HistoryTest, EveryCompactionIsMarkedWhereThereIsRoom) {
         const Events all = events(series);
         const auto compactions = static_cast<std::size_t>(
             std::count_if(series.begin(), series.end(), [](int p) { return p < 0; }));
-        for (const int columns : {6, 20, 80, 200}) {
-            EXPECT_EQ(compactions, count(joined(history::plot(all, {columns, 12, true})), "▼"));
-            EXPECT_EQ(compactions, count(joined(history::plot(all, {columns, 12, false})), "v"));
+        for (const int columns : {20, 80, 200}) {
+            EXPECT_EQ(compactions, count(history::plot(all, {columns, 12, true})[10].text, "▼"));
+            EXPECT_EQ(compactions, count(history::plot(all, {columns, 12, false})[10].text, "v"));
         }
         const std::string picture = history::svg(all, "");
         EXPECT_EQ(compactions, count(picture, "h8l-4 7z"));
         EXPECT_EQ(compactions > 0, count(picture, "▼ " + std::to_string(compactions)) == 1);
     }
-    const Events dense = events(std::vector<int>(10'000, -1));
-    EXPECT_EQ(75U, count(joined(history::plot(dense, {})), "▼"));
+    for (const int compactions : {26, 208, 10'000}) {
+        std::vector<int> dense;
+        for (int i = 0; i < compactions; ++i) {
+            dense.insert(dense.end(), {97, -1});
+        }
+        const auto rows = history::plot(events(dense), {});
+        EXPECT_EQ(0U, count(rows[10].text, "▼─▼") + count(rows[10].text, "▼▼")) << rows[10].text;
+        EXPECT_LE(12U, count(rows[10].text, "▼")) << rows[10].text;
+        EXPECT_NE(rows[11].text.npos, rows[11].text.find("▼ " + std::to_string(compactions)));
+        const std::string picture = history::svg(events(dense), "");
+        EXPECT_GE(48U, count(picture, "h8l-4 7z")) << "12 pixels each";
+        EXPECT_LE(20U, count(picture, "h8l-4 7z"));
+    }
     for (const std::size_t at : {0U, 1U, 4998U, 5000U, 9999U}) {
         std::vector<int> series(10'000, 50);
         series[at] = -1;
-        EXPECT_EQ(1U, count(joined(history::plot(events(series), {})), "▼")) << at;
+        EXPECT_EQ(1U, count(history::plot(events(series), {})[10].text, "▼")) << at;
     }
 }
 
@@ -177,32 +189,132 @@ TEST(HistoryTest, BarsStandAsHighAsTheirUsage) {
     EXPECT_FALSE(rows[10].level || rows[11].level);
 }
 
-TEST(HistoryTest, TimesAreCutFromTheRecords) {
+/// Sets the zone of the user for the length of a test.
+class Zone {
+public:
+    explicit Zone(const char* name) { setenv("TZ", name, 1); }
+    ~Zone() { unsetenv("TZ"); }
+};
+
+TEST(HistoryTest, LocalTimesAndCountsStandBelowThePlotWhereTheyFit) {
     struct Case {
         const char* first;
         const char* last;
         int columns;
-        const char* row;  ///< Null when there is no row of times.
+        const char* row;  ///< Null when there is no such row.
     };
     const char* const kMorning = "2026-11-24T08:05:21.002Z";
     const char* const kEvening = "2026-11-24T18:02:00Z";
-    const char* const kNextDay = "2026-11-25T00:00:00+08:00";
+    const char* const kNextDay = "2026-11-25T03:00:00+08:00";
     const Case kCases[] = {
-        {kMorning, kEvening, 45, "     2026-11-24 08:05        2026-11-24 18:02"},
-        {kMorning, kEvening, 20, "     08:05     18:02"},
-        {kMorning, kNextDay, 20, "     11-24     11-25"},
-        {kMorning, kEvening, 10, nullptr},
-        {kMorning, kMorning, 30, "     2026-11-24 08:05"},
-        {kMorning, "", 30, "     2026-11-24 08:05"},
-        {"", kEvening, 30, "              2026-11-24 18:02"},
-        {"", kEvening, 9, "    18:02"},
-        {"2026-11-24 08:05:21", "2026-11-24T18:02", 80, nullptr},
-        {"2026-11-24T0x:05:21Z", "\x1b[31m", 80, nullptr},
+        {kMorning, kEvening, 80,
+         "     2026-11-24 13:35        2 answers · ▼ 1 compaction         2026-11-24 23:32"},
+        {kMorning, kEvening, 60, "     2026-11-24 13:35    2 answers · ▼ 1    2026-11-24 23:32"},
+        {kMorning, kEvening, 45, "     13:35  2 answers · ▼ 1 compaction  23:32"},
+        {kMorning, kEvening, 34, "     13:35  2 answers · ▼ 1  23:32"},
+        {kMorning, kNextDay, 34, "     11-24  2 answers · ▼ 1  11-25"},
+        {kMorning, kEvening, 33, "      2 answers · ▼ 1 compaction"},
+        {kMorning, kEvening, 30, "          2 answers · ▼ 1"},
+        {kMorning, kEvening, 19, "  2 answers · ▼ 1"},
+        {kMorning, kEvening, 14, "  2 answers"},
+        {kMorning, kEvening, 8, nullptr},
+        {kMorning, kMorning, 40, "     2026-11-24 13:35  2 answers · ▼ 1"},
+        {kMorning, "", 40, "     2026-11-24 13:35  2 answers · ▼ 1"},
+        {"", kEvening, 40, "       2 answers · ▼ 1  2026-11-24 23:32"},
+        {"2026-11-24 08:05:21", "\x1b[31m", 22, "      2 answers · ▼ 1"},
     };
+    const Zone zone("IST-5:30");
     for (const Case& c : kCases) {
-        const auto rows = history::plot({point(1, c.first), point(2, c.last)}, {c.columns, 4});
-        EXPECT_EQ(c.row == nullptr, rows[2].level.has_value()) << c.first;
+        SCOPED_TRACE(std::string(c.first) + " " + std::to_string(c.columns));
+        const Events all = {point(1, c.first), compaction(), point(2, c.last)};
+        const auto rows = history::plot(all, {c.columns, 4});
+        ASSERT_EQ(c.row == nullptr, rows[2].level.has_value() || rows[3].text.starts_with("─"));
         EXPECT_TRUE(!c.row || c.row == rows[3].label + rows[3].text) << rows[3].text;
+    }
+    const history::Words kChinese = {"次回答", "次回答", "次压缩", "次压缩"};
+    EXPECT_EQ("     23:32  1 次回答 · ▼ 1 次压缩  22:15\n",
+              joined({history::plot(events({-1, 5}), {40, 4, true, kChinese})[3]}));
+    EXPECT_NE(std::string::npos, history::svg({point(1, kMorning)}, "").find(">2026-11-24 13:35<"));
+}
+
+/// Returns a line for each compaction: number, before > after, elapsed seconds, answers.
+std::string told(const std::vector<app::Compaction>& compactions) {
+    std::ostringstream text;
+    const auto put = [&](auto figure) { figure ? text << figure->inputTokens() : text << "--"; };
+    for (const app::Compaction& each : compactions) {
+        text << each.number << ": ";
+        put(each.before);
+        text << " > ";
+        put(each.after);
+        text << " " << each.shedTokens().value_or(0) << " "
+             << (each.elapsed ? each.elapsed->count() : -1) << "s " << each.answers << "\n";
+    }
+    return text.str();
+}
+
+ORVHistoryEvent compactionAt(std::string at) {
+    return {std::move(at), std::nullopt};
+}
+
+TEST(HistoryTest, TheLedgerTellsWhatEachCompactionDid) {
+    Events all = {point(500, "2026-11-24T08:00:00Z"),        point(900, "2026-11-24T08:10:00Z"),
+                  compactionAt("2026-11-24T08:20:00Z"),      point(90, "2026-11-24T08:21:00Z"),
+                  point(91, "2026-11-24T08:22:00Z"),         compactionAt("2026-11-24T09:20:00.9Z"),
+                  compactionAt("2026-11-24T09:20:30+00:00"), point(95, "yesterday"),
+                  compactionAt("2026-11-24T09:00:00Z"),      point(96, "2026-11-24T09:30:00Z"),
+                  compactionAt("9999-99-99T99:99:99Z"),      compactionAt("2026-11-24T10:00:00Z"),
+                  point(7, "2026-11-24T10:00:00Z")};
+    auto compactions = app::compactionsOf(all);
+    const std::string kLast = "6: -- > 7 0 -1s 0\n";
+    EXPECT_EQ(
+        "1: 900 > 90 810 1200s 2\n2: 91 > -- 0 3600s 2\n3: -- > 95 0 30s 0\n"
+        "4: 95 > 96 -1 -1s 1\n5: 96 > -- 0 -1s 1\n" +
+            kLast,
+        told(compactions));
+    app::leaveOutOlder(*text::timeOf("2026-11-24T09:20:00Z"), all, compactions);
+    EXPECT_EQ("2: 91 > -- 0 3600s 2\n3: -- > 95 0 30s 0\n" + kLast, told(compactions));
+    EXPECT_EQ(5U, all.size());
+    EXPECT_EQ("1: -- > -- 0 -1s 0\n", told(app::compactionsOf({compactionAt("")})));
+    EXPECT_EQ("", told(app::compactionsOf({point(1)})) + told(app::compactionsOf({})));
+}
+
+TEST(HistoryTest, TheLedgerIsATableOfAnyWidth) {
+    const Zone zone("IST-5:30");
+    Events all;
+    for (int i = 0; i < 9; ++i) {
+        all.push_back(compaction());
+    }
+    all.insert(all.end(),
+               {point(970'000, "2026-11-24T18:03:00Z"), compactionAt("2026-11-24T20:44:00Z"),
+                point(93'700), compactionAt(""), point(193'700)});
+    const auto compactions = app::compactionsOf(all);
+    const auto lines = [&](int columns, int rows, bool unicode) {
+        std::string text;
+        for (const auto& line : history::ledger(compactions, {columns, rows, unicode})) {
+            text += line + "\n";
+        }
+        return text;
+    };
+    EXPECT_EQ(
+        "C9   2026-11-24 23:32   -- → 97%       --  +0s  0 answers\n"
+        "C10  2026-11-25 02:14  97% → 9%   -876.3k  +2h  1 answer\n"
+        "C11  --                 9% → 19%    +100k   --  1 answer\n",
+        lines(58, 3, true));
+    EXPECT_EQ(
+        "C10  11-25 02:14  97% -> 9%   -876.3k  +2h  1 answer\n"
+        "C11  --            9% -> 19%    +100k   --  1 answer\n",
+        lines(56, 2, false));
+    EXPECT_EQ("C11  --  9% → 19%  +100k  --\n", lines(36, 1, true));
+    EXPECT_EQ("C10  97% → 9%\nC11   9% → 19%\n", lines(20, 2, true));
+    EXPECT_EQ("C1\nC1\n", lines(2, 2, true));
+    EXPECT_EQ("", lines(80, 0, true) + lines(80, -1, true));
+    EXPECT_EQ(11U, count(lines(80, 1 << 30, true), "\n"));
+    terminal::setUpCharacters();
+    for (int columns = 0; columns <= 200; ++columns) {
+        for (const std::string& line : history::ledger(compactions, {columns, 20, true})) {
+            EXPECT_LE(terminal::textColumns(line), columns) << line;
+            EXPECT_TRUE(text::isValidUTF8(line) && !line.ends_with(' ')) << line;
+        }
     }
 }
 
@@ -248,7 +360,8 @@ TEST(HistoryTest, ThePictureIsXMLWhateverTheTitle) {
         EXPECT_TRUE(isWellFormed(picture)) << picture;
         EXPECT_TRUE(text::isValidUTF8(picture));
         EXPECT_NE(picture.npos, picture.find("<title>" + c.written + "</title>")) << picture;
-        EXPECT_EQ(c.title.empty() ? 1U : 2U, count(picture, ">" + c.written + "</t"));
+        EXPECT_EQ(c.title.empty() ? 0U : 1U,
+                  count(picture, "class=\"title\">" + c.written + "</text>"));
     }
     for (const char* piece : {"W", "重", "é", "<", "\u0301", "\xFF"}) {
         std::string title;
@@ -268,7 +381,7 @@ TEST(HistoryTest, ALongHistoryIsASmallPicture) {
     }
     const std::string picture = history::svg(all, "");
     EXPECT_LT(picture.size(), 100'000U);
-    EXPECT_NE(picture.npos, picture.find("198000 points, the highest 100%, 2000 compactions"));
+    EXPECT_NE(picture.npos, picture.find("198000 answers, the highest 100%, 2000 compactions"));
 }
 
 }  // namespace

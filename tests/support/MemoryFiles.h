@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <limits>
 #include <map>
@@ -56,9 +57,10 @@ public:
     std::size_t bytesPerRead = std::numeric_limits<std::size_t>::max();
     bool givesFileNumbers = true;  ///< Some file systems have none.
 
-    int calls = 0;
-    int faults = 0;  ///< How many faults have happened: not every call can have every fault.
-    int opened = 0;
+    // Several threads may read at once.
+    std::atomic<int> calls = 0;
+    std::atomic<int> faults = 0;  ///< How many have happened: not every call can have every fault.
+    std::atomic<int> opened = 0;
 
     std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
                                               ORVErrorSlot* error) override;

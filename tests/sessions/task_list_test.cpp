@@ -1,0 +1,410 @@
+// Tests tasks, families and first lines, over a disk in memory.
+
+#include "sessions/ORVTaskList.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <random>
+#include <sstream>
+
+#include "tests/support/ManualClock.h"
+#include "tests/support/MemoryFiles.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Helpers = ORVTaskList::Wanted::Helpers;
+
+/// A disk with files that may not be read.
+class LockedFiles final : public MemoryFiles {
+public:
+    std::set<std::string> locked;
+    std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
+                                                ORVErrorSlot* error) override {
+        if (locked.contains(path)) {
+            storeError(error, platform::posixError(EACCES));
+            return nullptr;
+        }
+        return MemoryFiles::openForReading(path, error);
+    }
+};
+
+class TaskListTest : public testing::Test {
+protected:
+    TaskListTest() { disk.makeFolder("/s"); }
+
+    /// Returns the identifier of the task with this one-letter name, a hexadecimal digit.
+    static std::string idOf(const std::string& name) {
+        return "0000000" + name + "-983b-7e83-81c7-e87b7b63d18" + name;
+    }
+    static std::string pathOf(const std::string& name) { return "/s/a-" + idOf(name) + ".jsonl"; }
+
+    static std::string meta(const std::string& payload) {
+        return R"({"type":"session_meta","payload":{)" + payload + "}}\n";
+    }
+    static std::string helperMeta(const std::string& parent) {
+        return meta(R"("thread_source":"subagent","parent_thread_id":")" +
+                    (parent.empty() ? "" : idOf(parent)) + '"');
+    }
+
+    /// Makes a task of each word: its name, "<" and its parent's name for a helper, "?" for a first
+    /// line that is not complete, "!" for a file that may not be read, then ":" and its date.
+    void makeTasks(const std::string& words) {
+        std::istringstream stream(words);
+        for (std::string word; stream >> word;) {
+            const std::string path = pathOf(word.substr(0, 1));
+            disk.write(path, word[1] == '<'   ? helperMeta(word.substr(2, word[2] == ':' ? 0 : 1))
+                             : word[1] == '?' ? "{"
+                                              : meta(""));
+            disk.setDate(path, std::stoll(word.substr(word.find(':') + 1)));
+            if (word[1] == '!') {
+                disk.locked.insert(path);
+            }
+        }
+    }
+
+    void refresh() {
+        clock.time += 2s;
+        EXPECT_TRUE(list.refresh(nullptr));
+    }
+
+    static std::string nameOf(const ORVTask& task) { return task.threadID.substr(7, 1); }
+
+    static std::string described(const std::vector<ORVListedTask>& tasks) {
+        std::string text;
+        for (const ORVListedTask& task : tasks) {
+            text += (text.empty() ? "" : " ") + nameOf(task.task) + '@' +
+                    std::to_string(task.changedAt.seconds) +
+                    (task.helpers > 0 ? '+' + std::to_string(task.helpers) : "") +
+                    (task.helperTasks.empty() ? "" : '(' + described(task.helperTasks) + ')');
+        }
+        return text;
+    }
+
+    static std::string described(const std::optional<ORVListedTask>& task) {
+        return task ? described(std::vector{*task}) : "";
+    }
+
+    std::string heads(Helpers helpers = Helpers::none, std::size_t limit = 0) {
+        ORVTaskList::Wanted wanted;
+        wanted.helpers = helpers;
+        wanted.limit = limit;
+        return described(list.heads(wanted));
+    }
+
+    std::string matching(const std::string& part) {
+        std::string names;
+        for (const ORVTask& task : list.matching(part)) {
+            names += nameOf(task);
+        }
+        return names;
+    }
+
+    LockedFiles disk;
+    ManualClock clock;
+    ORVTaskList list{disk, clock, "/s"};
+};
+
+TEST_F(TaskListTest, AFamilyIsShownByItsHead) {
+    struct Case {
+        const char* tasks;
+        const char* heads;
+    };
+    const Case kCases[] = {
+        {"", ""},
+        {"1:10 2:30 3:20", "2@30 3@20 1@10"},
+        {"2:10 1:10", "1@10 2@10"},  // Equal dates by path.
+        {"1:10 2<1:30 3:20", "1@30+1(2@30) 3@20"},
+        {"1:10 2<1:20 3<2:40 4<1:30", "1@40+3(3@40 4@30 2@20)"},
+        {"1:90 2<1:20", "1@90+1(2@20)"},
+        {"2<1:20 3<2:30", "2@30+1(3@30)"},  // The parent has no file.
+        {"2<1:20 3<1:30", "3@30 2@20"},
+        {"2<:20", "2@20"},
+        {"1<1:10 2<1:20", "1@20+1(2@20)"},
+        {"3<1:30 1<2:10 2<3:20", "1@30+2(3@30 2@20)"},
+        {"4<3:40 3<1:30 1<2:10 2<3:20", "1@40+3(4@40 3@30 2@20)"},
+        {"1:10 2?:20", "1@10"},
+        {"1?:10 2?:20", "2@20 1@10"},  // Nothing is complete.
+        {"1?:10 2<1:20", "2@20"},
+        {"1:10 2!:20", "1@10"},
+        {"1!:10 2!:20 3?:30", "3@30 2@20 1@10"},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.tasks);
+        disk.remove("/s");
+        disk.makeFolder("/s");
+        disk.locked.clear();
+        makeTasks(c.tasks);
+        refresh();
+        EXPECT_EQ(c.heads, heads(Helpers::listed));
+        const std::string first = std::string(c.heads).substr(0, std::string(c.heads).find('+'));
+        EXPECT_EQ(first.substr(0, first.find(' ')), described(list.newestHead()));
+        for (const ORVTask& task : list.matching("")) {
+            const auto head = list.headOfFamily(task);
+            EXPECT_EQ(std::string::npos == std::string(c.heads).find(nameOf(task)), !head);
+            if (head) {
+                EXPECT_NE(std::string::npos, std::string(c.heads).find(described(head)));
+            }
+        }
+    }
+    ASSERT_EQ(2U, list.unreadable().size());
+    EXPECT_EQ(pathOf("1"), list.unreadable().front().path);
+    EXPECT_EQ(EACCES, list.unreadable().front().error.code);
+}
+
+TEST_F(TaskListTest, LimitsAndDatesAreAboutFamilies) {
+    makeTasks("1:10 2<1:60 3<1:50 4:40 5:30 6:20");
+    refresh();
+    EXPECT_EQ("1@60 4@40", heads(Helpers::none, 2));
+    EXPECT_EQ("1@60+2 4@40", heads(Helpers::counted, 2));
+    ORVTaskList::Wanted wanted;
+    wanted.changedSince = ORVFileDate{40, 0};
+    EXPECT_EQ("1@60 4@40", described(list.heads(wanted)));
+    wanted.helpers = Helpers::counted;
+    EXPECT_EQ("1@60+2 4@40", described(list.heads(wanted)));
+    EXPECT_EQ("2@60 3@50", described(list.helpersOf(list.matching("81").front())));
+}
+
+TEST_F(TaskListTest, AnAnswerOpensNoMoreFirstLinesThanItNeeds) {
+    constexpr int kFamilies = 1'000;
+    const auto path = [](int number) {
+        const std::string digits = std::to_string(100'000 + number);
+        return "/s/" + digits + "01-983b-7e83-81c7-e87b7b63d181.jsonl";
+    };
+    for (int i = 0; i < kFamilies; ++i) {
+        disk.write(path(2 * i), meta(""));
+        const std::string parent = path(2 * i).substr(3, 36);
+        disk.write(path(2 * i + 1), meta(R"("source":{"subagent":{"thread_spawn":{)"
+                                         R"("parent_thread_id":")" +
+                                         parent + R"("}}})"));
+    }
+    refresh();
+    EXPECT_TRUE(list.newestHead());
+    EXPECT_EQ(2, disk.opened);
+    ORVTaskList::Wanted wanted;
+    wanted.limit = 20;
+    EXPECT_EQ(20U, list.heads(wanted).size());
+    EXPECT_EQ(40, disk.opened);
+    wanted.limit = 0;
+    wanted.helpers = Helpers::counted;
+    EXPECT_EQ(kFamilies, static_cast<int>(list.heads(wanted).size()));
+    EXPECT_EQ(2 * kFamilies, disk.opened);
+    EXPECT_EQ(2U * kFamilies, list.matching("-7E83-81").size());
+    const auto revision = list.revision();
+    refresh();
+    EXPECT_EQ(revision, list.revision());
+    disk.append(path(7), "more");
+    for (int i = 0; i < 5; ++i) {
+        refresh();
+    }
+    EXPECT_NE(revision, list.revision());
+    EXPECT_EQ(path(6), list.newestHead()->task.newestFile().path);
+    EXPECT_EQ(2 * kFamilies, disk.opened) << "each line is read once";
+}
+
+TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
+    makeTasks("1:10 2?:20");
+    refresh();
+    EXPECT_EQ("1@10", described(list.newestHead()));
+    const int opened = disk.opened;
+    refresh();
+    EXPECT_EQ("1@10", described(list.newestHead()));
+    EXPECT_EQ(opened, disk.opened);
+    disk.write(pathOf("2"), helperMeta("1"));
+    disk.setDate(pathOf("2"), 30);
+    refresh();
+    EXPECT_EQ("1@30", described(list.newestHead()));
+    EXPECT_FALSE(list.newestHead()->isNew);
+    makeTasks("3?:40 4!:50");
+    refresh();
+    EXPECT_EQ("1@30", described(list.newestHead()));
+    EXPECT_EQ(1U, list.unreadable().size());
+    disk.locked.clear();
+    disk.write(pathOf("3"), meta(""));
+    disk.setDate(pathOf("3"), 60);
+    refresh();
+    EXPECT_EQ("3@60 4@50 1@30", heads());
+    EXPECT_TRUE(list.newestHead()->isNew);
+    EXPECT_EQ(0U, list.unreadable().size());
+    refresh();
+    EXPECT_FALSE(list.newestHead()->isNew);
+    disk.replace(pathOf("4"), helperMeta("2"));
+    disk.setDate(pathOf("4"), 70);
+    refresh();
+    EXPECT_EQ("1@70 3@60", heads()) << "another file";
+    disk.remove("/s");
+    EXPECT_FALSE(list.refresh(nullptr));
+    EXPECT_EQ("", heads());
+}
+
+TEST_F(TaskListTest, WhatAFirstLineTells) {
+    const std::string kLong(ORVFirstLines::kLongestTextBytes, 'x');
+    struct Case {
+        std::string line;
+        std::string expected;  ///< Folder, parent and name; "-" for what is absent.
+    };
+    const Case kCases[] = {
+        {"no JSON\n", "- head"},
+        {"\n", "- head"},
+        {meta(R"("cwd":7,"source":"exec","thread_source":"user")"), "- head"},
+        {meta(R"("cwd":"relative","source":{"other":{}})"), "- head"},
+        {meta(R"("cwd":"/a b\u0000","source":{"subagent":null})"),
+         std::string("/a b") + '\0' + " head"},
+        {meta(R"("cwd":"/","parent_thread_id":"p","agent_nickname":"n")"), "/ head"},
+        {R"({"type":"other","payload":{"cwd":"/","thread_source":"subagent"}})"
+         "\n",
+         "- head"},
+        {meta(R"("thread_source":"subagent")"), "- helper - -"},
+        {meta(R"("source":{"subagent":"review"},"parent_thread_id":"p")"), "- helper p -"},
+        {meta(R"("source":{"subagent":{"thread_spawn":{"parent_thread_id":"q",)"
+              R"("agent_nickname":"\u00e4\n"}}},"parent_thread_id":7)"),
+         "- helper q \xC3\xA4\n"},
+        {meta(R"("source":{"subagent":{"thread_spawn":{"parent_thread_id":"q"}}},)"
+              R"("parent_thread_id":"p","agent_nickname":"n","thread_source":"subagent")"),
+         "- helper p n"},
+        {meta(R"("thread_source":"subagent","agent_nickname":"x)" + kLong +
+              R"(","parent_thread_id":")" + kLong + '"'),
+         "- helper " + kLong + " -"},
+        {meta(R"("cwd":"/","x":")" + std::string(100'000, 'x') + '"'), "/ head"},
+        {meta(R"("cwd":"/","x":")" + std::string(ORVFirstLines::kLongestLineBytes, 'x') + '"'),
+         "- head"},
+        {std::string(ORVFirstLines::kLongestLineBytes + 1, 'x'), "- head"},
+        {std::string(ORVFirstLines::kLongestLineBytes, 'x'), "not complete"},
+    };
+    for (const std::size_t bytesPerRead : {std::size_t{1} << 30, std::size_t{1'000}}) {
+        disk.bytesPerRead = bytesPerRead;
+        for (const Case& c : kCases) {
+            ORVFirstLines lines(disk);
+            disk.write("/s/a", c.line);
+            const ORVFirstLine& line = lines.ofFile({"/s/a", {}, 1, c.line.size()}).line;
+            const std::string rest = line.isHelper ? " helper " + line.parentID.value_or("-") +
+                                                         ' ' + line.helperName.value_or("-")
+                                                   : " head";
+            EXPECT_EQ(c.expected,
+                      line.isComplete ? line.folder.value_or("-") + rest : "not complete")
+                << c.line.substr(0, 100);
+        }
+    }
+}
+
+TEST_F(TaskListTest, TheDeepestFolderWinsAmongEqualsTheNewestFamily) {
+    disk.realPaths["/link/site"] = "/code/site";
+    disk.makeFolder("/code/site/deep");
+    const auto make = [&](const std::string& name, const std::string& payload, int date) {
+        disk.write(pathOf(name), meta(payload));
+        disk.setDate(pathOf(name), date);
+    };
+    make("1", R"("cwd":"/")", 90);
+    make("2", R"("cwd":"/code")", 80);
+    make("3", R"("cwd":"/code/site")", 10);
+    make("4", R"("cwd":"/link/site/")", 20);
+    make("5", R"("cwd":"/gone")", 99);
+    make("6", R"("cwd":"/gone","thread_source":"subagent","parent_thread_id":")" + idOf("3") + '"',
+         30);
+    refresh();
+    const std::pair<std::string, std::string> kCases[] = {
+        {"/code/site/deep", "3@30"}, {"/code/site", "3@30"}, {"/code", "2@80"},
+        {"/code/sit", "2@80"},       {"/elsewhere", "1@90"}, {"/gone", "5@99"}};
+    for (const auto& [folder, expected] : kCases) {
+        EXPECT_EQ(expected, described(list.headForFolder(folder))) << folder;
+    }
+    ORVTaskList::Wanted wanted;
+    wanted.folder = "/code";
+    EXPECT_EQ("1@90 2@80 3@30 4@20", described(list.heads(wanted)));
+    wanted.limit = 2;
+    wanted.folder = "/code/site";
+    EXPECT_EQ("1@90 2@80", described(list.heads(wanted)));
+    disk.remove(pathOf("1"));
+    refresh();
+    EXPECT_EQ("", described(list.headForFolder("/elsewhere")));
+}
+
+TEST_F(TaskListTest, PartsOfIdentifiers) {
+    makeTasks("1:10 2:30 3:20");
+    disk.write("/s/b-" + idOf("4") + '_' + idOf("5") + ".jsonl", meta(""));
+    disk.write("/s/c-AAAAAAAA-983b-7e83-81c7-E87B7B63D181.jsonl", meta(""));
+    disk.write("/s/x/Notes-x-81.jsonl", meta(""));
+    refresh();
+    const std::pair<std::string, std::string> kCases[] = {
+        {"82", "2"},       {"D182", "2"},  {"00000001", "1"}, {"d18", "A4231"},
+        {"983B", "A4231"}, {"", "-A4231"}, {"5", ""},         {"181", "A1"},
+        {"7", "A4231"},    {"notes", "-"}, {"81", "A1"}};
+    for (const auto& [part, expected] : kCases) {
+        EXPECT_EQ(expected, matching(part)) << part;
+    }
+    const auto shortOf = [&](const std::string& part) {
+        return list.shortIdentifier(list.matching(part).front());
+    };
+    EXPECT_EQ("63d182", shortOf("82"));
+    EXPECT_EQ("A-983b-7e83-81c7-E87B7B63D181", shortOf("aaa"));
+    EXPECT_EQ("Notes-x-81.jsonl", shortOf("notes"));
+    disk.remove(pathOf("1"));
+    refresh();
+    EXPECT_EQ("63D181", shortOf("aaa"));
+}
+
+TEST_F(TaskListTest, TheListIsThatOfOneMadeAnew) {
+    std::mt19937 random(5);
+    const auto any = [&](unsigned count) { return static_cast<unsigned>(random() % count); };
+    const auto anyName = [&] { return std::string(1, "12345ab"[any(7)]); };
+    const auto anyPath = [&] {
+        return "/s/" + std::to_string(any(3)) + "/" +
+               (any(8) == 0   ? "notes"
+                : any(6) == 0 ? idOf(anyName()) + '_' + idOf(anyName())
+                              : idOf(anyName())) +
+               ".jsonl";
+    };
+    const auto anyContent = [&]() -> std::string {
+        const std::string folder = R"("cwd":"/)" + anyName() + '"';
+        const std::string kContents[] = {"", "{", meta(folder), helperMeta(anyName()),
+                                         helperMeta(anyName())};
+        return kContents[any(5)];
+    };
+    const auto answers = [&](ORVTaskList& asked) {
+        ORVTaskList::Wanted wanted;
+        std::string text = described(asked.newestHead()) + '\n';
+        for (const ORVTask& task : asked.matching("")) {
+            text += task.threadID + ' ' + std::to_string(task.files.size()) + ' ' +
+                    asked.shortIdentifier(task) + ' ' + described(asked.headOfFamily(task)) + '\n';
+        }
+        wanted.helpers = Helpers::listed;
+        text += described(asked.heads(wanted)) + '\n' + described(asked.headForFolder("/1/x"));
+        return text;
+    };
+    for (int round = 0; round < 400; ++round) {
+        for (unsigned count = any(4) + 1; count > 0; --count) {
+            const std::string path = anyPath();
+            const bool isThere = disk.items().contains(path);
+            switch (any(isThere ? 6 : 2)) {
+                case 0:
+                case 1:
+                    disk.replace(path, anyContent());
+                    break;
+                case 2:
+                    disk.append(path, "\n");
+                    break;
+                case 3:
+                    disk.rename(path, anyPath());
+                    break;
+                case 4:
+                    disk.setDate(path, any(3) + 1);
+                    break;
+                default:
+                    disk.remove(any(4) == 0 ? path.substr(0, 4) : path);
+                    break;
+            }
+        }
+        for (unsigned count = 6; count > 0; --count) {
+            refresh();
+            if (any(2) == 0) {
+                answers(list);
+            }
+        }
+        ORVTaskList fresh(disk, clock, "/s");
+        EXPECT_TRUE(fresh.refresh(nullptr));
+        ASSERT_EQ(answers(fresh), answers(list)) << "round " << round;
+    }
+}
+
+}  // namespace
