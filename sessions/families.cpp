@@ -61,7 +61,7 @@ private:
 
 const ORVFirstLines::Known& ORVTaskList::readFirstLine(const ORVWalkedFile& file) {
     const ORVFirstLines::Known& known = firstLines_.ofFile(file);
-    if (!known.line.isComplete && incomplete_.insert(&file).second && !allCount_) {
+    if (!known.line.isComplete && incomplete_.insert(&file).second) {
         placeTasksOf(file);
     }
     return known;
@@ -123,8 +123,8 @@ void ORVTaskList::readFirstLinesAhead() {
 /// Returns the task that a helper works for; null for what is no helper, and where there is no such
 /// task.
 ORVTaskList::Group* ORVTaskList::parentOf(const Group& group) {
-    const ORVFirstLine& line = group.known->line;
-    const auto parent = line.isHelper && line.parentID ? groupNamed(*line.parentID) : groups_.end();
+    const auto& parentID = group.known->line.parentID;
+    const auto parent = parentID ? groupNamed(*parentID) : groups_.end();
     if (parent == groups_.end()) {
         return nullptr;
     }

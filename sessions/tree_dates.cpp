@@ -139,7 +139,6 @@ void ORVSessionTree::note(Change::Kind kind, const ORVWalkedFile& file) {
     changes_.push_back({kind, &file});
     if (kind == Change::Kind::vanished) {
         --fileCount_;
-        writtenLately_.erase(file.path);
     } else if (kind == Change::Kind::changed || isLately(file.modifiedAt, now_)) {
         writtenLately_[file.path] = now_;
     }

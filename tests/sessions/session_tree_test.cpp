@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <fstream>
 #include <random>
 
@@ -53,7 +54,11 @@ protected:
 
     SessionTreeTest() {
         clock.time = ORVSystemClock().now();
-        home.makeFolder("s");
+        // So many that few of them are asked for their dates at every refresh.
+        for (int i = 0; i < 200; ++i) {
+            home.append("s/many/" + std::to_string(i) + ".jsonl", "");
+            home.setDate("s/many/" + std::to_string(i) + ".jsonl", 1'000);
+        }
     }
 
     void refresh() {
@@ -184,35 +189,181 @@ TEST_P(SessionTreeTest, AnyChangesAreNoticedWithinSixRefreshes) {
 }
 
 TEST_P(SessionTreeTest, ChangesThatWereLostAreMadeUpFor) {
-    home.append("s/1/a.jsonl", "");
-    home.append("s/1/b.jsonl", "");
-    home.append("s/2/c.jsonl", "");
-    for (const char* name : {"s/1/a.jsonl", "s/1/b.jsonl", "s/2/c.jsonl"}) {
-        home.setDate(name, 1'000);
-    }
     for (int i = 0; i < 8; ++i) {
         refresh();
     }
-    // As many changes in turn, none equal to the one before, are more than the system keeps.
-    std::ofstream a(home.path("s/1/a.jsonl"));
-    std::ofstream b(home.path("s/1/b.jsonl"));
+    // As many changes, none equal to the one before, are more than the system keeps.
+    std::ofstream a(home.path("s/many/10.jsonl"));
+    std::ofstream b(home.path("s/many/11.jsonl"));
     for (int i = 0; i < 20'000; ++i) {
         (i % 2 == 0 ? a : b) << 'x' << std::flush;
     }
-    home.append("s/2/c.jsonl", "x");
-    for (int i = 0; i < 6; ++i) {
-        refresh();
+    for (const char* name : {"s/many/1.jsonl", "s/many/99.jsonl"}) {
+        home.append(name, "x");
+        for (int i = 0; i < 6; ++i) {
+            refresh();
+        }
+        EXPECT_EQ(walked(), picture());
     }
+}
+
+TEST_P(SessionTreeTest, AFolderThatBecomesALinkIsGone) {
+    home.append("s/1/2/a.jsonl", "");
+    refresh();
+    rename(home.path("s/1").c_str(), home.path("elsewhere").c_str());
+    home.makeLink("s/1", home.path("elsewhere"));
+    refresh();
     EXPECT_EQ(walked(), picture());
-    home.setDate("s/2/c.jsonl", 2'000);
-    clock.time += 2min;
-    for (int i = 0; i < 6; ++i) {
-        refresh();
-    }
-    EXPECT_EQ(walked(), picture());
+    EXPECT_EQ(200U, tree.fileCount());
 }
 
 INSTANTIATE_TEST_SUITE_P(WithAndWithoutAWatch, SessionTreeTest, testing::Bool());
+
+/// A disk in memory that tells what is written, as far as the test wants it to, and has folders
+/// that may not be read.
+class TellingFiles final : public MemoryFiles {
+public:
+    std::set<std::string> watched;
+    std::set<std::string> written;
+    bool losesChanges = false;
+    std::string locked;
+
+    std::unique_ptr<ORVFolderWatch> makeFolderWatch() override {
+        return std::make_unique<Watch>(*this);
+    }
+    std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
+                                              ORVErrorSlot* error) override {
+        if (path == locked) {
+            storeError(error, platform::posixError(EACCES));
+            return nullptr;
+        }
+        return MemoryFiles::openFolder(path, links, error);
+    }
+
+private:
+    struct Watch final : ORVFolderWatch {
+        explicit Watch(TellingFiles& disk) : disk_(disk) {}
+        bool watch(const std::string& folder) override {
+            return disk_.watched.insert(folder).second;
+        }
+        void forget(const std::string& folder) override { disk_.watched.erase(folder); }
+        bool visitChanges(const ChangeVisitor& visit) override {
+            for (const std::string& path : std::exchange(disk_.written, {})) {
+                visit(path);
+            }
+            return !std::exchange(disk_.losesChanges, false);
+        }
+        TellingFiles& disk_;
+    };
+};
+
+class TreeInMemoryTest : public testing::Test {
+protected:
+    TreeInMemoryTest() {
+        for (int i = 100; i < 200; ++i) {
+            disk.write(pathOf(i), "");
+            disk.setDate(pathOf(i), 1'000);
+        }
+        EXPECT_TRUE(tree.refresh(nullptr));
+    }
+
+    static std::string pathOf(int number) { return "/s/1/" + std::to_string(number) + ".jsonl"; }
+
+    /// Returns after how many refreshes a change is noticed; 0 when none of so many notices it.
+    int noticedAfter(int most) {
+        for (int count = 1; count <= most; ++count) {
+            clock.time += 2s;
+            EXPECT_TRUE(tree.refresh(nullptr));
+            if (!tree.changes().empty()) {
+                return count;
+            }
+        }
+        return 0;
+    }
+
+    /// Makes a change that no folder's date tells.
+    template <typename Change>
+    void secretly(Change change) {
+        const auto before = disk.items().at("/s/1").modifiedAt;
+        change();
+        disk.setDate("/s/1", before.seconds, before.nanoseconds);
+    }
+
+    TellingFiles disk;
+    ManualClock clock;
+    ORVSessionTree tree{disk, clock, "/s"};
+};
+
+TEST_F(TreeInMemoryTest, AFolderIsReadAgainWhileItsDateIsYoung) {
+    const auto add = [&](int number) { secretly([&] { disk.append(pathOf(number), ""); }); };
+    add(1);
+    EXPECT_EQ(0, noticedAfter(3)) << "old";
+    disk.setDate("/s/1", clock.time.time_since_epoch() / 1s);
+    EXPECT_EQ(1, noticedAfter(1));
+    add(2);
+    EXPECT_EQ(1, noticedAfter(1));
+    add(3);
+    EXPECT_EQ(1, noticedAfter(1));
+    add(4);
+    EXPECT_EQ(0, noticedAfter(3)) << "not young any more";
+    secretly([&] { disk.remove(pathOf(150)); });
+    EXPECT_LT(0, noticedAfter(6)) << "a file that is gone when it is asked";
+    EXPECT_EQ(103U, tree.fileCount());
+}
+
+TEST_F(TreeInMemoryTest, WhatIsWrittenIsNoticedInTurnOrAtOnce) {
+    disk.append(pathOf(190), "x");
+    disk.setDate(pathOf(190), 1'000);
+    EXPECT_LT(0, noticedAfter(6)) << "a size of the same date";
+    disk.append(pathOf(190), "x");
+    EXPECT_EQ(1, noticedAfter(1)) << "written lately";
+    clock.time += 2min;
+    EXPECT_EQ(0, noticedAfter(7));
+    EXPECT_EQ(std::set<std::string>{"/s/1"}, disk.watched);
+    disk.append(pathOf(110), "x");
+    EXPECT_EQ(0, noticedAfter(1)) << "only in turn, by now";
+    disk.written = {pathOf(110), "/s/1/none.jsonl", "/none/none.jsonl"};
+    EXPECT_EQ(1, noticedAfter(1)) << "told";
+    clock.time += 2min;
+    disk.append(pathOf(120), "x");
+    EXPECT_LT(5, noticedAfter(31)) << "not told";
+    disk.losesChanges = true;
+    disk.watched.clear();
+    disk.append(pathOf(130), "x");
+    EXPECT_LT(0, noticedAfter(6)) << "lost";
+    EXPECT_EQ(0, noticedAfter(6));
+    disk.append(pathOf(5), "");
+    EXPECT_EQ(1, noticedAfter(1));
+    disk.watched.clear();
+    disk.append(pathOf(140), "x");
+    EXPECT_LT(0, noticedAfter(6)) << "perhaps another folder";
+    disk.remove("/s/1");
+    EXPECT_EQ(1, noticedAfter(1));
+    EXPECT_TRUE(disk.watched.empty());
+    EXPECT_EQ(0U, tree.fileCount());
+}
+
+TEST_F(TreeInMemoryTest, AFolderThatMayNotBeReadHoldsNothing) {
+    disk.append("/s/1/2/a.jsonl", "");
+    disk.append("/s/10/a.jsonl", "");
+    EXPECT_EQ(1, noticedAfter(1));
+    disk.locked = "/s/1";
+    disk.append(pathOf(1), "");
+    EXPECT_EQ(1, noticedAfter(1));
+    EXPECT_EQ(1U, tree.fileCount());
+    ASSERT_EQ(1U, tree.unreadable().size());
+    EXPECT_EQ("/s/1", tree.unreadable().front().path);
+    EXPECT_TRUE(tree.unreadable().front().isFolder);
+    EXPECT_EQ(EACCES, tree.unreadable().front().error.code);
+    disk.locked = "/s";
+    clock.time += 2s;
+    EXPECT_FALSE(tree.refresh(nullptr));
+    EXPECT_EQ("/s", tree.unreadable().front().path);
+    disk.locked = "";
+    EXPECT_EQ(1, noticedAfter(1));
+    EXPECT_EQ(103U, tree.fileCount());
+    EXPECT_TRUE(tree.unreadable().empty());
+}
 
 /// Returns all that the tree holds.
 std::string contentOf(const ORVSessionTree& tree) {

@@ -212,10 +212,22 @@ TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
     EXPECT_EQ("1@10", described(list.newestHead()));
     EXPECT_EQ(opened, disk.opened);
     disk.write(pathOf("2"), helperMeta("1"));
-    disk.setDate(pathOf("2"), 30);
+    disk.setDate(pathOf("2"), 20);
+    refresh();
+    EXPECT_EQ("1@20", described(list.newestHead())) << "of the same date";
+    makeTasks("3?:30");
+    disk.write(pathOf("4"), "{");
+    refresh();
+    EXPECT_EQ("1@20", described(list.newestHead()));
+    disk.write(pathOf("4"), "\n");
+    refresh();
+    EXPECT_EQ('4', described(list.newestHead())[0]) << "of the same size";
+    disk.remove(pathOf("4"));
+    disk.write("/s/b-" + idOf("1") + ".jsonl", meta(""));
+    disk.setDate("/s/b-" + idOf("1") + ".jsonl", 30);
     refresh();
     EXPECT_EQ("1@30", described(list.newestHead()));
-    EXPECT_FALSE(list.newestHead()->isNew);
+    EXPECT_FALSE(list.newestHead()->isNew) << "a further file of a known task";
     makeTasks("3?:40 4!:50");
     refresh();
     EXPECT_EQ("1@30", described(list.newestHead()));
@@ -236,6 +248,26 @@ TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
     disk.remove("/s");
     EXPECT_FALSE(list.refresh(nullptr));
     EXPECT_EQ("", heads());
+    disk.givesFileNumbers = false;
+    makeTasks("1:10 2:20");
+    refresh();
+    EXPECT_EQ("2@20 1@10", heads());
+    disk.remove(pathOf("2"));
+    refresh();
+    makeTasks("2<1:20");
+    refresh();
+    EXPECT_EQ("1@20", heads()) << "another file that looks like the former one";
+}
+
+TEST_F(TaskListTest, EqualDatesAreOrderedByTheNewestFilesPath) {
+    for (const std::string& path :
+         {"/s/a-" + idOf("1"), "/s/b-" + idOf("2"), "/s/c-" + idOf("1")}) {
+        disk.write(path + ".jsonl", meta(""));
+        disk.setDate(path + ".jsonl", 10);
+    }
+    refresh();
+    EXPECT_EQ("2@10", described(list.newestHead()));
+    EXPECT_EQ("2@10 1@10", heads());
 }
 
 TEST_F(TaskListTest, WhatAFirstLineTells) {
@@ -305,13 +337,15 @@ TEST_F(TaskListTest, TheDeepestFolderWinsAmongEqualsTheNewestFamily) {
     refresh();
     const std::pair<std::string, std::string> kCases[] = {
         {"/code/site/deep", "3@30"}, {"/code/site", "3@30"}, {"/code", "2@80"},
-        {"/code/sit", "2@80"},       {"/elsewhere", "1@90"}, {"/gone", "5@99"}};
+        {"/code/sitex", "2@80"},     {"/elsewhere", "1@90"}, {"/gone", "5@99"}};
     for (const auto& [folder, expected] : kCases) {
         EXPECT_EQ(expected, described(list.headForFolder(folder))) << folder;
     }
     ORVTaskList::Wanted wanted;
     wanted.folder = "/code";
     EXPECT_EQ("1@90 2@80 3@30 4@20", described(list.heads(wanted)));
+    wanted.folder = "/link";
+    EXPECT_EQ("1@90 4@20", described(list.heads(wanted))) << "as it is written";
     wanted.limit = 2;
     wanted.folder = "/code/site";
     EXPECT_EQ("1@90 2@80", described(list.heads(wanted)));

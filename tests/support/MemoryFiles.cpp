@@ -66,10 +66,10 @@ public:
     }
 
 private:
-    static ORVItemStatus statusOf(const Item& item) {
+    ORVItemStatus statusOf(const Item& item) const {
         using Kind = ORVItemStatus::Kind;
         return {item.isFolder ? Kind::folder : Kind::file, item.modifiedAt, item.modifiedAt,
-                item.number, item.content.size()};
+                disk_.givesFileNumbers ? item.number : 0, item.content.size()};
     }
 
     MemoryFiles& disk_;
