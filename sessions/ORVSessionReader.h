@@ -47,9 +47,10 @@ public:
     std::optional<File> readFile(const std::string& path, ORVReadingMemory& memory,
                                  ORVErrorSlot* error);
 
-    /// Reads on in the files of these tasks on all processors, so that readFile finds nothing new
-    /// in them. `progress` is told how many files have been read, by one thread at a time. A file
-    /// that cannot be read is left to readFile. Throws std::bad_alloc when memory runs out.
+    /// Reads on in the files of these tasks on all processors, up to the sizes that the walk has
+    /// found, so that readFile finds hardly anything new in them. `progress` is told how many files
+    /// have been read, by one thread at a time. A file that cannot be read is left to readFile.
+    /// Throws std::bad_alloc when memory runs out.
     using Progress = std::function<void(std::size_t done)>;
     void readAhead(std::span<const ORVTask> tasks, const Progress& progress);
 
@@ -99,8 +100,8 @@ public:
 
 private:
     // Reading (reading.cpp)
-    std::optional<File> readFile(const std::string& path, ORVSessionParseState& state,
-                                 ORVReadingMemory& memory, ORVErrorSlot* error);
+    bool readOn(ORVSessionParseState& state, const std::string& path,
+                const ORVFileAttributes& attributes, ORVReadingMemory& memory, ORVErrorSlot* error);
 
     // Interpretation (interpretation.cpp)
     std::size_t indexOfLastUsage(std::span<const std::string_view> lines,

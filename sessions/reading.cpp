@@ -18,6 +18,15 @@ const ORVMarkerSearch& markers() {
     return kSearch;
 }
 
+/// Returns what the walk has found. A file that has changed since then is read on later.
+ORVFileAttributes attributesOf(const ORVWalkedFile& file) {
+    ORVFileAttributes attributes{file.size, std::nullopt, file.modifiedAt};
+    if (file.fileIdentifier != 0) {
+        attributes.fileIdentifier = file.fileIdentifier;
+    }
+    return attributes;
+}
+
 }  // namespace
 
 /// No line of JSON holds a NUL, so nothing can come of a line with a hole.
@@ -29,25 +38,25 @@ ORVSessionReader::ORVSessionReader(ORVFiles& files, const ORVClock& clock, ORVSe
 std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const std::string& path,
                                                                  ORVReadingMemory& memory,
                                                                  ORVErrorSlot* error) {
-    return readFile(path, states_[path], memory, error);
-}
-
-std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const std::string& path,
-                                                                 ORVSessionParseState& state,
-                                                                 ORVReadingMemory& memory,
-                                                                 ORVErrorSlot* error) {
     const auto attributes = files_.attributesOfItem(path, error);
     if (!attributes || !attributes->size || !attributes->modifiedAt) {
         return std::nullopt;
     }
-    ORVFileFollower::begin(state, *attributes);
-    if (state.revision == 0 || state.offset != *attributes->size) {
-        state.revision = ++lastRevision_;
-    }
-    if (!updateState(state, path, *attributes->size, memory, error)) {
+    ORVSessionParseState& state = states_[path];
+    if (!readOn(state, path, *attributes, memory, error)) {
         return std::nullopt;
     }
     return File{state, *attributes->modifiedAt};
+}
+
+bool ORVSessionReader::readOn(ORVSessionParseState& state, const std::string& path,
+                              const ORVFileAttributes& attributes, ORVReadingMemory& memory,
+                              ORVErrorSlot* error) {
+    ORVFileFollower::begin(state, attributes);
+    if (state.revision == 0 || state.offset != *attributes.size) {
+        state.revision = ++lastRevision_;
+    }
+    return updateState(state, path, *attributes.size, memory, error);
 }
 
 bool ORVSessionReader::updateState(ORVSessionParseState& state, const std::string& path,
@@ -63,15 +72,16 @@ bool ORVSessionReader::updateState(ORVSessionParseState& state, const std::strin
 
 void ORVSessionReader::readAhead(std::span<const ORVTask> tasks, const Progress& progress) {
     struct Unread {
-        const std::string& path;
+        const ORVWalkedFile& file;
         ORVSessionParseState& state;
     };
     std::vector<Unread> unread;
     std::unordered_set<std::string_view> seen;  // A file may belong to several tasks.
     for (const ORVTask& task : tasks) {
         for (const ORVWalkedFile& file : task.files) {
-            if (seen.insert(file.path).second) {
-                unread.push_back({file.path, states_[file.path]});
+            ORVSessionParseState& state = states_[file.path];
+            if (state.offset < file.size && seen.insert(file.path).second) {
+                unread.push_back({file, state});
             }
         }
     }
@@ -79,7 +89,8 @@ void ORVSessionReader::readAhead(std::span<const ORVTask> tasks, const Progress&
     std::size_t done = 0;
     platform::inParallel(unread.size(), [&] {
         return [&, memory = std::make_shared<ORVReadingMemory>()](std::size_t i) {
-            (void)readFile(unread[i].path, unread[i].state, *memory, nullptr);
+            const auto& [file, state] = unread[i];
+            readOn(state, file.path, attributesOf(file), *memory, nullptr);
             const std::lock_guard<std::mutex> lock(mutex);
             progress(++done);
         };
