@@ -43,7 +43,7 @@ public:
 
         /// Whether these are the attributes of another file, or of one that was cut.
         bool isOfAnother(const ORVWalkedFile& file) const {
-            return fileIdentifier != file.fileNumber || size > file.size;
+            return fileIdentifier != file.fileIdentifier || size > file.size;
         }
     };
 

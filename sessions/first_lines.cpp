@@ -77,7 +77,7 @@ public:
 
     Known read(const ORVWalkedFile& file) {
         Known known;
-        known.fileIdentifier = file.fileNumber;
+        known.fileIdentifier = file.fileIdentifier;
         known.size = file.size;
         known.modifiedAt = file.modifiedAt;
         ORVErrorSlot error;
