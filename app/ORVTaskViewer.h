@@ -47,6 +47,9 @@ public:
     enum class Memory { kept, freed };
     ORVTaskListView list(const ORVListRequest& request, Memory memory, const Progress& progress);
 
+    /// Returns the folders and files that could not be read for the last answer.
+    std::vector<ORVUnreadable> unreadable() const;
+
     ORVCodexSessionSource& sessions() { return sessions_; }
     ORVCodexFocusLogSource& focus() { return focus_; }
 
@@ -82,6 +85,7 @@ private:
     ORVTaskList tasks_;
 
     std::optional<ORVShownTask> lastTask_;
+    std::vector<ORVUnreadable> unreadableForLimits_;
 
     /// The head that is shown by its newness, and when its family was last seen to change.
     struct Shown {

@@ -3,10 +3,9 @@
 #include "app/rate_limits.h"
 
 #include <algorithm>
-#include <array>
-#include <ctime>
 
 #include "app/figures.h"
+#include "text/timestamps.h"
 
 namespace app {
 namespace {
@@ -38,14 +37,8 @@ std::string resetText(const ORVRateLimit& limit, ORVClock::TimePoint now) {
     if (!limit.resetsAt || wait <= 0) {
         return "";
     }
-    tzset();  // The user may have changed the zone.
-    const std::time_t seconds = *limit.resetsAt;
-    std::tm time{};
-    std::array<char, 64> text{};
-    if (localtime_r(&seconds, &time)) {
-        std::strftime(text.data(), text.size(), wait < kDay ? "%H:%M" : "%m-%d %H:%M", &time);
-    }
-    return text.data();
+    return text::localTime(std::chrono::sys_seconds(std::chrono::seconds(*limit.resetsAt)),
+                           wait < kDay ? "%H:%M" : "%m-%d %H:%M");
 }
 
 std::optional<double> usedPercent(const ORVRateLimit& limit, ORVClock::TimePoint now) {

@@ -141,5 +141,12 @@ std::optional<ORVAccountLimits> ORVTaskViewer::accountLimits() {
                           return std::tie(b.modifiedAt, a.path) < std::tie(a.modifiedAt, b.path);
                       });
     files.resize(count);
-    return sessions_.accountLimits(files);
+    unreadableForLimits_.clear();
+    return sessions_.accountLimits(files, &unreadableForLimits_);
+}
+
+std::vector<ORVUnreadable> ORVTaskViewer::unreadable() const {
+    std::vector<ORVUnreadable> all = tasks_.unreadable();
+    all.insert(all.end(), unreadableForLimits_.begin(), unreadableForLimits_.end());
+    return all;
 }

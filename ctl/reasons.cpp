@@ -88,7 +88,7 @@ void explainAbsence(Invocation& invocation, const ORVTaskView& view) {
 }
 
 void tellOfUnreadable(Invocation& invocation) {
-    const auto unreadable = invocation.viewer.tasks().unreadable();
+    const auto unreadable = invocation.viewer.unreadable();
     if (unreadable.empty() || invocation.arguments.format == Format::ownTemplate) {
         return;
     }

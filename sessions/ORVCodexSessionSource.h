@@ -17,6 +17,7 @@
 #include "sessions/ORVHistoryEvent.h"
 #include "sessions/ORVSessionReader.h"
 #include "sessions/ORVSessionSearch.h"
+#include "sessions/ORVSessionTree.h"
 #include "sessions/ORVTask.h"
 #include "sessions/ORVTitleIndex.h"
 
@@ -65,8 +66,19 @@ public:
     /// wanted. A compaction that stands in several files occurs once.
     std::shared_ptr<const ORVHistory> historyForThreadID(std::string_view threadID) const;
 
-    std::optional<ORVAgentFacts> agentFactsForThreadID(std::string_view) const { return {}; }
-    std::optional<ORVAccountLimits> accountLimits(std::span<const ORVWalkedFile>) { return {}; }
+    /// Returns what the agent says beside the figures, in the task's newest record of each kind up
+    /// to its last snapshot; none when no snapshot was made since forgetFiles, or when it is not
+    /// wanted.
+    std::optional<ORVAgentFacts> agentFactsForThreadID(std::string_view threadID) const;
+
+    /// Returns the account's rate limits (rate_limits.cpp) as the newest of these files' last ones
+    /// tells them; none when no file has any. At most 20 files are looked at, and only at their
+    /// ends. A file that is older than the longest window of its rate limits does not count. Of the
+    /// others the record with the latest time counts: of its time stamp, or of its file where it
+    /// has none that can be read. `unreadable` may be null, and takes the files that cannot be
+    /// read.
+    std::optional<ORVAccountLimits> accountLimits(std::span<const ORVWalkedFile> newestFirst,
+                                                  std::vector<ORVUnreadable>* unreadable) const;
 
     // Files
 
@@ -130,6 +142,7 @@ private:
         std::int64_t compactionCount = 0;
         std::optional<ORVCompactionStatus> signalledStatus;  ///< Of the newest file with a signal.
         std::shared_ptr<const ORVHistory> history;           ///< Null unless histories are wanted.
+        std::optional<ORVAgentFacts> agentFacts;             ///< None unless they are wanted.
     };
     using States = std::vector<const ORVSessionParseState*>;  ///< Of a task's files, oldest first.
 
@@ -142,8 +155,9 @@ private:
     Totals sumOf(const States& states) const;
 
     ORVFiles& files_;
+    const ORVClock& clock_;
     ORVSessionSearch search_;
     ORVSessionReader reader_;
     ORVTitleIndex titles_;
-    std::map<std::string, Totals, std::less<>> totals_;  ///< By thread identifier.
+    std::map<std::string, Totals, std::less<>> totals_;              ///< By thread identifier.
 };

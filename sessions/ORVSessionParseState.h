@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/ORVFollowedFile.h"
+#include "sessions/ORVAgentFacts.h"
 #include "sessions/ORVHistoryEvent.h"
 #include "sessions/ORVSessionSnapshot.h"
 
@@ -42,6 +43,8 @@ struct ORVSessionParseState : ORVFollowedFile {
 
     /// What happened, in file order; empty unless histories are wanted.
     std::vector<ORVRecordedEvent> history;
+
+    ORVRecordedFacts facts;  ///< Nothing unless they are wanted.
 
     // When there were too many events, each point stands for the highest of several usages.
     std::size_t eventsPerPoint = 1;

@@ -20,7 +20,7 @@ struct ORVSessionWants {
     /// The longest history of a file; 0 for none. When more happens in a file, neighbouring usages
     /// are merged, and if that is not enough, compactions are left out.
     std::size_t eventsPerFile = 0;
-    bool agentFacts = false;
+    bool agentFacts = false;  ///< Whether to look for what the agent says beside the figures.
 };
 
 /// Follows session files as they grow and keeps what the records of each have said.
@@ -70,7 +70,8 @@ public:
     void consumeLine(std::string_view line, ORVSessionParseState& state, ORVJSONReader& json) const;
 
     /// Interprets lines in file order, as consumeLine does with each in turn, but faster: a usage
-    /// that another one of these lines replaces is not read unless histories are wanted.
+    /// that another one of these lines replaces is not read unless histories are wanted. Also takes
+    /// what the agent says beside the figures, if it is wanted.
     void consumeLines(std::span<const std::string_view> lines, ORVSessionParseState& state,
                       ORVJSONReader& json) const;
 
@@ -90,7 +91,29 @@ public:
     static bool isNonnegativeIntegerNumber(const ORVJSONValue& value);
     static bool isPositiveIntegerNumber(const ORVJSONValue& value);
 
+    /// Returns such a number, and none for every other value. 2^63 becomes 2^63 - 1.
+    static std::optional<std::int64_t> wholeNumber(const ORVJSONValue& value);
+
+    /// Returns what a token count's payload holds in the place of the window.
+    static const ORVJSONValue& windowIn(const ORVJSONValue& payload);
+
     static bool dataContainsUTF8(std::string_view data, std::string_view needle);
+
+    // What the agent says beside the figures (agent_facts.cpp)
+
+    /// Takes what these lines tell, which are newer than all that is known.
+    static void takeFacts(std::span<const std::string_view> lines, ORVRecordedFacts& facts,
+                          ORVJSONReader& json);
+
+    /// Returns what the files with these states tell, given oldest first.
+    static ORVAgentFacts agentFactsOf(std::span<const ORVSessionParseState* const> files);
+
+    /// Returns the last rate limits in a file (rate_limits.cpp), which has no rate limits when it
+    /// tells none. Reads backwards from the file's end, in few steps, and keeps nothing. Returns
+    /// none, with the system's error, when the file cannot be read.
+    std::optional<ORVRecordedFacts> lastRateLimits(const ORVWalkedFile& file,
+                                                   ORVReadingMemory& memory,
+                                                   ORVErrorSlot* error) const;
 
     // Histories (history.cpp)
 
@@ -104,6 +127,8 @@ private:
                 const ORVFileAttributes& attributes, ORVReadingMemory& memory, ORVErrorSlot* error);
 
     // Interpretation (interpretation.cpp)
+    void consumeFigures(std::span<const std::string_view> lines, ORVSessionParseState& state,
+                        ORVJSONReader& json) const;
     std::size_t indexOfLastUsage(std::span<const std::string_view> lines,
                                  ORVJSONReader& json) const;
     static bool consumeCompaction(const std::optional<std::string>& identifier,

@@ -4,7 +4,8 @@
 // Tests: tests/sessions/interpretation_test.cpp.
 
 #include <algorithm>
-#include <limits>
+#include <iterator>
+#include <vector>
 
 #include "sessions/ORVSessionReader.h"
 #include "sessions/markers.h"
@@ -39,31 +40,6 @@ const ORVJSONShape& recordShape() {
 }
 
 using Kind = ORVJSONValue::Kind;
-
-/// Returns a JSON number that is whole and from 0 to 2^63, and none for every other value. A
-/// literal with a fraction or an exponent counts as the nearest double, so 3.0 and 1e3 are whole.
-std::optional<std::uint64_t> wholeNumber(const ORVJSONValue& value) {
-    constexpr std::uint64_t kLargest = std::uint64_t{1} << 63U;
-    if (value.kind != Kind::number) {
-        return std::nullopt;
-    }
-    if (const auto* natural = std::get_if<std::uint64_t>(&value.number)) {
-        return *natural <= kLargest ? std::optional(*natural) : std::nullopt;
-    }
-    const double real = std::get<double>(value.number);
-    if (!(real >= 0 && real <= static_cast<double>(kLargest))) {
-        return std::nullopt;
-    }
-    const auto natural = static_cast<std::uint64_t>(real);
-    // Doubles beyond 2^53 have no fraction, so converting there and back is exact.
-    return static_cast<double>(natural) == real ? std::optional(natural) : std::nullopt;
-}
-
-/// Figures are signed, so 2^63, the largest number that counts, becomes 2^63 - 1.
-std::int64_t signedFigure(std::uint64_t number) {
-    constexpr auto kLargest = std::numeric_limits<std::int64_t>::max();
-    return static_cast<std::int64_t>(std::min(number, static_cast<std::uint64_t>(kLargest)));
-}
 
 bool mentionsCompaction(std::string_view type) {
     return text::containsIgnoringCase(type, kCompact);
@@ -111,6 +87,19 @@ void ORVSessionReader::consumeLine(std::string_view line, ORVSessionParseState& 
 
 void ORVSessionReader::consumeLines(std::span<const std::string_view> lines,
                                     ORVSessionParseState& state, ORVJSONReader& json) const {
+    if (!wants_.agentFacts) {
+        return consumeFigures(lines, state, json);
+    }
+    takeFacts(lines, state.facts, json);
+    std::vector<std::string_view> telling;  // The others are about turns alone.
+    std::copy_if(lines.begin(), lines.end(), std::back_inserter(telling), [](auto line) {
+        return dataContainsUTF8(line, kCompact) || dataContainsUTF8(line, kTokenCount);
+    });
+    consumeFigures(telling, state, json);
+}
+
+void ORVSessionReader::consumeFigures(std::span<const std::string_view> lines,
+                                      ORVSessionParseState& state, ORVJSONReader& json) const {
     const std::size_t lastUsage = wants_.eventsPerFile > 0 ? 0 : indexOfLastUsage(lines, json);
     for (std::size_t i = 0; i < lines.size(); ++i) {
         if (i >= lastUsage || dataContainsUTF8(lines[i], kCompact)) {
@@ -156,13 +145,9 @@ bool ORVSessionReader::consumeCompaction(const std::optional<std::string>& ident
 
 /// Takes the usage of a turn and returns whether there was one.
 bool ORVSessionReader::consumeTokenCount(const ORVJSONValue& payload, ORVSessionParseState& state) {
-    const ORVJSONValue& info = payload["info"];
-    const ORVJSONValue& input = info["last_token_usage"]["input_tokens"];
-    const ORVJSONValue& windowInInfo = info["model_context_window"];
-    const ORVJSONValue& window =
-        windowInInfo.kind == Kind::absent ? payload["model_context_window"] : windowInInfo;
-    const auto inputTokens = wholeNumber(input);
-    if (!inputTokens || !isPositiveIntegerNumber(window)) {
+    const auto inputTokens = wholeNumber(payload["info"]["last_token_usage"]["input_tokens"]);
+    const auto window = wholeNumber(windowIn(payload));
+    if (!inputTokens || window.value_or(0) == 0) {
         state.contextStatus = ORVContextStatusIncompatible;
         return false;
     }
@@ -173,7 +158,7 @@ bool ORVSessionReader::consumeTokenCount(const ORVJSONValue& payload, ORVSession
         }
         return false;
     }
-    state.contextUsage.emplace(signedFigure(*inputTokens), signedFigure(*wholeNumber(window)));
+    state.contextUsage.emplace(*inputTokens, *window);
     state.contextStatus = ORVContextStatusAvailable;
     return true;
 }
@@ -203,4 +188,33 @@ bool ORVSessionReader::isNonnegativeIntegerNumber(const ORVJSONValue& value) {
 
 bool ORVSessionReader::isPositiveIntegerNumber(const ORVJSONValue& value) {
     return wholeNumber(value).value_or(0) > 0;
+}
+
+/// A literal with a fraction or an exponent counts as the nearest double, so 3.0 and 1e3 are whole.
+std::optional<std::int64_t> ORVSessionReader::wholeNumber(const ORVJSONValue& value) {
+    constexpr std::uint64_t kLargest = std::uint64_t{1} << 63U;
+    std::uint64_t natural = 0;
+    if (value.kind != Kind::number) {
+        return std::nullopt;
+    }
+    if (const auto* real = std::get_if<double>(&value.number)) {
+        if (!(*real >= 0 && *real <= static_cast<double>(kLargest))) {
+            return std::nullopt;
+        }
+        natural = static_cast<std::uint64_t>(*real);
+        // Doubles beyond 2^53 have no fraction, so converting there and back is exact.
+        if (static_cast<double>(natural) != *real) {
+            return std::nullopt;
+        }
+    } else {
+        natural = std::get<std::uint64_t>(value.number);
+    }
+    return natural <= kLargest
+               ? std::optional(static_cast<std::int64_t>(std::min(natural, kLargest - 1)))
+               : std::nullopt;
+}
+
+const ORVJSONValue& ORVSessionReader::windowIn(const ORVJSONValue& payload) {
+    const ORVJSONValue& window = payload["info"]["model_context_window"];
+    return window.kind == Kind::absent ? payload["model_context_window"] : window;
 }

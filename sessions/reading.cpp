@@ -13,9 +13,10 @@
 
 namespace {
 
-const ORVMarkerSearch& markers() {
-    static const ORVMarkerSearch kSearch(sessions::kMarkers);
-    return kSearch;
+const ORVMarkerSearch& markers(const ORVSessionWants& wants) {
+    static const ORVMarkerSearch kFigures(sessions::kMarkers);
+    static const ORVMarkerSearch kFiguresAndFacts(sessions::kMarkersWithFacts);
+    return wants.agentFacts ? kFiguresAndFacts : kFigures;
 }
 
 /// Returns what the walk has found. A file that has changed since then is read on later.
@@ -33,7 +34,7 @@ ORVFileAttributes attributesOf(const ORVWalkedFile& file) {
 ORVSessionReader::ORVSessionReader(ORVFiles& files, const ORVClock& clock, ORVSessionWants wants)
     : files_(files),
       wants_(wants),
-      follower_(files, clock, markers(), ORVFileFollower::NULs::spoilTheirLine) {}
+      follower_(files, clock, markers(wants), ORVFileFollower::NULs::spoilTheirLine) {}
 
 std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const std::string& path,
                                                                  ORVReadingMemory& memory,

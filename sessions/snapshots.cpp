@@ -13,6 +13,7 @@
 ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock,
                                              const std::string& codexHome, ORVSessionWants wants)
     : files_(files),
+      clock_(clock),
       search_(files, clock, codexHome + "/sessions"),
       reader_(files, clock, wants),
       titles_(files, codexHome) {}
@@ -136,6 +137,9 @@ ORVCodexSessionSource::Totals ORVCodexSessionSource::sumOf(const States& states)
     if (reader_.wants().eventsPerFile > 0) {
         totals.history = std::make_shared<const ORVHistory>(ORVSessionReader::historyOf(states));
     }
+    if (reader_.wants().agentFacts) {
+        totals.agentFacts = ORVSessionReader::agentFactsOf(states);
+    }
     return totals;
 }
 
@@ -154,6 +158,12 @@ std::shared_ptr<const ORVHistory> ORVCodexSessionSource::historyForThreadID(
     std::string_view threadID) const {
     const auto found = totals_.find(threadID);
     return found == totals_.end() ? nullptr : found->second.history;
+}
+
+std::optional<ORVAgentFacts> ORVCodexSessionSource::agentFactsForThreadID(
+    std::string_view threadID) const {
+    const auto found = totals_.find(threadID);
+    return found == totals_.end() ? std::nullopt : found->second.agentFacts;
 }
 
 void ORVCodexSessionSource::forgetFiles() {

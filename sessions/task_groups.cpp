@@ -278,7 +278,7 @@ ORVListedTask ORVTaskList::listed(const Group& group, ORVFileDate changedAt) con
 }
 
 std::optional<ORVListedTask> ORVTaskList::taskWithIdentifier(std::string_view threadID) {
-    return orForgetAll([&]() -> std::optional<ORVListedTask> {
+    return answer([&]() -> std::optional<ORVListedTask> {
         const auto found = groupNamed(threadID);
         if (found == groups_.end() || !settleFully(found->second)) {
             return std::nullopt;
