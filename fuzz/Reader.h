@@ -1,8 +1,9 @@
 #pragma once
 
-#include "app/refresh_step.h"
-#include "ctl/answers.h"
-#include "sessions/ORVCodexSessionSource.h"
+#include <cstdlib>
+
+#include "app/ORVTaskViewer.h"
+#include "shells/lines/answer_json.h"
 #include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"
@@ -13,20 +14,25 @@ public:
     static constexpr const char* kTasks[] = {records::kTask, records::kOther, "notes"};
 
     Reader(MemoryFiles& disk, const ManualClock& clock)
-        : sessions_(disk, clock, "/codex"), focus_(disk, clock, "/logs", "/Info.plist") {}
+        : viewer_(withHome(disk), clock, "/codex", {}) {}
 
     std::string answers() {
-        const ORVRefreshResults results = app::refreshOfTaskInView(focus_, sessions_);
-        std::string text = ctl::focusJSON(results.focusState) + ctl::errorJSON(results.error) +
-                           ctl::titlesJSON(sessions_.threadTitles());
+        const ORVTaskView view = viewer_.view({});
+        ORVCodexSessionSource& sessions = viewer_.sessions();
+        std::string text = json::focus(*view.focusState) + json::error(view.error) +
+                           json::titlesAnswer(sessions.threadTitles());
         ORVErrorSlot error;
         for (const char* task : kTasks) {
-            text += '\n' + ctl::snapshotAnswer(sessions_.snapshotForThreadID(task, &error), error);
+            text += '\n' + json::snapshotAnswer(sessions.snapshotForThreadID(task, &error), error);
         }
-        return text + '\n' + ctl::snapshotAnswer(sessions_.latestSnapshotWithError(&error), error);
+        return text + '\n' + json::snapshotAnswer(sessions.latestSnapshotWithError(&error), error);
     }
 
 private:
-    ORVCodexSessionSource sessions_;
-    ORVCodexFocusLogSource focus_;
+    static MemoryFiles& withHome(MemoryFiles& disk) {
+        setenv("HOME", "/h", 1);
+        return disk;
+    }
+
+    ORVTaskViewer viewer_;
 };

@@ -14,7 +14,7 @@ namespace {
 
 using Fault = MemoryFiles::Fault;
 
-constexpr const char* kLogs[] = {"/logs/main.log", "/logs/a/main.log"};
+constexpr const char* kLogs[] = {"/h/Library/Logs/com.openai.codex/main.log", "/h/Library/Logs/com.openai.codex/a/main.log"};
 // clang-format off
 const std::string kFiles[] = {
     kLogs[0], kLogs[0], kLogs[1], "/codex/sessions/notes.jsonl",
@@ -124,7 +124,7 @@ private:
     std::string lines() {
         std::string text;
         for (std::size_t i = below(4) + 1; i > 0; --i) {
-            text += path_.starts_with("/logs")
+            text += path_.starts_with("/h/Library/Logs/com.openai.codex")
                         ? records::log(std::to_string(below(9)) + ' ' + pick(kStories))
                         : pick(kRecords);
         }
@@ -154,8 +154,8 @@ private:
         if (!disk_.items().contains(path_)) {
             return;
         }
-        const bool isLog = path_.starts_with("/logs");
-        const std::string path = (isLog ? "/logs/" : "/codex/sessions/3/") +
+        const bool isLog = path_.starts_with("/h/Library/Logs/com.openai.codex");
+        const std::string path = (isLog ? "/h/Library/Logs/com.openai.codex/" : "/codex/sessions/3/") +
                                  std::to_string(++lines_) +
                                  (isLog ? ".log" : std::string("-") + records::kTask + ".jsonl");
         unwritten_.erase(path_);

@@ -107,6 +107,7 @@ Row rowOf(const Cells& cells, const Widths& widths, app::Fullness fullness, bool
         if (widths[c] == 0) {
             continue;
         }
+        row.push_back({row.empty() ? "" : repeated(" ", kGap)});
         if (c == status) {
             addStatus(row, cells[c], widths[c], fullness, screen);
         } else {
@@ -114,7 +115,6 @@ Row rowOf(const Cells& cells, const Widths& widths, app::Fullness fullness, bool
             style.fullness = c == gauge ? fullness : app::Fullness::unknown;
             row.push_back({fitted(cells[c], widths[c], screen), style});
         }
-        row.push_back({c == title ? "" : repeated(" ", kGap)});
     }
     if (isHead) {
         for (Piece& piece : row) {

@@ -229,7 +229,7 @@ TEST(ShownTaskTest, APartOfAnIdentifierMeansOneTaskOrNone) {
     EXPECT_EQ(std::nullopt, tasks.viewer.severalMeantBy("00a"));
 }
 
-TEST(TaskListTest, RowsAreReadInPiecesAndKept) {
+TEST(ListedTasksTest, RowsAreReadInPiecesAndKept) {
     Tasks tasks;
     for (const char task : {'a', 'b', 'c'}) {
         tasks.begin(task);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/status_title.h"
+#include "app/figures.h"
 #include "sessions/ORVCodexSessionSource.h"
 #include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
@@ -34,7 +34,7 @@ protected:
     /// Returns what the menu bar would show for the task, or the error's domain and code.
     std::string title(const std::string& task = kTask) {
         const auto found = snapshot(task);
-        return found   ? app::statusItemTitle(*found)
+        return found   ? app::statusTitle(*found).text()
                : error ? error->domain + " " + std::to_string(error->code)
                        : "nothing";
     }

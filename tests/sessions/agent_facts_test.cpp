@@ -165,7 +165,7 @@ TEST_F(AgentFactsTest, HoweverAFileIsReadItTellsTheSame) {
             (void)factsOf(asking);
         }
         EXPECT_EQ(whole, factsOf(asking)) << step;
-        EXPECT_EQ(figures, app::statusItemTitle(*asking.snapshotForThreadID(kTask, nullptr)));
+        EXPECT_EQ(figures, app::statusTitle(*asking.snapshotForThreadID(kTask, nullptr)).text());
     }
     EXPECT_EQ(std::nullopt, source.agentFactsForThreadID(kTask)) << "where nobody asks";
     asking.forgetFiles();

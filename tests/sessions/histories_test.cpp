@@ -41,9 +41,9 @@ std::string describedHistory(const ORVHistory& history) {
 }
 
 TEST_F(HistoriesTest, AHistoryTellsEveryUsageAndEachCompactionOnce) {
-    ORVCodexSessionSource source(disk, clock, "/codex", {std::numeric_limits<std::size_t>::max()});
+    ORVCodexSessionSource recording(disk, clock, "/codex", {.eventsPerFile = std::numeric_limits<std::size_t>::max()});
     const auto title = [&] {
-        return app::statusTitle(*source.snapshotForThreadID(kTask, nullptr)).text();
+        return app::statusTitle(*recording.snapshotForThreadID(kTask, nullptr)).text();
     };
     const std::string first = "/codex/sessions/a-" + std::string(kTask) + ".jsonl";
     const std::string second = "/codex/sessions/b-" + std::string(kTask) + ".jsonl";
@@ -54,18 +54,18 @@ TEST_F(HistoriesTest, AHistoryTellsEveryUsageAndEachCompactionOnce) {
                            contextCompacted("") + compacted("w2") + compacted("w2"));
     disk.setDate(second, 20);
     EXPECT_EQ("C5 · --%", title());
-    EXPECT_EQ("10 C 20 C 30 C C C ", describedHistory(*source.historyForThreadID(kTask)));
-    EXPECT_EQ("2026-11-24T16:45:21.002Z", source.historyForThreadID(kTask)->front().at);
+    EXPECT_EQ("10 C 20 C 30 C C C ", describedHistory(*recording.historyForThreadID(kTask)));
+    EXPECT_EQ("2026-11-24T16:45:21.002Z", recording.historyForThreadID(kTask)->front().at);
     disk.append(second, tokenCount("40"));
     EXPECT_EQ("C5 · 0%", title());
-    EXPECT_EQ("10 C 20 C 30 C C C 40 ", describedHistory(*source.historyForThreadID(kTask)));
-    EXPECT_EQ(nullptr, source.historyForThreadID(kOther));
+    EXPECT_EQ("10 C 20 C 30 C C C 40 ", describedHistory(*recording.historyForThreadID(kTask)));
+    EXPECT_EQ(nullptr, recording.historyForThreadID(kOther));
 }
 
 TEST_F(HistoriesTest, ALongHistoryIsThinnedToItsHighest) {
-    ORVCodexSessionSource source(disk, clock, "/codex", {64});
+    ORVCodexSessionSource recording(disk, clock, "/codex", {.eventsPerFile = 64});
     const auto title = [&] {
-        return app::statusTitle(*source.snapshotForThreadID(kTask, nullptr)).text();
+        return app::statusTitle(*recording.snapshotForThreadID(kTask, nullptr)).text();
     };
     std::string content;
     for (int i = 0; i < 1'000; ++i) {
@@ -74,7 +74,7 @@ TEST_F(HistoriesTest, ALongHistoryIsThinnedToItsHighest) {
     }
     disk.write(fileOf(kTask), content);
     EXPECT_EQ("C1 · 0%", title());
-    const auto history = source.historyForThreadID(kTask);
+    const auto history = recording.historyForThreadID(kTask);
     EXPECT_GE(64U, history->size());
     EXPECT_LE(16U, history->size());
     const std::string text = describedHistory(*history);

@@ -7,7 +7,7 @@
 
 #include "shells/history/history_ledger.h"
 #include "shells/history/history_svg.h"
-#include "shells/terminal/screen_text.h"
+#include "shells/terminal/screen.h"
 #include "shells/terminal/terminal_modes.h"
 #include "text/timestamps.h"
 #include "text/unicode.h"
