@@ -207,6 +207,7 @@ TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
     makeTasks("1:10 2?:20");
     refresh();
     EXPECT_EQ("1@10", described(list.newestHead()));
+    EXPECT_FALSE(list.newestHead()->isNew);
     const int opened = disk.opened;
     refresh();
     EXPECT_EQ("1@10", described(list.newestHead()));
@@ -372,6 +373,7 @@ TEST_F(TaskListTest, PartsOfIdentifiers) {
     };
     EXPECT_EQ("63d182", shortOf("82"));
     EXPECT_EQ("A-983b-7e83-81c7-E87B7B63D181", shortOf("aaa"));
+    EXPECT_EQ("1-983b-7e83-81c7-e87b7b63d181", shortOf("00000001"));
     EXPECT_EQ("Notes-x-81.jsonl", shortOf("notes"));
     disk.remove(pathOf("1"));
     refresh();
