@@ -408,7 +408,7 @@ TEST_F(TaskListTest, TheListIsThatOfOneMadeAnew) {
         text += described(asked.heads(wanted)) + '\n' + described(asked.headForFolder("/1/x"));
         return text;
     };
-    for (int round = 0; round < 400; ++round) {
+    for (int round = 0; round < 200; ++round) {
         for (unsigned count = any(4) + 1; count > 0; --count) {
             const std::string path = anyPath();
             const bool isThere = disk.items().contains(path);
