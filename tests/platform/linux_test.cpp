@@ -8,9 +8,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 
 #include "l10n/languages.h"
 #include "platform/confinement.h"
+#include "platform/folder_watch.h"
 #include "platform/home_folder.h"
 #include "platform/preferred_languages.h"
 #include "platform/time_of_day.h"
@@ -47,6 +49,38 @@ TEST(PreferredLanguagesTest, OfTheEnvironment) {
         }
         EXPECT_EQ(c.expected, platform::preferredLanguages());
     }
+}
+
+TEST(FolderWatchTest, ChangesAreToldUnderTheFoldersPresentPath) {
+    TemporaryHome home;
+    const auto watch = platform::makeFolderWatch();
+    const auto told = [&] {
+        std::set<std::string> paths;
+        EXPECT_TRUE(watch->visitChanges(
+            [&](const std::string& path) { paths.insert(path.substr(home.root().size() + 1)); }));
+        return paths;
+    };
+    using Paths = std::set<std::string>;
+    home.append("a/x", "");
+    ASSERT_TRUE(watch->watch(home.path("a")));
+    home.append("a/x", "1");
+    EXPECT_EQ(Paths{"a/x"}, told());
+    std::filesystem::rename(home.path("a"), home.path("b"));
+    EXPECT_TRUE(watch->watch(home.path("b")));
+    watch->forget(home.path("a"));
+    home.setDate("b/x", 1'000);
+    EXPECT_EQ(Paths{"b/x"}, told());
+    std::filesystem::rename(home.path("b"), home.path("c"));
+    home.append("b/y", "");
+    EXPECT_TRUE(watch->watch(home.path("b")));
+    home.append("b/y", "1");
+    home.append("c/x", "1");
+    EXPECT_EQ(Paths{"b/y"}, told()) << "another folder has the path";
+    watch->forget(home.path("b"));
+    home.append("b/y", "1");
+    EXPECT_EQ(Paths{}, told());
+    EXPECT_FALSE(watch->watch(home.path("none")));
+    EXPECT_FALSE(watch->watch("/proc")) << "not a file system that tells everything";
 }
 
 TEST(TimeOfDayTest, MediumStyleInTheUsersZone) {

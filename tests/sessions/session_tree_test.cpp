@@ -325,7 +325,7 @@ TEST_F(TreeInMemoryTest, WhatIsWrittenIsNoticedInTurnOrAtOnce) {
     disk.written = {pathOf(110), "/s/1/none.jsonl", "/none/none.jsonl"};
     EXPECT_EQ(1, noticedAfter(1)) << "told";
     clock.time += 2min;
-    disk.append(pathOf(120), "x");
+    disk.append(pathOf(189), "x");
     EXPECT_LT(5, noticedAfter(31)) << "not told";
     disk.losesChanges = true;
     disk.watched.clear();
@@ -337,6 +337,8 @@ TEST_F(TreeInMemoryTest, WhatIsWrittenIsNoticedInTurnOrAtOnce) {
     disk.watched.clear();
     disk.append(pathOf(140), "x");
     EXPECT_LT(0, noticedAfter(6)) << "perhaps another folder";
+    EXPECT_EQ(0, noticedAfter(6));
+    EXPECT_FALSE(disk.watched.empty());
     disk.remove("/s/1");
     EXPECT_EQ(1, noticedAfter(1));
     EXPECT_TRUE(disk.watched.empty());

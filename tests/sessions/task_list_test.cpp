@@ -207,6 +207,7 @@ TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
     makeTasks("1:10 2?:20");
     refresh();
     EXPECT_EQ("1@10", described(list.newestHead()));
+    EXPECT_FALSE(list.newestHead()->isNew);
     const int opened = disk.opened;
     refresh();
     EXPECT_EQ("1@10", described(list.newestHead()));
@@ -372,6 +373,7 @@ TEST_F(TaskListTest, PartsOfIdentifiers) {
     };
     EXPECT_EQ("63d182", shortOf("82"));
     EXPECT_EQ("A-983b-7e83-81c7-E87B7B63D181", shortOf("aaa"));
+    EXPECT_EQ("1-983b-7e83-81c7-e87b7b63d181", shortOf("00000001"));
     EXPECT_EQ("Notes-x-81.jsonl", shortOf("notes"));
     disk.remove(pathOf("1"));
     refresh();
@@ -406,7 +408,7 @@ TEST_F(TaskListTest, TheListIsThatOfOneMadeAnew) {
         text += described(asked.heads(wanted)) + '\n' + described(asked.headForFolder("/1/x"));
         return text;
     };
-    for (int round = 0; round < 400; ++round) {
+    for (int round = 0; round < 200; ++round) {
         for (unsigned count = any(4) + 1; count > 0; --count) {
             const std::string path = anyPath();
             const bool isThere = disk.items().contains(path);
