@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "text/paths.h"
+#include "text/bytes.h"
 
 namespace {
 
