@@ -12,8 +12,7 @@
 #include "l10n/languages.h"
 #include "platform/confinement.h"
 #include "platform/home_folder.h"
-#include "platform/preferred_languages.h"
-#include "platform/time_of_day.h"
+#include "platform/locale.h"
 #include "platform/user_defaults.h"
 #include "tests/support/TemporaryHome.h"
 
