@@ -174,7 +174,6 @@ private:
     std::shared_ptr<const ORVTaskListView> lastList_;
 
     std::unique_ptr<ORVSerialQueue> refreshQueue_;
-    std::unique_ptr<ORVRepeatingTimer> refreshTimer_;
 
     bool showsOnlyEnglish_ = false;
     bool refreshing_ = false;            ///< From dispatch until the results are applied.

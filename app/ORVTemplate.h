@@ -8,12 +8,12 @@
 #include "app/ORVTaskRequest.h"
 #include "app/ORVTaskView.h"
 #include "platform/clock.h"
-#include "platform/time_of_day.h"
+#include "platform/locale.h"
 
 /// What a template is filled from. `view` must be valid while it is filled.
 struct ORVTemplateValues {
-    std::string status;                 ///< The status-item title.
-    const ORVTaskView* view = nullptr;  ///< Null, or without a snapshot, when no task is shown.
+    std::string status;                   ///< The status-item title.
+    const ORVTaskView* view = nullptr;    ///< Null, or without a snapshot, when no task is shown.
     std::string titleWithoutTask = "--";  ///< Takes the title's place when none is shown.
     ORVClock::TimePoint now;
     ORVTimeFormat timeFormat;

@@ -27,8 +27,7 @@ void ORVAppDelegate::applicationDidFinishLaunching() {
                                                       host_.codexHome(), request_.listWants);
     }
     refresh(nullptr);
-    refreshTimer_ =
-        host_.runLoop().makeRepeatingTimer(kRefreshInterval, [this] { refresh(nullptr); });
+    host_.runLoop().repeat(kRefreshInterval, [this] { refresh(nullptr); });
 }
 
 void ORVAppDelegate::refresh(const ORVMenuItem* sender) {

@@ -4,7 +4,7 @@
 
 #include "app/ORVAppDelegate.h"
 #include "l10n/placeholders.h"
-#include "platform/time_of_day.h"
+#include "platform/locale.h"
 
 namespace {
 

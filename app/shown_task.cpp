@@ -10,7 +10,7 @@
 #include "app/ORVTaskViewer.h"
 #include "app/figures.h"
 #include "sessions/errors.h"
-#include "text/identifiers.h"
+#include "text/bytes.h"
 
 namespace {
 
@@ -140,8 +140,8 @@ ORVTaskView ORVTaskViewer::severalTasks(const std::vector<ORVTask>& tasks) {
     constexpr std::size_t kNamed = 5;
     ORVTaskView view;
     view.absence = ORVAbsence::severalTasks;
-    view.error = ORVError{"brimletctl", 3,
-                          std::to_string(tasks.size()) + " tasks have an identifier with this part"};
+    view.error = ORVError{
+        "brimletctl", 3, std::to_string(tasks.size()) + " tasks have an identifier with this part"};
     view.choiceCount = tasks.size();
     const auto titles = sessions_.threadTitles();
     for (std::size_t i = 0; i < std::min(kNamed, tasks.size()); ++i) {
@@ -160,8 +160,8 @@ ORVTaskView ORVTaskViewer::viewOfHead(const ORVShownTask& task) {
         return view;
     }
     const bool isInFolder = task.choice == ORVShownTask::Choice::inFolder;
-    const auto head = headThatStays(isInFolder ? tasks_.headForFolder(task.value)
-                                               : tasks_.newestHead());
+    const auto head =
+        headThatStays(isInFolder ? tasks_.headForFolder(task.value) : tasks_.newestHead());
     if (!head) {
         view.absence = isInFolder ? ORVAbsence::noTaskInFolder : ORVAbsence::noSessionFile;
         return view;

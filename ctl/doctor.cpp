@@ -13,8 +13,8 @@
 #include "platform/program.h"
 #include "platform/user_defaults.h"
 #include "shells/lines/answer_text.h"
+#include "text/bytes.h"
 #include "text/json_writing.h"
-#include "text/paths.h"
 #include "text/unicode.h"
 
 namespace ctl {
@@ -38,9 +38,9 @@ std::string stateFor(const ORVErrorSlot& failure) {
     if (!failure) {
         return kFound;
     }
-    return failure->code == ENOENT                               ? kMissing
+    return failure->code == ENOENT                             ? kMissing
            : failure->code == EACCES || failure->code == EPERM ? "forbidden"
-                                                                 : "broken";
+                                                               : "broken";
 }
 
 /// Returns "missing", or why something cannot be read; "" when it can.
@@ -191,7 +191,9 @@ private:
                                   : titles.empty() ? kEmpty
                                                    : kFound;
         tell({"titles", "Titles", path, state,
-              failure ? trouble(failure) : why.empty() ? counted(titles.size(), "title") : why});
+              failure       ? trouble(failure)
+              : why.empty() ? counted(titles.size(), "title")
+                            : why});
     }
 
     void lookAtUnreadSessions() {
@@ -230,8 +232,8 @@ private:
     void lookAtLimits() {
         const auto limits = viewer_.accountLimits();
         tell({"limits", "Rate limits", std::nullopt, limits ? kFound : kMissing,
-              limits ? app::rateLimitsText(limits->rateLimits, invocation_.clock.now()) + ", told " +
-                           ageOf(limits->date) + " ago"
+              limits ? app::rateLimitsText(limits->rateLimits, invocation_.clock.now()) +
+                           ", told " + ageOf(limits->date) + " ago"
                      : "no session file tells of them"});
     }
 
@@ -246,9 +248,8 @@ private:
     void lookAtConfinement() {
         const bool isWhole = confinement_.filtersCalls && confinement_.limitsWriting;
         tell({"confinement", "Confinement", std::nullopt, isWhole ? kFound : kMissing,
-              std::string(confinement_.filtersCalls
-                              ? "the kernel allows no network and no programs"
-                              : "the kernel does not filter system calls") +
+              std::string(confinement_.filtersCalls ? "the kernel allows no network and no programs"
+                                                    : "the kernel does not filter system calls") +
                   (confinement_.limitsWriting ? ", and no writing of files"
                                               : "; it does not limit writing to folders")});
     }
@@ -299,8 +300,8 @@ private:
         for (const Check& check : checks_) {
             std::string label = check.label;
             label.resize(std::max(label.size(), kColumns), ' ');
-            report += label + text::forTerminal((check.place ? *check.place + ": " : "") +
-                                                check.text) +
+            report += label +
+                      text::forTerminal((check.place ? *check.place + ": " : "") + check.text) +
                       '\n';
         }
         return report + '\n' + text::forTerminal(conclusion) + '\n';
@@ -315,8 +316,8 @@ private:
                                         {"state", text::quotedJSON(check.state)},
                                         {"text", text::quotedJSON(check.text)}});
         }
-        return text::objectJSON({{"checks", "[" + checks + "]"},
-                                 {"task", text::quotedJSONOrNull(shown_)}}) +
+        return text::objectJSON(
+                   {{"checks", "[" + checks + "]"}, {"task", text::quotedJSONOrNull(shown_)}}) +
                '\n';
     }
 

@@ -23,7 +23,10 @@ int writeAll(int descriptor, std::string_view bytes) {
         if (count >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(count));
         } else if (errno == EAGAIN) {
-            platform::isWritable(descriptor, -1);  // Another process made it non-blocking.
+            // Another process made it non-blocking.
+            if (!platform::isWritable(descriptor, -1)) {
+                return errno;
+            }
         } else if (errno != EINTR) {
             return errno;
         }

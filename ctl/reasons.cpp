@@ -10,7 +10,7 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "platform/home_folder.h"
-#include "platform/preferred_languages.h"
+#include "platform/locale.h"
 
 namespace ctl {
 namespace {

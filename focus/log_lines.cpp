@@ -7,7 +7,6 @@
 #include "focus/ORVCodexFocusLogSource.h"
 #include "focus/markers.h"
 #include "text/bytes.h"
-#include "text/identifiers.h"
 #include "text/unicode.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <unordered_set>
 
 #include "focus/ORVCodexFocusLogSource.h"
-#include "text/paths.h"
+#include "text/bytes.h"
 
 std::vector<std::string> ORVCodexFocusLogSource::logFileURLsWithError(ORVErrorSlot* error) {
     std::vector<ORVWalkedFile> found;

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "platform/preferred_languages.h"
+#include "platform/locale.h"
 
 namespace {
 

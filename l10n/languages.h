@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "l10n/words.h"
-#include "platform/time_of_day.h"
+#include "platform/locale.h"
 
 /// Texts by key. Every language has the same 59 keys. Some are for a dialogue about access to
 /// folders, which the program does not have so far.

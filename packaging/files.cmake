@@ -14,7 +14,7 @@ install(FILES ${PAGES} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 install(FILES ../README.md ../CHANGELOG.md ../LICENSE.md ../SECURITY.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 if(NOT APPLE)
-    foreach(LIBRARY ncurses pugixml)
+    foreach(LIBRARY ncurses pugixml seccomp)
         install(FILES /usr/share/doc/lib${LIBRARY}-dev/copyright OPTIONAL
                 DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${LIBRARY}.txt)
     endforeach()

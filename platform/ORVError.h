@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 /// Says why something could not be done. An error is never translated and never shown in the menu;
@@ -37,6 +38,8 @@ inline void storeErrorIfEmpty(ORVErrorSlot* slot, ORVError error) {
 namespace platform {
 
 /// The system's error for an errno value.
-ORVError posixError(int errnoValue);
+inline ORVError posixError(int errnoValue) {
+    return {"posix", errnoValue, std::generic_category().message(errnoValue)};
+}
 
 }  // namespace platform

@@ -1,7 +1,6 @@
 // Limits what the program can ask of the kernel. This file holds first the list of allowed system
-// calls, then the use of Landlock for the folders in which files may be changed, and last the code
-// that turns the list into a filter. A call that is not on the list fails with an error, as any
-// call can.
+// calls, of which libseccomp makes a filter, and then the use of Landlock for the folders in which
+// files may be changed. A call that is not on the list fails with an error, as any call can.
 //
 // The list holds what this program, glibc (2.28 to 2.42) and musl call after a program has started.
 // Memory can no longer be made executable, so no library can be loaded later. Nothing needs one:
@@ -12,10 +11,9 @@
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
 #include <fcntl.h>
-#include <linux/audit.h>
-#include <linux/filter.h>
 #include <linux/sched.h>
 #include <linux/seccomp.h>
+#include <seccomp.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -24,41 +22,42 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <iterator>
-#include <span>
-#include <utility>
+#include <memory>
+#include <new>
 
 #include "platform/confinement.h"
+#include "platform/descriptors.h"
 
 namespace platform {
 namespace {
 
-#if defined(__x86_64__) && defined(__LP64__)
-constexpr std::uint32_t kProcessor = AUDIT_ARCH_X86_64;
-#elif defined(__aarch64__) && defined(__LP64__) && !defined(__AARCH64EB__)
-constexpr std::uint32_t kProcessor = AUDIT_ARCH_AARCH64;
+#if (defined(__x86_64__) || defined(__aarch64__)) && defined(__LP64__)
+constexpr bool kListIsRightHere = true;
 #else
-constexpr std::uint32_t kProcessor = 0;  // The numbers of its calls are not known here.
+constexpr bool kListIsRightHere = false;  // C libraries use other calls on other processors.
 #endif
 
 // Calls from 424 on have the same number on every processor; the headers may be too old to name
 // them. Those that are not on the list fail as on a kernel that does not know them, so that a C
-// library uses their predecessors: clone, whose flags a filter can see, instead of clone3.
-constexpr std::uint32_t kFirstYoungCall = 424;
-constexpr std::uint32_t kCloseRange = 436;
-constexpr std::uint32_t kFaccessat2 = 439;
-constexpr std::uint32_t kLandlockCreateRuleset = 444;
-constexpr std::uint32_t kLandlockAddRule = 445;
-constexpr std::uint32_t kLandlockRestrictSelf = 446;
-constexpr std::uint32_t kFutexWaitv = 449;
-constexpr std::uint32_t kFutexWake = 454;
-constexpr std::uint32_t kFutexWait = 455;
-constexpr std::uint32_t kFutexRequeue = 456;
+// library uses their predecessors: clone, whose flags a filter can see, instead of clone3. There is
+// room for some years of calls.
+constexpr int kFirstYoungCall = 424;
+constexpr int kLastYoungCall = 499;
+constexpr int kCloseRange = 436;
+constexpr int kFaccessat2 = 439;
+constexpr int kLandlockCreateRuleset = 444;
+constexpr int kLandlockAddRule = 445;
+constexpr int kLandlockRestrictSelf = 446;
+constexpr int kFutexWaitv = 449;
+constexpr int kFutexWake = 454;
+constexpr int kFutexWait = 455;
+constexpr int kFutexRequeue = 456;
 
 /// Calls that every thread may make, with any arguments.
-constexpr std::uint32_t kCalls[] = {
+constexpr int kCalls[] = {
     // Reading files.
     SYS_read, SYS_readv, SYS_pread64, SYS_lseek, SYS_getdents64, SYS_fstat, SYS_newfstatat,
     SYS_statx, SYS_faccessat, kFaccessat2, SYS_readlinkat, SYS_getcwd,
@@ -83,7 +82,7 @@ constexpr std::uint32_t kCalls[] = {
     SYS_getegid, SYS_getrlimit, SYS_getcpu, SYS_sysinfo};
 
 /// Further calls, for a thread that stores settings. Landlock limits them to the settings' folders.
-constexpr std::uint32_t kCallsForStoring[] = {
+constexpr int kCallsForStoring[] = {
     // Opening files with all flags.
     SYS_openat, SYS_mkdirat, SYS_renameat, SYS_unlinkat, SYS_fsync,
 #ifdef SYS_open
@@ -92,33 +91,86 @@ constexpr std::uint32_t kCallsForStoring[] = {
     // The reading thread begins with the same rights, and gives them up by these.
     kLandlockCreateRuleset, kLandlockRestrictSelf};
 
-/// A condition on an argument (counted from 0): it must be one of the values or, when there are no
-/// values, have none of the bits. A value is compared with the lower half of the register, which is
-/// all that the kernel uses of an int.
-struct Condition {
-    unsigned argument;
-    std::vector<std::uint32_t> values;
-    std::uint64_t refusedBits;
-};
-
-Condition isOneOf(unsigned argument, std::vector<std::uint32_t> values) {
-    return {argument, std::move(values), 0};
+/// Conditions on an argument, counted from 0. A value is compared with the lower half of the
+/// register, which is all that the kernel uses of an int.
+scmp_arg_cmp isValue(unsigned argument, std::uint32_t value) {
+    return {argument, SCMP_CMP_MASKED_EQ, 0xFFFFFFFF, value};
+}
+scmp_arg_cmp hasNoneOf(unsigned argument, std::uint64_t bits) {
+    return {argument, SCMP_CMP_MASKED_EQ, bits, 0};
 }
 
-Condition hasNoneOf(unsigned argument, std::uint64_t bits) {
-    return {argument, {}, bits};
-}
+/// A filter that refuses every call for which no rule was added.
+class CallFilter {
+public:
+    CallFilter() : filter_(seccomp_init(SCMP_ACT_ERRNO(EPERM)), &seccomp_release) {
+        // Neither this program nor a library calls the kernel in the way of another processor
+        // (int 0x80). Only an attacker's code would, so the process ends.
+        require(filter_ ? seccomp_attr_set(filter_.get(), SCMP_FLTATR_ACT_BADARCH,
+                                           SCMP_ACT_KILL_PROCESS)
+                        : -ENOMEM);
+        // A binary search among the calls: when a filter is installed, the kernel runs it once for
+        // every number, to find the calls that are always allowed.
+        require(seccomp_attr_set(filter_.get(), SCMP_FLTATR_CTL_OPTIMIZE, 2));
+        require(seccomp_attr_set(filter_.get(), SCMP_FLTATR_CTL_NNP, 0));  // It is set already.
+    }
 
-/// A call that is allowed if all the conditions hold. One call may have several rules.
-struct Rule {
-    std::uint32_t call;
-    std::vector<Condition> conditions;
+    /// Allows the call if all conditions hold. One call may have several rules.
+    void allow(int call, std::initializer_list<scmp_arg_cmp> conditions = {}) {
+        require(seccomp_rule_add_array(filter_.get(), SCMP_ACT_ALLOW, call,
+                                       static_cast<unsigned>(conditions.size()),
+                                       conditions.begin()));
+    }
+
+    void allowOneOf(int call, unsigned argument, std::initializer_list<std::uint32_t> values) {
+        for (const std::uint32_t value : values) {
+            allow(call, {isValue(argument, value)});
+        }
+    }
+
+    void pretendUnknown(int call) {
+        require(seccomp_rule_add_array(filter_.get(), SCMP_ACT_ERRNO(ENOSYS), call, 0, nullptr));
+    }
+
+    /// Returns whether the kernel has filters, and so uses this one.
+    bool load() const { return seccomp_load(filter_.get()) == 0; }
+
+private:
+    /// The library fails only for want of memory, since it knows all these calls.
+    static void require(int result) {
+        if (result != 0) {
+            throw std::bad_alloc();
+        }
+    }
+
+    const std::unique_ptr<void, decltype(&seccomp_release)> filter_;
 };
 
-std::vector<Rule> rulesForAll() {
-    // Opening a file without any of these flags changes nothing. O_TMPFILE takes effect only with
-    // an access mode for writing.
-    constexpr std::uint64_t kToWrite = O_ACCMODE | O_CREAT | O_TRUNC;
+/// Opening a file without any of these flags changes nothing. O_TMPFILE takes effect only with an
+/// access mode for writing.
+constexpr std::uint64_t kToWrite = O_ACCMODE | O_CREAT | O_TRUNC;
+
+void addRulesForReading(CallFilter& filter) {
+    filter.allow(SYS_openat, {hasNoneOf(2, kToWrite)});
+#ifdef SYS_open
+    filter.allow(SYS_open, {hasNoneOf(1, kToWrite)});
+#endif
+}
+
+void addRulesForStoring(CallFilter& filter) {
+    for (const int call : kCallsForStoring) {
+        filter.allow(call);
+    }
+    // Landlock does not cover this call. These bits would make a file run with its owner's rights.
+    filter.allow(SYS_fchmod, {hasNoneOf(1, 07000)});
+    // The reading thread adds its own filter.
+    filter.allow(SYS_seccomp, {isValue(0, SECCOMP_SET_MODE_FILTER)});
+}
+
+void addRulesForAll(CallFilter& filter) {
+    for (const int call : kCalls) {
+        filter.allow(call);
+    }
     constexpr std::uint64_t kAllBits = ~std::uint64_t{0};
     constexpr std::uint32_t kThread = CLONE_VM | CLONE_FS | CLONE_FILES | CLONE_SIGHAND |
                                       CLONE_THREAD | CLONE_SYSVSEM | CLONE_SETTLS |
@@ -126,44 +178,49 @@ std::vector<Rule> rulesForAll() {
     constexpr std::uint32_t kGuardInstall = 102;  // Advice younger than some headers.
     constexpr std::uint32_t kGuardRemove = 103;
     const auto ourselves = static_cast<std::uint32_t>(getpid());
-    return {
-        {SYS_openat, {hasNoneOf(2, kToWrite)}},
-#ifdef SYS_open
-        {SYS_open, {hasNoneOf(1, kToWrite)}},
-#endif
-        {SYS_mmap, {hasNoneOf(2, PROT_EXEC)}},
-        {SYS_mprotect, {hasNoneOf(2, PROT_EXEC)}},
-        // With other advice root could take pages of memory away from the whole machine.
-        {SYS_madvise,
-         {isOneOf(2, {MADV_DONTNEED, MADV_FREE, MADV_HUGEPAGE, kGuardInstall, kGuardRemove})}},
-        // This makes threads, but neither processes nor namespaces. musl adds a flag without
-        // effect.
-        {SYS_clone, {isOneOf(0, {kThread, kThread | CLONE_DETACHED})}},
-        // With F_SETOWN and O_ASYNC a terminal would send signals to other processes.
-        {SYS_fcntl, {isOneOf(1, {F_GETFD, F_SETFD, F_GETFL})}},
-        {SYS_fcntl, {isOneOf(1, {F_SETFL}), hasNoneOf(2, O_ASYNC)}},
-        // These are about a terminal's modes and size; TIOCSTI and TIOCLINUX would type in it.
-        {SYS_ioctl,
-         {isOneOf(1, {TCGETS, TCSETS, TCSETSW, TCSETSF, TCGETS2, TCSETS2, TCSETSW2, TCSETSF2,
-                      TCFLSH, TIOCGWINSZ, TIOCGPGRP})}},
-        // abort, raise and a stop by Control-Z need these. tkill, which musl uses, names a thread;
-        // the first thread has the process's number.
-        {SYS_kill, {isOneOf(0, {ourselves})}},
-        {SYS_tgkill, {isOneOf(0, {ourselves})}},
-        {SYS_tkill, {isOneOf(0, {ourselves})}},
-        // Reads our own limits. A pointer in the third argument would set them.
-        {SYS_prlimit64, {isOneOf(0, {0, ourselves}), hasNoneOf(2, kAllBits)}},
-    };
+    filter.allow(SYS_mmap, {hasNoneOf(2, PROT_EXEC)});
+    filter.allow(SYS_mprotect, {hasNoneOf(2, PROT_EXEC)});
+    // With other advice root could take pages of memory away from the whole machine.
+    filter.allowOneOf(SYS_madvise, 2,
+                      {MADV_DONTNEED, MADV_FREE, MADV_HUGEPAGE, kGuardInstall, kGuardRemove});
+    // This makes threads, but neither processes nor namespaces. musl adds a flag without effect.
+    filter.allowOneOf(SYS_clone, 0, {kThread, kThread | CLONE_DETACHED});
+    // With F_SETOWN and O_ASYNC a terminal would send signals to other processes.
+    filter.allowOneOf(SYS_fcntl, 1, {F_GETFD, F_SETFD, F_GETFL});
+    filter.allow(SYS_fcntl, {isValue(1, F_SETFL), hasNoneOf(2, O_ASYNC)});
+    // These are about a terminal's modes and size; TIOCSTI and TIOCLINUX would type in it.
+    filter.allowOneOf(SYS_ioctl, 1,
+                      {TCGETS, TCSETS, TCSETSW, TCSETSF, TCGETS2, TCSETS2, TCSETSW2, TCSETSF2,
+                       TCFLSH, TIOCGWINSZ, TIOCGPGRP});
+    // abort, raise and a stop by Control-Z need these. tkill, which musl uses, names a thread; the
+    // first thread has the process's number.
+    for (const int call : {SYS_kill, SYS_tgkill, SYS_tkill}) {
+        filter.allow(call, {isValue(0, ourselves)});
+    }
+    // Reads our own limits. A pointer in the third argument would set them.
+    for (const std::uint32_t process : {0U, ourselves}) {
+        filter.allow(SYS_prlimit64, {isValue(0, process), hasNoneOf(2, kAllBits)});
+    }
 }
 
-std::vector<Rule> rulesForStoring() {
-    return {
-        // Landlock does not cover this call. These bits would make a file run with its owner's
-        // rights.
-        {SYS_fchmod, {hasNoneOf(1, 07000)}},
-        // The reading thread adds its own filter.
-        {SYS_prctl, {isOneOf(0, {PR_SET_SECCOMP})}},
-    };
+template <std::size_t Count>
+bool isIn(const int (&calls)[Count], int call) {
+    return std::find(std::begin(calls), std::end(calls), call) != std::end(calls);
+}
+
+bool filterCalls(bool mayStore) {
+    if (!kListIsRightHere) {
+        return false;
+    }
+    CallFilter filter;
+    addRulesForAll(filter);
+    mayStore ? addRulesForStoring(filter) : addRulesForReading(filter);
+    for (int call = kFirstYoungCall; call <= kLastYoungCall; ++call) {
+        if (!isIn(kCalls, call) && !(mayStore && isIn(kCallsForStoring, call))) {
+            filter.pretendUnknown(call);
+        }
+    }
+    return filter.load();
 }
 
 // These are declarations of <linux/landlock.h>, which older headers lack.
@@ -223,129 +280,6 @@ bool limitWriting(const std::vector<std::string>& folders) {
     const bool isLimited = syscall(kLandlockRestrictSelf, ruleset, 0) == 0;
     close(ruleset);
     return isLimited;
-}
-
-/// The filter is a program that the kernel runs at every call. It can load the call's number and
-/// arguments.
-using Program = std::vector<sock_filter>;
-
-sock_filter load(std::size_t offset) {
-    return BPF_STMT(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset));
-}
-
-sock_filter answer(std::uint32_t value) {
-    return BPF_STMT(BPF_RET | BPF_K, value);
-}
-
-/// Compares what is loaded with the value, and skips one of these two numbers of statements.
-sock_filter jump(int comparison, std::uint32_t value, std::size_t ifTrue, std::size_t ifFalse) {
-    return BPF_JUMP(static_cast<std::uint16_t>(BPF_JMP | comparison | BPF_K), value,
-                    static_cast<std::uint8_t>(ifTrue), static_cast<std::uint8_t>(ifFalse));
-}
-
-/// Adds statements that allow the call if the rule does. They expect the call's number to be
-/// loaded, and leave it loaded for the next rule.
-void addRule(Program& program, const Rule& rule) {
-    constexpr std::uint8_t kOut = 255;  // Stands for the distance to the rule's end, still unknown.
-    constexpr std::size_t kHalf = sizeof(std::uint32_t);
-    const std::size_t begin = program.size();
-    program.push_back(jump(BPF_JEQ, rule.call, 0, kOut));
-    for (const Condition& condition : rule.conditions) {
-        const std::size_t lowerHalf = offsetof(seccomp_data, args) + 2 * kHalf * condition.argument;
-        program.push_back(load(lowerHalf));
-        for (std::size_t left = condition.values.size(); left > 0; --left) {
-            const std::uint32_t value = condition.values[condition.values.size() - left];
-            program.push_back(jump(BPF_JEQ, value, left - 1, left == 1 ? kOut : 0));
-        }
-        if (condition.values.empty()) {
-            const auto upperBits = static_cast<std::uint32_t>(condition.refusedBits >> 32U);
-            const auto lowerBits = static_cast<std::uint32_t>(condition.refusedBits);
-            program.push_back(jump(BPF_JSET, lowerBits, kOut, 0));
-            program.push_back(load(lowerHalf + kHalf));
-            program.push_back(jump(BPF_JSET, upperBits, kOut, 0));
-        }
-    }
-    program.push_back(answer(SECCOMP_RET_ALLOW));
-    for (std::size_t i = begin; i < program.size(); ++i) {
-        const auto out = static_cast<std::uint8_t>(program.size() - i - 1);
-        for (std::uint8_t* way : {&program[i].jt, &program[i].jf}) {
-            *way = *way == kOut ? out : *way;
-        }
-    }
-    if (!rule.conditions.empty()) {
-        program.push_back(load(offsetof(seccomp_data, nr)));
-    }
-}
-
-/// Begins statements for the calls below this number. beginOthers ends them and begins those for
-/// all other calls; it needs the result of this function.
-std::size_t beginBelow(Program& program, std::uint32_t number) {
-    program.push_back(jump(BPF_JGE, number, 0, 1));
-    program.push_back(BPF_STMT(BPF_JMP | BPF_JA, 0));
-    return program.size();
-}
-
-void beginOthers(Program& program, std::size_t below) {
-    program[below - 1].k = static_cast<std::uint32_t>(program.size() - below);
-}
-
-/// Adds a binary search among sorted rules. A linear one would do for the program itself, but when
-/// a filter is installed, the kernel runs it once for every call number to find the calls that are
-/// always allowed.
-void addRules(Program& program, std::span<const Rule> rules, std::uint32_t refusal) {
-    constexpr std::size_t kFew = 4;
-    std::size_t half = rules.size() / 2;
-    while (half > 0 && rules[half - 1].call == rules[half].call) {
-        --half;
-    }
-    if (rules.size() > kFew && half > 0) {
-        const std::size_t below = beginBelow(program, rules[half].call);
-        addRules(program, rules.first(half), refusal);
-        beginOthers(program, below);
-        addRules(program, rules.subspan(half), refusal);
-        return;
-    }
-    for (const Rule& rule : rules) {
-        addRule(program, rule);
-    }
-    program.push_back(answer(refusal));
-}
-
-Program filter(bool mayStore) {
-    std::vector<Rule> rules = rulesForAll();
-    const auto addCall = [&rules](std::uint32_t call) { rules.push_back({call, {}}); };
-    std::for_each(std::begin(kCalls), std::end(kCalls), addCall);
-    if (mayStore) {
-        const std::vector<Rule> more = rulesForStoring();
-        rules.insert(rules.end(), more.begin(), more.end());
-        std::for_each(std::begin(kCallsForStoring), std::end(kCallsForStoring), addCall);
-    }
-    std::sort(rules.begin(), rules.end(),
-              [](const Rule& left, const Rule& right) { return left.call < right.call; });
-    Program program = {
-        load(offsetof(seccomp_data, arch)),
-        jump(BPF_JEQ, kProcessor, 1, 0),
-        // Neither this program nor a library calls the kernel in the way of another processor
-        // (int 0x80). Only an attacker's code would, so the process ends.
-        answer(SECCOMP_RET_KILL_PROCESS),
-        load(offsetof(seccomp_data, nr)),
-    };
-    const auto young = std::find_if(rules.begin(), rules.end(),
-                                    [](const Rule& rule) { return rule.call >= kFirstYoungCall; });
-    const std::size_t below = beginBelow(program, kFirstYoungCall);
-    addRules(program, {rules.begin(), young}, SECCOMP_RET_ERRNO | EPERM);
-    beginOthers(program, below);
-    addRules(program, {young, rules.end()}, SECCOMP_RET_ERRNO | ENOSYS);
-    return program;
-}
-
-bool filterCalls(bool mayStore) {
-    if (kProcessor == 0) {
-        return false;
-    }
-    Program statements = filter(mayStore);
-    const sock_fprog program{static_cast<unsigned short>(statements.size()), statements.data()};
-    return prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
 }  // namespace

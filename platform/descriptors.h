@@ -1,5 +1,9 @@
 #pragma once
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
 #include <vector>
 
 /// A descriptor that somebody waits for.
@@ -15,13 +19,46 @@ struct ORVWatchedDescriptor {
 
 namespace platform {
 
+/// Repeats a system call that a signal interrupted.
+template <typename Call>
+auto uninterrupted(Call call) {
+    auto result = call();
+    while (result == -1 && errno == EINTR) {
+        result = call();
+    }
+    return result;
+}
+
+/// Owns a descriptor, or none when the number is negative.
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int number = -1) : number_(number) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : number_(other.release()) {}
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+        std::swap(number_, other.number_);
+        return *this;
+    }
+    ~FileDescriptor() {
+        if (number_ >= 0) {
+            close(number_);
+        }
+    }
+    int number() const { return number_; }
+    int release() { return std::exchange(number_, -1); }
+
+private:
+    int number_;
+};
+
 /// Sleeps until one of the descriptors is ready, a signal arrives, or the time is over (never, for
-/// -1), and marks the descriptors that are ready.
-void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds);
+/// -1), and marks the descriptors that are ready. Returns 0, or the errno when the system cannot
+/// wait for them: who went on then would turn in circles.
+[[nodiscard]] int waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds);
 
 /// Waits at most that long until a write of up to PIPE_BUF bytes would not wait, and returns
 /// whether that is so. It is also so when the write would fail at once, for example without a
-/// reader.
+/// reader. With -1 it waits for ever, and returns false, with the cause in errno, only when the
+/// system cannot wait.
 bool isWritable(int descriptor, int milliseconds);
 
 }  // namespace platform

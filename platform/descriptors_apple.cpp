@@ -5,7 +5,6 @@
 #include <sys/event.h>
 #include <sys/select.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -47,28 +46,21 @@ public:
             if (watch.interest != Interest::hangUpOnly || !hasReader(watch.descriptor)) {
                 continue;
             }
-            if (queue_ < 0) {
-                queue_ = kqueue();
+            if (descriptor() < 0) {
+                queue_ = FileDescriptor(kqueue());
             }
             struct kevent change;
             EV_SET(&change, watch.descriptor, EVFILT_READ, EV_ADD, NOTE_LOWAT, INT_MAX, nullptr);
-            kevent(queue_, &change, 1, nullptr, 0, nullptr);
+            kevent(descriptor(), &change, 1, nullptr, 0, nullptr);
         }
     }
-    ~HangUpQueue() {
-        if (queue_ >= 0) {
-            close(queue_);
-        }
-    }
-    HangUpQueue(const HangUpQueue&) = delete;
-    HangUpQueue& operator=(const HangUpQueue&) = delete;
 
-    int descriptor() const { return queue_; }
+    int descriptor() const { return queue_.number(); }
 
     void mark(std::vector<ORVWatchedDescriptor>& watched) const {
         const timespec atOnce{0, 0};
         struct kevent event;
-        while (kevent(queue_, nullptr, 0, &event, 1, &atOnce) == 1) {
+        while (kevent(descriptor(), nullptr, 0, &event, 1, &atOnce) == 1) {
             const bool hasHungUp = (event.flags & EV_EOF) != 0;
             for (ORVWatchedDescriptor& watch : watched) {
                 watch.isReady =
@@ -78,17 +70,17 @@ public:
             // Without this the queue would return the same event again, and the loop would not end.
             struct kevent removal;
             EV_SET(&removal, event.ident, EVFILT_READ, EV_DELETE, 0, 0, nullptr);
-            kevent(queue_, &removal, 1, nullptr, 0, nullptr);
+            kevent(descriptor(), &removal, 1, nullptr, 0, nullptr);
         }
     }
 
 private:
-    int queue_ = -1;
+    FileDescriptor queue_;
 };
 
 }  // namespace
 
-void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds) {
+int waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds) {
     const HangUpQueue hangUps(watched);
     fd_set readable;
     fd_set writable;
@@ -112,10 +104,11 @@ void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int millisec
     const int count =
         select(highest + 1, &readable, &writable, nullptr, timeLimit(limit, milliseconds));
     if (count <= 0) {
+        const int failure = count < 0 ? errno : 0;
         for (ORVWatchedDescriptor& watch : watched) {
-            watch.isReady = count < 0 && errno == EBADF;  // Using the bad one then fails.
+            watch.isReady = failure == EBADF;  // Using the bad one then fails.
         }
-        return;
+        return failure == EBADF || failure == EINTR ? 0 : failure;
     }
     for (ORVWatchedDescriptor& watch : watched) {
         if (watch.interest != Interest::hangUpOnly && fitsSet(watch.descriptor)) {
@@ -127,11 +120,16 @@ void waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int millisec
     if (hangUps.descriptor() >= 0 && FD_ISSET(hangUps.descriptor(), &readable)) {
         hangUps.mark(watched);
     }
+    return 0;
 }
 
 bool isWritable(int descriptor, int milliseconds) {
     std::vector<ORVWatchedDescriptor> watched = {{descriptor, Interest::writable}};
-    waitForDescriptors(watched, milliseconds);
+    int failure = 0;
+    do {
+        failure = waitForDescriptors(watched, milliseconds);
+    } while (milliseconds < 0 && failure == 0 && !watched.front().isReady);
+    errno = failure;
     return watched.front().isReady;
 }
 

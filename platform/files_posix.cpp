@@ -13,21 +13,12 @@
 #include <memory>
 #include <utility>
 
+#include "platform/descriptors.h"
 #include "platform/files.h"
 #include "platform/folder_watch.h"
 
 namespace platform {
 namespace {
-
-/// Repeats a system call that a signal interrupted.
-template <typename Call>
-auto uninterrupted(Call call) {
-    auto result = call();
-    while (result == -1 && errno == EINTR) {
-        result = call();
-    }
-    return result;
-}
 
 /// Returns the modification date, which has another name in macOS's `struct stat`.
 template <typename Status>
@@ -57,23 +48,6 @@ bool hasHiddenFlag(const Status& status) {
         return false;
     }
 }
-
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int number) : number_(number) {}
-    FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-    FileDescriptor& operator=(FileDescriptor&&) = delete;
-    ~FileDescriptor() {
-        if (number_ >= 0) {
-            close(number_);
-        }
-    }
-    int number() const { return number_; }
-    int release() { return std::exchange(number_, -1); }
-
-private:
-    int number_;
-};
 
 class PosixOpenFile final : public ORVOpenFile {
 public:

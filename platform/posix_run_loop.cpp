@@ -1,4 +1,5 @@
-// A loop that sleeps in one system call. Posted closures and signals wake it through a pipe.
+// A loop that sleeps in one system call, and a queue with one thread. Posted closures and signals
+// wake the loop through a pipe. A thread that hangs may outlive its queue, so both share the state.
 // Tests: tests/shells/shells_test.cpp.
 
 #include "platform/posix_run_loop.h"
@@ -8,35 +9,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <optional>
+#include <condition_variable>
+#include <cstdlib>
+#include <new>
+#include <system_error>
+#include <thread>
 #include <utility>
-
-class ORVPosixRunLoop::Timer final : public ORVRepeatingTimer {
-public:
-    Timer(ORVPosixRunLoop& loop, Clock::duration interval, Closure closure)
-        : loop_(loop),
-          interval_(interval),
-          closure_(std::move(closure)),
-          nextDue_(Clock::now() + interval) {
-        loop_.timers_.push_back(this);
-    }
-    ~Timer() override { std::erase(loop_.timers_, this); }
-
-    Clock::time_point nextDue() const { return nextDue_; }
-
-    /// Returns the closure of a timer that is due, and sets the next firing a multiple of the
-    /// interval after the first one. Firings that were missed are left out.
-    Closure takeDue(Clock::time_point now) {
-        nextDue_ += interval_ * ((now - nextDue_) / interval_ + 1);
-        return closure_;
-    }
-
-private:
-    ORVPosixRunLoop& loop_;
-    const Clock::duration interval_;
-    const Closure closure_;
-    Clock::time_point nextDue_;
-};
 
 ORVPosixRunLoop::ORVPosixRunLoop() {
     int ends[2];
@@ -47,41 +25,45 @@ ORVPosixRunLoop::ORVPosixRunLoop() {
         fcntl(end, F_SETFD, FD_CLOEXEC);
         fcntl(end, F_SETFL, O_NONBLOCK);
     }
-    wakeReadEnd_ = ends[0];
-    wakeWriteEnd_ = ends[1];
+    wakeReadEnd_ = platform::FileDescriptor(ends[0]);
+    wakeWriteEnd_ = platform::FileDescriptor(ends[1]);
 }
 
 ORVPosixRunLoop::~ORVPosixRunLoop() {
     dropClosures();
-    if (isUsable()) {
-        close(wakeReadEnd_);
-        close(wakeWriteEnd_);
-    }
+}
+
+/// Signal handlers call this, so it takes no lock.
+void ORVPosixRunLoop::wake() {
+    const int savedError = errno;
+    const char wake = 0;
+    // The write may fail because the pipe is full; the loop is awake then.
+    [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_.number(), &wake, 1);
+    errno = savedError;
 }
 
 void ORVPosixRunLoop::post(Closure closure) {
     const std::lock_guard<std::mutex> lock(mutex_);
     posted_.push_back(std::move(closure));
-    const char wake = 0;
-    // The write may fail because the pipe is full; the loop is awake then.
-    [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_, &wake, 1);
+    wake();
 }
 
 void ORVPosixRunLoop::wakeFromSignal() {
-    const int savedError = errno;
     isSignalled_ = true;  // Set before the write, which wakes the loop or finds the pipe full.
-    const char wake = 0;
-    [[maybe_unused]] const ssize_t ignored = write(wakeWriteEnd_, &wake, 1);
-    errno = savedError;
+    wake();
+}
+
+void ORVPosixRunLoop::fail(int errnoValue) {
+    failure_ = errnoValue;
+    wake();
 }
 
 void ORVPosixRunLoop::postAfter(std::chrono::milliseconds delay, Closure closure) {
-    delayed_.emplace(Clock::now() + delay, std::move(closure));
+    timed_.emplace(Clock::now() + delay, Timed{std::move(closure), {}});
 }
 
-std::unique_ptr<ORVRepeatingTimer> ORVPosixRunLoop::makeRepeatingTimer(
-    std::chrono::milliseconds interval, Closure closure) {
-    return std::make_unique<Timer>(*this, interval, std::move(closure));
+void ORVPosixRunLoop::repeat(std::chrono::milliseconds interval, Closure closure) {
+    timed_.emplace(Clock::now() + interval, Timed{std::move(closure), interval});
 }
 
 void ORVPosixRunLoop::watch(int descriptor, Interest interest, Closure ready) {
@@ -93,14 +75,22 @@ void ORVPosixRunLoop::unwatch(int descriptor) {
 }
 
 int ORVPosixRunLoop::run() {
-    while (!isStopped_) {
+    try {
+        runTurns();
+    } catch (const std::bad_alloc&) {
+        fail(ENOMEM);
+    }
+    return failure_ != 0 ? EXIT_FAILURE : status_;
+}
+
+void ORVPosixRunLoop::runTurns() {
+    while (!isStopped_ && failure_ == 0) {
         runPosted();
         runDue();
         if (!isStopped_) {
             waitForEvents();
         }
     }
-    return status_;
 }
 
 void ORVPosixRunLoop::stop(int status) {
@@ -110,13 +100,13 @@ void ORVPosixRunLoop::stop(int status) {
 }
 
 void ORVPosixRunLoop::dropClosures() {
-    // Moved out first, because destroying them may destroy objects that remove timers or post.
+    // Moved out first, because destroying them may destroy objects that post.
     std::vector<Closure> posted;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         posted.swap(posted_);
     }
-    const auto delayed = std::exchange(delayed_, {});
+    const auto timed = std::exchange(timed_, {});
     watches_.clear();
     turnEnd_ = nullptr;
     wakened_ = nullptr;
@@ -145,44 +135,41 @@ void ORVPosixRunLoop::runPosted() {
 
 void ORVPosixRunLoop::runDue() {
     const Clock::time_point now = Clock::now();
-    while (!delayed_.empty() && delayed_.begin()->first <= now) {
-        const Closure closure = std::move(delayed_.begin()->second);
-        delayed_.erase(delayed_.begin());
-        turn(closure);
-    }
-    const std::vector<Timer*> timers = timers_;
-    for (Timer* timer : timers) {
-        const bool isAlive = std::find(timers_.begin(), timers_.end(), timer) != timers_.end();
-        if (isAlive && timer->nextDue() <= now) {
-            turn(timer->takeDue(now));
+    while (!timed_.empty() && timed_.begin()->first <= now) {
+        auto due = timed_.extract(timed_.begin());
+        const Clock::duration interval = due.mapped().interval;
+        if (interval.count() == 0) {
+            turn(due.mapped().closure);
+            continue;
         }
+        // A multiple of the interval after the first firing. Firings that were missed are left out.
+        due.key() += interval * ((now - due.key()) / interval + 1);
+        turn(timed_.insert(std::move(due))->second.closure);
     }
 }
 
 int ORVPosixRunLoop::millisecondsToNextDue() const {
-    std::optional<Clock::time_point> due;
-    if (!delayed_.empty()) {
-        due = delayed_.begin()->first;
-    }
-    for (const Timer* timer : timers_) {
-        due = due ? std::min(*due, timer->nextDue()) : timer->nextDue();
-    }
-    if (!due) {
+    if (timed_.empty()) {
         return -1;
     }
-    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*due - Clock::now());
+    const auto wait =
+        std::chrono::ceil<std::chrono::milliseconds>(timed_.begin()->first - Clock::now());
     return static_cast<int>(std::max<std::chrono::milliseconds::rep>(0, wait.count()));
 }
 
 void ORVPosixRunLoop::waitForEvents() {
-    std::vector<ORVWatchedDescriptor> watched = {{wakeReadEnd_, Interest::readable}};
+    std::vector<ORVWatchedDescriptor> watched = {{wakeReadEnd_.number(), Interest::readable}};
     for (const auto& [descriptor, watch] : watches_) {
         watched.push_back({descriptor, watch.interest});
     }
-    platform::waitForDescriptors(watched, millisecondsToNextDue());
+    const int failure = platform::waitForDescriptors(watched, millisecondsToNextDue());
+    if (failure != 0) {
+        fail(failure);
+        return;
+    }
     if (watched[0].isReady) {
         char wakes[64];
-        while (read(wakeReadEnd_, wakes, sizeof wakes) > 0) {
+        while (read(wakeReadEnd_.number(), wakes, sizeof wakes) > 0) {
         }
         if (isSignalled_.exchange(false)) {
             turn(wakened_);
@@ -196,3 +183,73 @@ void ORVPosixRunLoop::waitForEvents() {
         }
     }
 }
+
+namespace platform {
+
+struct ThreadQueue::State {
+    explicit State(ORVPosixRunLoop& owner) : loop(owner) {}
+
+    ORVPosixRunLoop& loop;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<std::function<void()>> closures;
+    bool isRunning = false;
+    bool isClosed = false;
+
+    void run() {
+        std::unique_lock<std::mutex> lock(mutex);
+        while (true) {
+            changed.wait(lock, [this] { return isClosed || !closures.empty(); });
+            if (isClosed) {
+                return;
+            }
+            std::function<void()> closure = std::move(closures.front());
+            closures.erase(closures.begin());
+            isRunning = true;
+            lock.unlock();
+            bool isOutOfMemory = false;
+            try {
+                closure();
+            } catch (const std::bad_alloc&) {
+                isOutOfMemory = true;
+            }
+            closure = nullptr;  // Destroys what it holds before the lock is taken.
+            lock.lock();
+            if (isOutOfMemory && !isClosed) {
+                loop.fail(ENOMEM);
+            }
+            isRunning = false;
+            changed.notify_all();
+        }
+    }
+};
+
+ThreadQueue::ThreadQueue(ORVPosixRunLoop& loop) : state_(std::make_shared<State>(loop)) {
+    try {
+        std::thread([state = state_] { state->run(); }).detach();
+    } catch (const std::system_error&) {
+        hasThread_ = false;
+    }
+}
+
+ThreadQueue::~ThreadQueue() {
+    std::vector<std::function<void()>> dropped;  // Destroyed after the lock is released.
+    const std::lock_guard<std::mutex> lock(state_->mutex);
+    state_->isClosed = true;
+    dropped.swap(state_->closures);
+    state_->changed.notify_all();
+}
+
+void ThreadQueue::dispatch(std::function<void()> closure) {
+    const std::lock_guard<std::mutex> lock(state_->mutex);
+    state_->closures.push_back(std::move(closure));
+    state_->changed.notify_all();
+}
+
+bool ThreadQueue::waitUntilIdle(std::chrono::milliseconds time) {
+    std::unique_lock<std::mutex> lock(state_->mutex);
+    return state_->changed.wait_for(
+        lock, time, [this] { return !state_->isRunning && state_->closures.empty(); });
+}
+
+}  // namespace platform

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -17,12 +18,11 @@ public:
     ~ORVPosixRunLoop() override;
 
     /// False when the process had no descriptors left for the loop; it must then not be run.
-    bool isUsable() const { return wakeReadEnd_ >= 0; }
+    bool isUsable() const { return wakeReadEnd_.number() >= 0; }
 
     void post(Closure closure) override;
     void postAfter(std::chrono::milliseconds delay, Closure closure) override;
-    std::unique_ptr<ORVRepeatingTimer> makeRepeatingTimer(std::chrono::milliseconds interval,
-                                                          Closure closure) override;
+    void repeat(std::chrono::milliseconds interval, Closure closure) override;
 
     using Interest = ORVWatchedDescriptor::Interest;
 
@@ -38,22 +38,33 @@ public:
     void wakeFromSignal();
     void setWakened(Closure wakened) { wakened_ = std::move(wakened); }
 
-    /// Runs until stop is called, and returns the status that was passed to it.
+    /// Runs until stop or fail is called, and returns the status that was passed to stop, or 1.
+    /// Memory that runs out in a turn, and an error of waiting itself, fail the loop.
     int run();
     void stop(int status);
 
-    /// Destroys all closures except those of timers, and so releases the objects that they keep
-    /// alive.
+    /// Ends the loop with status 1. Can be called on any thread, and allocates nothing.
+    void fail(int errnoValue);
+
+    /// Returns the errno that ended the loop, and 0 when none did.
+    int failure() const { return failure_; }
+
+    /// Destroys all closures, and so releases the objects that they keep alive.
     void dropClosures();
 
 private:
     using Clock = std::chrono::steady_clock;
-    class Timer;
+    struct Timed {
+        Closure closure;
+        Clock::duration interval;  ///< 0 for a closure that runs once.
+    };
     struct Watch {
         Interest interest;
         Closure ready;
     };
 
+    void wake();
+    void runTurns();
     void turn(const Closure& closure);
     void runPosted();
     void runDue();
@@ -63,14 +74,43 @@ private:
     std::mutex mutex_;
     std::vector<Closure> posted_;  ///< Guarded by mutex_.
 
-    std::multimap<Clock::time_point, Closure> delayed_;
-    std::vector<Timer*> timers_;  ///< Each removes itself when it is destroyed.
+    std::multimap<Clock::time_point, Timed> timed_;  ///< By the time at which it is due.
     std::map<int, Watch> watches_;
     Closure turnEnd_;
     Closure wakened_;
     std::atomic<bool> isSignalled_ = false;  ///< Set by a signal handler.
-    int wakeReadEnd_ = -1;
-    int wakeWriteEnd_ = -1;
+    std::atomic<int> failure_ = 0;           ///< Set by any thread.
+    platform::FileDescriptor wakeReadEnd_;
+    platform::FileDescriptor wakeWriteEnd_;
     bool isStopped_ = false;
     int status_ = 0;
 };
+
+namespace platform {
+
+/// A serial queue with a thread of its own, which sleeps while there is nothing to do. Memory that
+/// runs out in a closure fails the loop.
+class ThreadQueue final : public ORVSerialQueue {
+public:
+    /// The loop must outlive the queue.
+    explicit ThreadQueue(ORVPosixRunLoop& loop);
+
+    /// False when the system could not start a thread; dispatched closures are then never run.
+    bool hasThread() const { return hasThread_; }
+
+    /// Drops the closures that have not begun. A thread that hangs in a closure is left behind, and
+    /// no longer touches the queue.
+    ~ThreadQueue() override;
+
+    void dispatch(std::function<void()> closure) override;
+
+    /// Waits at most that long until no closure runs or waits, and returns whether that is so.
+    bool waitUntilIdle(std::chrono::milliseconds time);
+
+private:
+    struct State;
+    bool hasThread_ = true;
+    std::shared_ptr<State> state_;  ///< Shared with the thread, which may outlive the queue.
+};
+
+}  // namespace platform

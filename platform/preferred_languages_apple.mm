@@ -2,7 +2,7 @@
 
 #import <Foundation/Foundation.h>
 
-#include "platform/preferred_languages.h"
+#include "platform/locale.h"
 
 namespace platform {
 

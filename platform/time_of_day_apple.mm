@@ -1,7 +1,7 @@
 // Writes the time in the locale's style, with Foundation. Tests: tests/platform/apple_test.mm.
 
 #import "platform/foundation_string_apple.h"
-#include "platform/time_of_day.h"
+#include "platform/locale.h"
 
 namespace platform {
 

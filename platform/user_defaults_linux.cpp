@@ -21,8 +21,8 @@
 #include "platform/ORVError.h"
 #include "platform/home_folder.h"
 #include "platform/user_defaults.h"
+#include "text/bytes.h"
 #include "text/json_writing.h"
-#include "text/paths.h"
 
 namespace platform {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "sessions/ORVSessionSearch.h"
 #include "sessions/errors.h"
-#include "text/paths.h"
+#include "text/bytes.h"
 #include "text/unicode.h"
 
 namespace {

@@ -7,8 +7,7 @@
 #include "platform/home_folder.h"
 #include "sessions/ORVCodexSessionSource.h"
 #include "sessions/errors.h"
-#include "text/identifiers.h"
-#include "text/paths.h"
+#include "text/bytes.h"
 
 ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock,
                                              const std::string& codexHome, ORVSessionWants wants)

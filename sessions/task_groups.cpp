@@ -8,8 +8,6 @@
 #include "sessions/ORVTaskList.h"
 #include "sessions/errors.h"
 #include "text/bytes.h"
-#include "text/identifiers.h"
-#include "text/paths.h"
 #include "text/unicode.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "sessions/ORVSessionTree.h"
-#include "text/paths.h"
+#include "text/bytes.h"
 
 namespace {
 

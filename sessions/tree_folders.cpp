@@ -6,7 +6,7 @@
 #include <new>
 
 #include "sessions/ORVSessionTree.h"
-#include "text/paths.h"
+#include "text/bytes.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 
 namespace {
@@ -88,6 +89,11 @@ int ORVPosixApplication::run(ORVSurface& surface) {
     loop.post([this] { delegate_->applicationDidFinishLaunching(); });
     const int status = loop.run();
     surface.close();
+    if (loop.failure() == ENOMEM) {
+        complain_("there is not enough memory");
+    } else if (loop.failure() != 0) {
+        complain_("cannot wait for events: " + platform::posixError(loop.failure()).description);
+    }
     if (!host_.readerIsIdle()) {
         _exit(status);  // The thread that hangs still uses the application's memory.
     }

@@ -16,14 +16,14 @@ ORVPosixHost::ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
       complain_(std::move(complain)) {}
 
 std::unique_ptr<ORVSerialQueue> ORVPosixHost::makeSerialQueue(const std::string&) {
-    auto queue = std::make_unique<platform::ThreadQueue>();
-    queue_ = queue.get();
+    auto queue = std::make_unique<platform::ThreadQueue>(runLoop_);
     if (!queue->hasThread()) {
         complain_("cannot start a thread");
         runLoop_.stop(EXIT_FAILURE);
     }
     queue->dispatch(
         platform::confineThreadToReading);  // It reads what others wrote, and stores nothing.
+    queue_ = queue.get();
     return queue;
 }
 

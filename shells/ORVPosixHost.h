@@ -6,7 +6,6 @@
 
 #include "app/ORVAppHost.h"
 #include "platform/posix_run_loop.h"
-#include "platform/thread_queue.h"
 
 /// The application's host in a process without a desktop: a loop over descriptors, and one thread
 /// that reads files.

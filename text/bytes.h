@@ -3,9 +3,14 @@
 #include <string.h>
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
+/// Questions about bytes without an encoding: paths, names and identifiers. std::filesystem would
+/// order and compare paths by component.
 namespace text {
+
+inline constexpr std::size_t kUUIDLength = 36;
 
 /// Returns the lower-case letter of an ASCII capital, and every other byte unchanged.
 inline char lowerCasedASCII(char c) {
@@ -26,5 +31,19 @@ inline std::size_t findBytes(std::string_view text, std::string_view part, std::
 inline bool containsBytes(std::string_view text, std::string_view part) {
     return findBytes(text, part) != std::string_view::npos;
 }
+
+/// Whether a text is a UUID in its 8-4-4-4-12 hexadecimal form, in either letter case, and nothing
+/// more.
+bool isUUID(std::string_view text);
+
+/// Returns what follows the last slash: the item's name.
+std::string_view lastPathComponent(std::string_view path);
+
+/// Returns the folder that holds an item; its path must be absolute.
+std::string folderOf(std::string_view path);
+
+/// Whether a file's name ends in a dot and this extension, letter case disregarded. The extension
+/// is given in lower-case ASCII.
+bool hasExtension(std::string_view name, std::string_view extension);
 
 }  // namespace text

@@ -1,94 +1,29 @@
-// Handles UTF-8 with utf8proc. Plain ASCII, the most frequent text, is passed over eight bytes at a
-// time.
-// Tests: tests/text/unicode_test.cpp.
+// Handles UTF-8. What a character is, utf8proc knows; whether bytes are well formed, simdjson
+// checks many at a time. Tests: tests/text/unicode_test.cpp.
 
 #include "text/unicode.h"
 
+#include <simdjson.h>
 #include <utf8proc.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
-#include <cstring>
+#include <iterator>
 #include <memory>
+#include <utility>
 
 #include "text/bytes.h"
 
 namespace text {
 namespace {
 
-constexpr utf8proc_int32_t kNotACharacter = -1;
-
-struct Decoded {
-    utf8proc_int32_t character;  ///< kNotACharacter for bytes that are not UTF-8.
-    std::size_t bytes;           ///< At least 1.
-};
-
-bool isASCII(char c) {
-    return static_cast<unsigned char>(c) < 0x80;
-}
-
-/// Returns how many bytes at the beginning of a text are ASCII, or up to seven fewer: eight bytes
-/// are tested at a time.
-std::size_t asciiBytes(std::string_view text) {
-    std::size_t count = 0;
-    std::uint64_t eight = 0;
-    while (text.size() - count >= sizeof eight) {
-        std::memcpy(&eight, text.data() + count, sizeof eight);
-        if ((eight & 0x8080808080808080U) != 0) {
-            break;
-        }
-        count += sizeof eight;
-    }
-    return count;
-}
-
 bool isASCII(std::string_view text) {
-    text.remove_prefix(asciiBytes(text));
-    return std::all_of(text.begin(), text.end(), [](char c) { return isASCII(c); });
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-/// Returns how many bytes of an ill-formed sequence one U+FFFD replaces: those that could have
-/// begun a character, but at least one.
-std::size_t illFormedLength(std::string_view bytes) {
-    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    const unsigned char lead = byteAt(0);
-    std::size_t length = 1;
-    unsigned char lowest = 0x80;
-    unsigned char highest = 0xBF;
-    if (lead >= 0xC2 && lead <= 0xDF) {
-        length = 2;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-        length = 3;
-        lowest = lead == 0xE0 ? 0xA0 : lowest;    // A lower byte would be overlong.
-        highest = lead == 0xED ? 0x9F : highest;  // A higher byte would give a surrogate.
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-        length = 4;
-        lowest = lead == 0xF0 ? 0x90 : lowest;    // A lower byte would be overlong.
-        highest = lead == 0xF4 ? 0x8F : highest;  // A higher byte would exceed U+10FFFF.
-    }
-    std::size_t count = 1;
-    while (count < length && count < bytes.size() && byteAt(count) >= lowest &&
-           byteAt(count) <= highest) {
-        lowest = 0x80;
-        highest = 0xBF;
-        ++count;
-    }
-    return count;
-}
-
-Decoded decode(std::string_view bytes) {
-    if (isASCII(bytes.front())) {
-        return {bytes.front(), 1};
-    }
-    utf8proc_int32_t character = kNotACharacter;
-    const auto length = static_cast<utf8proc_ssize_t>(std::min<std::size_t>(bytes.size(), 4));
-    const auto used = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(bytes.data()),
-                                       length, &character);
-    if (used < 1) {
-        return {kNotACharacter, illFormedLength(bytes)};
-    }
-    return {character, static_cast<std::size_t>(used)};
+utf8proc_category_t categoryOf(char32_t code) {
+    return utf8proc_category(static_cast<utf8proc_int32_t>(code));
 }
 
 std::string foldedCase(std::string_view text) {
@@ -109,20 +44,19 @@ std::string foldedCase(std::string_view text) {
 
 /// Whether the character changes how text around it is laid out: a control character, a separator
 /// of lines or paragraphs, or one that embeds, overrides or isolates a direction.
-bool steersText(utf8proc_int32_t character) {
-    return utf8proc_category(character) == UTF8PROC_CATEGORY_CC ||
-           (character >= 0x2028 && character <= 0x202E) ||
-           (character >= 0x2066 && character <= 0x2069);
+bool steersText(char32_t code) {
+    return categoryOf(code) == UTF8PROC_CATEGORY_CC || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069);
 }
 
 std::string replaced(std::string_view bytes, bool alsoControls) {
     std::string result;
     result.reserve(bytes.size());
     while (!bytes.empty()) {
-        const Decoded next = decode(bytes);
-        if (next.character == kNotACharacter) {
+        const Character next = nextCharacter(bytes);
+        if (next.code == kNotACharacter) {
             result += "\uFFFD";
-        } else if (alsoControls && steersText(next.character)) {
+        } else if (alsoControls && steersText(next.code)) {
             result += ' ';
         } else {
             result += bytes.substr(0, next.bytes);
@@ -132,37 +66,50 @@ std::string replaced(std::string_view bytes, bool alsoControls) {
     return result;
 }
 
-bool isWhiteSpace(utf8proc_int32_t character) {
-    if (character < 0x80) {
-        return character == ' ' || character == '\t';
-    }
-    return utf8proc_category(character) == UTF8PROC_CATEGORY_ZS;
+bool isWhiteSpace(char32_t code) {
+    return code == ' ' || code == '\t' ||
+           (code >= 0x80 && categoryOf(code) == UTF8PROC_CATEGORY_ZS);
 }
 
-int widthOf(const Decoded& decoded) {
-    return decoded.character == kNotACharacter ? 1 : utf8proc_charwidth(decoded.character);
+int widthOf(const Character& character) {
+    return character.code == kNotACharacter
+               ? 1
+               : utf8proc_charwidth(static_cast<utf8proc_int32_t>(character.code));
 }
 
-bool endsLine(utf8proc_int32_t character) {
-    return character == '\n' || character == '\r' || character == 0x85 || character == 0x2028 ||
-           character == 0x2029;
+bool endsLine(char32_t code) {
+    return code == '\n' || code == '\r' || code == 0x85 || code == 0x2028 || code == 0x2029;
 }
 
 }  // namespace
 
 bool isValidUTF8(std::string_view bytes) {
-    bytes.remove_prefix(asciiBytes(bytes));
-    while (!bytes.empty()) {
-        const Decoded next = decode(bytes);
-        if (next.character == kNotACharacter) {
-            return false;
-        }
-        bytes.remove_prefix(next.bytes);
-        if (next.bytes > 1) {
-            bytes.remove_prefix(asciiBytes(bytes));
-        }
+    return simdjson::validate_utf8(bytes.data(), bytes.size());
+}
+
+Character nextCharacter(std::string_view text) {
+    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byteAt(0);
+    if (lead < 0x80) {
+        return {lead, 1};
     }
-    return true;
+    const std::size_t length = lead < 0xC2 || lead > 0xF4 ? 1
+                               : lead < 0xE0              ? 2
+                               : lead < 0xF0              ? 3
+                                                          : 4;
+    // Lower second bytes would be overlong; higher ones would give a surrogate or exceed U+10FFFF.
+    unsigned char lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    unsigned char highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    char32_t code = lead & (0x7FU >> length);
+    std::size_t count = 1;
+    while (count < length && count < text.size() && byteAt(count) >= lowest &&
+           byteAt(count) <= highest) {
+        code = code << 6U | (byteAt(count) & 0x3FU);
+        lowest = 0x80;
+        highest = 0xBF;
+        ++count;
+    }
+    return {length > 1 && count == length ? code : kNotACharacter, count};
 }
 
 bool containsIgnoringCase(std::string_view text, std::string_view needle) {
@@ -176,8 +123,8 @@ std::size_t findWhiteSpace(std::string_view text, std::size_t start) {
             ++position;
             continue;
         }
-        const Decoded next = decode(text.substr(position));
-        if (isWhiteSpace(next.character)) {
+        const Character next = nextCharacter(text.substr(position));
+        if (isWhiteSpace(next.code)) {
             return position;
         }
         position += next.bytes;
@@ -189,14 +136,14 @@ void forEachLine(std::string_view text, const std::function<void(std::string_vie
     std::size_t lineStart = 0;
     std::size_t position = 0;
     while (position < text.size()) {
-        const Decoded next = decode(text.substr(position));
-        if (!endsLine(next.character)) {
+        const Character next = nextCharacter(text.substr(position));
+        if (!endsLine(next.code)) {
             position += next.bytes;
             continue;
         }
         visit(text.substr(lineStart, position - lineStart));
         position += next.bytes;
-        if (next.character == '\r' && position < text.size() && text[position] == '\n') {
+        if (next.code == '\r' && position < text.size() && text[position] == '\n') {
             ++position;
         }
         lineStart = position;
@@ -209,7 +156,7 @@ void forEachLine(std::string_view text, const std::function<void(std::string_vie
 int columnsOf(std::string_view text) {
     int columns = 0;
     while (!text.empty()) {
-        const Decoded next = decode(text);
+        const Character next = nextCharacter(text);
         columns += widthOf(next);
         text.remove_prefix(next.bytes);
     }
@@ -219,7 +166,7 @@ int columnsOf(std::string_view text) {
 std::string_view beginning(std::string_view text, int columns) {
     std::size_t end = 0;
     while (end < text.size()) {
-        const Decoded next = decode(text.substr(end));
+        const Character next = nextCharacter(text.substr(end));
         columns -= widthOf(next);
         if (columns < 0) {
             break;
@@ -234,8 +181,7 @@ std::string_view wholeCharacters(std::string_view text) {
     while (start > 0 && (text[start - 1] & 0xC0) == 0x80) {
         --start;
     }
-    const bool isCut = start > 0 && !isASCII(text[start - 1]) &&
-                       decode(text.substr(start - 1)).character == kNotACharacter;
+    const bool isCut = start > 0 && nextCharacter(text.substr(start - 1)).code == kNotACharacter;
     return isCut ? text.substr(0, start - 1) : text;
 }
 
@@ -245,6 +191,18 @@ std::string withInvalidBytesReplaced(std::string_view bytes) {
 
 std::string forTerminal(std::string_view bytes) {
     return replaced(bytes, true);
+}
+
+std::string escapedForMarkup(std::string_view text) {
+    static constexpr std::pair<char, std::string_view> kEscapes[] = {
+        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
+    std::string escaped;
+    for (const char c : text) {
+        const auto* found = std::find_if(std::begin(kEscapes), std::end(kEscapes),
+                                         [&](const auto& escape) { return escape.first == c; });
+        escaped += found == std::end(kEscapes) ? std::string(1, c) : std::string(found->second);
+    }
+    return escaped;
 }
 
 }  // namespace text

@@ -10,6 +10,16 @@ namespace text {
 
 bool isValidUTF8(std::string_view bytes);
 
+/// One character, or bytes that are none.
+struct Character {
+    char32_t code = 0;      ///< kNotACharacter for bytes that are not UTF-8.
+    std::size_t bytes = 0;  ///< At least 1; of ill-formed bytes, those that one U+FFFD replaces.
+};
+inline constexpr char32_t kNotACharacter = 0xFFFFFFFF;
+
+/// Returns the first character of a text, which must not be empty.
+Character nextCharacter(std::string_view text);
+
 /// Whether `needle` stands anywhere in `text`, letter case disregarded. Bytes that are not UTF-8
 /// are equal only to themselves; the letters of such a text are then compared as ASCII.
 bool containsIgnoringCase(std::string_view text, std::string_view needle);
@@ -31,6 +41,10 @@ std::string withInvalidBytesReplaced(std::string_view bytes);
 /// could steer a terminal or the text around it: control characters (C0, DEL, C1), separators of
 /// lines and paragraphs, and those that embed, override or isolate a direction.
 std::string forTerminal(std::string_view bytes);
+
+/// Returns the text with the five characters that have a meaning in XML, HTML and Pango's markup
+/// escaped.
+std::string escapedForMarkup(std::string_view text);
 
 /// Returns the columns that a text takes where every character has the width that Unicode gives it,
 /// and its longest beginning of at most so many columns. A terminal may have another table; what is

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "app/ORVAppHost.h"
-#include "platform/main_run_loop.h"
+#import "platform/main_run_loop_apple.h"
 
 /// The application's host on a Mac with a desktop.
 class ORVAppKitHost final : public ORVAppHost {

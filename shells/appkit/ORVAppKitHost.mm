@@ -5,8 +5,6 @@
 
 #import <AppKit/AppKit.h>
 
-#include "platform/dispatch_queue.h"
-
 ORVAppKitHost::ORVAppKitHost()
     : files_(platform::makeFiles()),
       userDefaults_(platform::standardUserDefaults([](const ORVStoringFailure&) {})) {}

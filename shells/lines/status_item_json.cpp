@@ -4,7 +4,6 @@
 
 #include "shells/lines/status_item_json.h"
 
-#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -58,18 +57,6 @@ std::string menu(const ORVMenu& shown) {
     return text + ']';
 }
 
-std::string escapedForPango(std::string_view text) {
-    static constexpr std::pair<char, std::string_view> kEscapes[] = {
-        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
-    std::string escaped;
-    for (const char c : text) {
-        const auto* found = std::find_if(std::begin(kEscapes), std::end(kEscapes),
-                                         [&](const auto& escape) { return escape.first == c; });
-        escaped += found == std::end(kEscapes) ? std::string(1, c) : std::string(found->second);
-    }
-    return escaped;
-}
-
 std::string_view classFor(std::optional<double> percentage) {
     static constexpr std::string_view kNames[] = {"unknown", "low", "medium", "high", "full"};
     return kNames[static_cast<std::size_t>(app::fullnessOf(percentage))];
@@ -87,9 +74,9 @@ std::string waybar(const ORVAppDelegate& delegate) {
     const ORVStatusItem& item = delegate.statusItem();
     std::string toolTip;
     for (const std::string& line : delegate.informationLines()) {
-        toolTip += (toolTip.empty() ? "" : "\n") + escapedForPango(text::forTerminal(line));
+        toolTip += (toolTip.empty() ? "" : "\n") + text::escapedForMarkup(text::forTerminal(line));
     }
-    return text::objectJSON({{"text", text::quotedJSON(escapedForPango(item.title))},
+    return text::objectJSON({{"text", text::quotedJSON(text::escapedForMarkup(item.title))},
                              {"tooltip", text::quotedJSON(toolTip)},
                              {"class", text::quotedJSON(classFor(item.percentage))},
                              {"percentage", app::wholePercent(item.percentage.value_or(0))}});

@@ -7,7 +7,7 @@
 
 #include "app/rate_limits.h"
 #include "l10n/placeholders.h"
-#include "text/paths.h"
+#include "text/bytes.h"
 #include "text/unicode.h"
 
 namespace terminal {
@@ -32,8 +32,8 @@ using Widths = std::array<int, kColumns>;
 
 Cells headOf(const ORVWords& words, const Screen& screen) {
     const auto shown = [&](std::string_view text) { return terminal::shown(text, screen); };
-    return {shown(words.id),     shown(words.status), "",
-            shown(words.age),    shown(words.folder), shown(words.model),
+    return {shown(words.id),          shown(words.status), "",
+            shown(words.age),         shown(words.folder), shown(words.model),
             shown(words.helperCount), shown(words.title)};
 }
 
@@ -42,8 +42,7 @@ std::string titleOf(const ORVTaskView& task) {
         return "";
     }
     const std::string name = task.helperName.value_or("");
-    return (task.isHelper ? "  " : "") + name + (name.empty() ? "" : "  ") +
-           task.snapshot->title();
+    return (task.isHelper ? "  " : "") + name + (name.empty() ? "" : "  ") + task.snapshot->title();
 }
 
 Cells cellsOf(const ORVTaskView& task, const TableLook& look, const Screen& screen) {
@@ -72,9 +71,8 @@ Widths widthsFor(const std::vector<Cells>& rows, int columns) {
     widths[status] = std::min(widths[status], columns);
     // A column in which only the head has something is of no use.
     for (const Column column : {id, folder, model, helpers}) {
-        const bool isEmpty = std::all_of(rows.begin() + 1, rows.end(), [&](const Cells& cells) {
-            return cells[column].empty();
-        });
+        const bool isEmpty = std::all_of(rows.begin() + 1, rows.end(),
+                                         [&](const Cells& cells) { return cells[column].empty(); });
         widths[column] = isEmpty ? 0 : widths[column];
     }
     const auto rest = [&] {

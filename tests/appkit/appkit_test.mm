@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "platform/dispatch_queue.h"
 #import "shells/appkit/ORVApplicationDelegate.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
@@ -148,9 +147,9 @@ void runWhileMenuIsOpenUntil(Condition isMet) {
 // This test comes first: a turn that outlived its test would end the others.
 TEST_F(AppKitTest, ATurnOfAnyKindEndsWithItsUpdateAndItsPool) {
     NSDate* before = [NSDate date];
-    ORVMainRunLoop loop;
+    auto owned = std::make_unique<ORVMainRunLoop>();
+    ORVMainRunLoop& loop = *owned;
     const auto queue = ORVAppKitHost().makeSerialQueue("a.label");
-    std::unique_ptr<ORVRepeatingTimer> timer;
     const auto kept = std::make_shared<int>();
     const std::string kTurn = "closure on main update on main ";
     std::string order;
@@ -177,11 +176,12 @@ TEST_F(AppKitTest, ATurnOfAnyKindEndsWithItsUpdateAndItsPool) {
             EXPECT_EQ(1'200'000'000U, dispatch_stand_in_run_delayed());
         },
         [&] {
-            timer = loop.makeRepeatingTimer(std::chrono::milliseconds(2'500), closure);
+            loop.repeat(std::chrono::milliseconds(2'500), closure);
             NSDate* fires = [[NSRunLoop currentRunLoop] limitDateForMode:NSRunLoopCommonModes];
+            EXPECT_EQ(0.25, ORVStandIn.tolerance) << "a tenth";
             EXPECT_GT(2.6, [fires timeIntervalSinceNow]);
             EXPECT_LT(2.4, [fires timeIntervalSinceDate:before]);
-            timer = loop.makeRepeatingTimer(std::chrono::milliseconds(1), closure);
+            loop.repeat(std::chrono::milliseconds(1), closure);
             runWhileMenuIsOpenUntil([&] { return order.size() >= 2 * kTurn.size(); });
             EXPECT_EQ(kTurn + kTurn, order.substr(0, 2 * kTurn.size()));
             order.resize(kTurn.size());
@@ -195,11 +195,11 @@ TEST_F(AppKitTest, ATurnOfAnyKindEndsWithItsUpdateAndItsPool) {
             EXPECT_EQ(0, ORVStandIn.symbols) << "what it leaves behind ends with it";
         }
     }
-    timer.reset();
+    owned.reset();
     order.clear();
     runWhileMenuIsOpenUntil([passes = 0]() mutable { return ++passes > 2; });
     EXPECT_EQ("", order);
-    EXPECT_EQ(2, kept.use_count()) << "closures end, those of a timer with its owner";
+    EXPECT_EQ(2, kept.use_count()) << "closures end, those of a timer with the loop";
 }
 
 TEST_F(AppKitTest, TheStatusItemFromLaunchToTheEnd) {

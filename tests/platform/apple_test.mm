@@ -9,9 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/preferred_languages.h"
+#include "platform/locale.h"
 #include "platform/property_list.h"
-#include "platform/time_of_day.h"
 #include "platform/user_defaults.h"
 
 namespace {

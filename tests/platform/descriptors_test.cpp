@@ -37,7 +37,7 @@ protected:
 
     static bool isReady(int descriptor, Interest interest, int milliseconds) {
         std::vector<ORVWatchedDescriptor> watched = {{descriptor, interest}};
-        platform::waitForDescriptors(watched, milliseconds);
+        EXPECT_EQ(0, platform::waitForDescriptors(watched, milliseconds));
         return watched.front().isReady;
     }
 
@@ -52,7 +52,7 @@ TEST_F(DescriptorsTest, ReadyOnesAreToldFromTheOthers) {
     std::vector<ORVWatchedDescriptor> watched = {{sockets_[0], Interest::readable},
                                                  {pipe_[0], Interest::readable},
                                                  {pipe_[1], Interest::hangUpOnly}};
-    platform::waitForDescriptors(watched, -1);
+    EXPECT_EQ(0, platform::waitForDescriptors(watched, -1));
     EXPECT_FALSE(watched[0].isReady);
     EXPECT_TRUE(watched[1].isReady);
     EXPECT_FALSE(watched[2].isReady);

@@ -14,8 +14,7 @@
 #include "platform/confinement.h"
 #include "platform/folder_watch.h"
 #include "platform/home_folder.h"
-#include "platform/preferred_languages.h"
-#include "platform/time_of_day.h"
+#include "platform/locale.h"
 #include "platform/user_defaults.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -60,9 +60,8 @@ TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
 TEST(RunLoopTest, DelaysAndTimersComeInTheirOrder) {
     ORVPosixRunLoop loop;
     std::string order;
-    std::unique_ptr<ORVRepeatingTimer> timer;
     loop.post([&] {
-        timer = loop.makeRepeatingTimer(std::chrono::milliseconds(20), [&] {
+        loop.repeat(std::chrono::milliseconds(20), [&] {
             order += 't';
             if (order.size() >= 5) {
                 loop.stop(7);
@@ -105,15 +104,14 @@ TEST(LineSurfaceTest, ASlowReaderMissesLinesButNeverTheLatest) {
     });
     std::string received;
     const std::string end = "999" + std::string(20'000, '.') + "\n";
-    std::unique_ptr<ORVRepeatingTimer> reader =
-        loop.makeRepeatingTimer(std::chrono::milliseconds(1), [&] {
-            char bytes[65'536];
-            const ssize_t count = read(pipe.ends[0], bytes, sizeof bytes);
-            received.append(bytes, static_cast<std::size_t>(count));
-            if (received.ends_with(end)) {
-                loop.stop(0);
-            }
-        });
+    loop.repeat(std::chrono::milliseconds(1), [&] {
+        char bytes[65'536];
+        const ssize_t count = read(pipe.ends[0], bytes, sizeof bytes);
+        received.append(bytes, static_cast<std::size_t>(count));
+        if (received.ends_with(end)) {
+            loop.stop(0);
+        }
+    });
     loop.run();
     int previous = -1;
     int lines = 0;

@@ -17,11 +17,9 @@ public:
         delayed_.emplace(now_ + delay, std::move(closure));
     }
 
-    std::unique_ptr<ORVRepeatingTimer> makeRepeatingTimer(std::chrono::milliseconds interval,
-                                                          Closure closure) override {
+    void repeat(std::chrono::milliseconds interval, Closure closure) override {
         ++timersMade;
-        repeat(interval, closure);
-        return std::make_unique<ORVRepeatingTimer>();
+        fireAfter(interval, closure);
     }
 
     void runPosted() {
@@ -41,10 +39,10 @@ public:
     }
 
 private:
-    void repeat(std::chrono::milliseconds interval, const Closure& closure) {
+    void fireAfter(std::chrono::milliseconds interval, const Closure& closure) {
         postAfter(interval, [this, interval, closure] {
             closure();
-            repeat(interval, closure);
+            fireAfter(interval, closure);
         });
     }
 

@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "text/paths.h"
+#include "text/bytes.h"
 
 class MemoryFiles::OpenFile final : public ORVOpenFile {
 public:

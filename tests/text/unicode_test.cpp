@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "text/paths.h"
+#include "text/bytes.h"
 
 namespace {
 
@@ -27,6 +27,18 @@ TEST(UnicodeTest, InvalidBytesBecomeAsManyReplacementsAsADecoderShows) {
     }
     EXPECT_EQ("a b [31m c d", text::forTerminal("a\tb\x1b[31m\u009bc\x7f"
                                                 "d"));
+}
+
+TEST(UnicodeTest, Characters) {
+    const std::pair<std::string, char32_t> kCases[] = {
+        {"a", U'a'},        {"\u0080", 0x80},   {"\u07FF", 0x7FF},       {"\u0800", 0x800},
+        {"\uD7FF", 0xD7FF}, {"\uFFFF", 0xFFFF}, {"\U00010000", 0x10000}, {"\U0010FFFF", 0x10FFFF}};
+    for (const auto& [bytes, code] : kCases) {
+        const text::Character character = text::nextCharacter(bytes + "\x80");
+        EXPECT_EQ(code, character.code);
+        EXPECT_EQ(bytes.size(), character.bytes) << bytes;
+    }
+    EXPECT_EQ("a&lt;&gt;&amp;amp;&quot;&#39;é", text::escapedForMarkup("a<>&amp;\"'é"));
 }
 
 TEST(UnicodeTest, Lines) {

@@ -50,6 +50,10 @@ enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
 - (instancetype)initWithSuiteName:(NSString*)name;
 @end
 
+@interface NSTimer (StandIn)
+- (void)setTolerance:(NSTimeInterval)tolerance;
+@end
+
 /// Everything that the shell has asked of the system.
 inline struct ORVStandInRecord {
     std::vector<NSStatusItem*> statusItems;  ///< In the menu bar, which does not keep them alive.
@@ -57,5 +61,6 @@ inline struct ORVStandInRecord {
     int symbols = 0;                         ///< Images that are alive.
     NSActivityOptions activity = 0;          ///< The options of the activity; 0 for none.
     NSApplicationActivationPolicy activationPolicy = NSApplicationActivationPolicyRegular;
-    std::string suiteName;  ///< The name of the user defaults that were opened last.
+    NSTimeInterval tolerance = 0;  ///< Of the timer that was made last.
+    std::string suiteName;         ///< The name of the user defaults that were opened last.
 } ORVStandIn;

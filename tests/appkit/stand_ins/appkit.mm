@@ -54,6 +54,12 @@ COUNTED_SETTER(Font, NSFont*)
 
 @end
 
+@implementation NSTimer (StandIn)
+- (void)setTolerance:(NSTimeInterval)tolerance {
+    ORVStandIn.tolerance = tolerance;
+}
+@end
+
 @implementation NSStatusBar (StandIn)
 
 + (NSStatusBar*)systemStatusBar {

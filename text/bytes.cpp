@@ -1,13 +1,26 @@
-// Takes paths apart as bytes. std::filesystem would order and compare them by component.
-// Tests: tests/text/unicode_test.cpp.
-
-#include "text/paths.h"
-
-#include <algorithm>
+// Takes paths and names apart. Tests: tests/text/unicode_test.cpp,
+// tests/sessions/discovery_test.cpp, tests/focus/focus_test.cpp.
 
 #include "text/bytes.h"
 
+#include <algorithm>
+
 namespace text {
+namespace {
+
+bool isHexadecimal(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+}  // namespace
+
+bool isUUID(std::string_view text) {
+    constexpr std::string_view kForm = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    static_assert(kForm.size() == kUUIDLength);
+    return std::equal(text.begin(), text.end(), kForm.begin(), kForm.end(),
+                      [](char c, char form) { return form == '-' ? c == '-' : isHexadecimal(c); });
+}
+
 std::string_view lastPathComponent(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
 }

@@ -1,10 +1,13 @@
 // Reads the languages from the environment: from LANGUAGE, a list with colons, else from the locale
-// for messages. Tests: tests/platform/linux_test.cpp.
+// for messages. Writes the time by the language's pattern, since a bare machine lacks the C
+// library's locales. Tests: tests/platform/linux_test.cpp.
 
+#include "platform/locale.h"
+
+#include <array>
 #include <cstdlib>
+#include <ctime>
 #include <string_view>
-
-#include "platform/preferred_languages.h"
 
 namespace platform {
 namespace {
@@ -39,6 +42,19 @@ std::vector<std::string> preferredLanguages() {
         names.remove_prefix(colon == std::string_view::npos ? names.size() : colon + 1);
     }
     return languages;
+}
+
+std::string mediumTimeOfDay(ORVFileDate date, const ORVTimeFormat& format) {
+    tzset();  // The user may have changed the zone.
+    const std::time_t seconds = date.seconds;
+    std::tm time{};
+    if (!localtime_r(&seconds, &time)) {
+        time = std::tm{};  // The year does not fit into an int.
+    }
+    std::array<char, 64> text{};
+    const std::size_t length = std::strftime(text.data(), text.size(), format.pattern, &time);
+    const bool dropsZero = std::string_view(format.pattern).starts_with("%I") && text[0] == '0';
+    return std::string(text.data(), length).substr(dropsZero ? 1 : 0);
 }
 
 }  // namespace platform

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "platform/files.h"
 
@@ -16,6 +17,10 @@ struct ORVTimeFormat {
 };
 
 namespace platform {
+
+/// Returns the languages that the user prefers, the most preferred first, as tags such as
+/// "zh-Hans-CN".
+std::vector<std::string> preferredLanguages();
 
 /// Returns hours, minutes and seconds of the date in the user's time zone.
 std::string mediumTimeOfDay(ORVFileDate date, const ORVTimeFormat& format);
