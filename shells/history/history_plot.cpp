@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "text/timestamps.h"
+#include "text/unicode.h"
 
 namespace history {
 namespace {
@@ -193,9 +194,10 @@ Span spanOf(const std::vector<ORVHistoryEvent>& events, const char* pattern) {
 
 int roughColumns(std::string_view text) {
     int columns = 0;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        columns += byte >= 0xE0 ? 2 : (byte & 0xC0U) == 0x80 ? 0 : 1;
+    while (!text.empty()) {
+        const std::size_t bytes = text::nextCharacter(text).bytes;
+        columns += bytes > 2 ? 2 : 1;
+        text.remove_prefix(bytes);
     }
     return columns;
 }

@@ -59,25 +59,23 @@ std::string oneLine(const std::string& title) {
     return replaced(replaced(line, "\uFFFE", "\uFFFD"), "\uFFFF", "\uFFFD");
 }
 
-std::string escaped(const std::string& text) {
-    return replaced(replaced(replaced(text, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
-}
-
 /// Cuts a line to the width of the picture.
-std::string fitted(std::string text) {
+std::string fitted(const std::string& text) {
     constexpr int kColumns = 70;  // About 600 pixels of this font.
     constexpr std::size_t kMostBytes = 1000;
     if (text.size() <= kMostBytes && roughColumns(text) <= kColumns) {
         return text;
     }
-    text.resize(std::min(text.size(), kMostBytes));
-    do {
-        while (!text.empty() && (text.back() & 0xC0) == 0x80) {
-            text.pop_back();
+    std::size_t end = 0;
+    for (int columns = 0; end < text.size();) {
+        const auto next = text::nextCharacter(std::string_view(text).substr(end));
+        columns += roughColumns(std::string_view(text).substr(end, next.bytes));
+        if (columns >= kColumns || end + next.bytes > kMostBytes) {
+            break;
         }
-        text.pop_back();
-    } while (roughColumns(text) >= kColumns);
-    return text + "…";
+        end += next.bytes;
+    }
+    return text.substr(0, end) + "…";
 }
 
 /// Writes a text that may hold markup.
@@ -159,10 +157,10 @@ std::string svg(const std::vector<ORVHistoryEvent>& events, const std::string& t
                               : answers;
 
     constexpr int kTimes = kBottom + 22;
-    return std::string(kBegin) + "<title>" + escaped(name) + "</title>\n<desc>" + description +
-           "</desc>\n" + std::string(kStyle) +
-           textAt(kLeft, 26, "class=\"title\"", escaped(fitted(name))) + grid() + drawn(columns) +
-           textAt(kLeft, kTimes, "", span.first) +
+    return std::string(kBegin) + "<title>" + text::escapedForMarkup(name) + "</title>\n<desc>" +
+           description + "</desc>\n" + std::string(kStyle) +
+           textAt(kLeft, 26, "class=\"title\"", text::escapedForMarkup(fitted(name))) + grid() +
+           drawn(columns) + textAt(kLeft, kTimes, "", span.first) +
            textAt((kLeft + kRight) / 2, kTimes, "text-anchor=\"middle\"", counts) +
            textAt(kRight, kTimes, "text-anchor=\"end\"", span.last) + "</svg>\n";
 }

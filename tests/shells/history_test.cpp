@@ -65,8 +65,8 @@ bool isWellFormed(const std::string& xml) {
         const std::string name = tag.substr(0, tag.find(' '));
         const bool ends = name.starts_with('/');
         isGood = count(piece, ">") == 1 && count(tag, "\"") == 2 * count(tag, "=\"") &&
-                 count(piece, "&") ==
-                     count(piece, "&amp;") + count(piece, "&lt;") + count(piece, "&gt;") &&
+                 count(piece, "&") == count(piece, "&amp;") + count(piece, "&lt;") +
+                                          count(piece, "&gt;") + count(piece, "&quot;") &&
                  (!ends || (!open.empty() && "/" + open.back() == name));
         if (isGood && ends) {
             open.pop_back();
@@ -348,7 +348,7 @@ TEST(HistoryTest, ThePictureIsXMLWhateverTheTitle) {
     };
     const Case kCases[] = {
         {"Fix the tests", "Fix the tests"},
-        {"a<b> & \"c\" ]]>", "a&lt;b&gt; &amp; \"c\" ]]&gt;"},
+        {"a<b> & \"c\" ]]>", "a&lt;b&gt; &amp; &quot;c&quot; ]]&gt;"},
         {"</title><script>", "&lt;/title&gt;&lt;script&gt;"},
         {std::string("a\0b\x1b\n\x7f", 6) + "\u0085z", "a b    z"},
         {"\uFFFE \uFFFF\uFFFF \xED\xA0\x80", "\uFFFD \uFFFD\uFFFD \uFFFD\uFFFD\uFFFD"},
