@@ -180,5 +180,5 @@ private:
     bool manualRefreshPending_ = false;  ///< The user waits for the results of a refresh.
     bool refreshAgain_ = false;  ///< What is asked for changed while a refresh was under way.
     std::optional<std::string> manualRefreshFeedbackKey_;  ///< None while none is on display.
-    std::uint64_t manualRefreshFeedbackGeneration_ = 0;  ///< Counts what was put on display.
+    std::uint64_t manualRefreshFeedbackGeneration_ = 0;    ///< Counts what was put on display.
 };

@@ -25,17 +25,17 @@ struct ORVTaskWants {
     bool folder = false;            ///< Where it works.
     bool agent = false;             ///< What the agent says beside the usage: model, limits.
     bool shortID = false;           ///< The end of its identifier that no other task has.
-    bool advice = false;  ///< Whether there are session files, where no task is in view.
+    bool advice = false;            ///< Whether there are session files, where no task is in view.
     std::size_t eventsPerFile = 0;  ///< The longest history of a file; 0 for no history.
 };
 
 /// Which tasks a list shows.
 struct ORVListRequest {
-    std::size_t limit = 20;                     ///< The most heads of families; 0 for all.
+    std::size_t limit = 20;                          ///< The most heads of families; 0 for all.
     std::optional<std::chrono::seconds> since = {};  ///< Families that changed within this time.
     std::optional<std::string> folder = {};          ///< A real path: heads in, above or below it.
-    bool showsHelpers = false;                  ///< Each head is followed by its helpers.
-    bool countsHelpers = false;                 ///< Reads the first lines of all session files.
+    bool showsHelpers = false;                       ///< Each head is followed by its helpers.
+    bool countsHelpers = false;  ///< Reads the first lines of all session files.
     std::size_t readAtOnce = 0;  ///< The most tasks that one call reads; 0 for no limit.
 };
 

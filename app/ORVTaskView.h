@@ -48,7 +48,8 @@ struct ORVTaskView {
     std::optional<std::string> folder = {};
     std::optional<ORVAgentFacts> agent = {};
     std::string shortID = {};
-    std::shared_ptr<const ORVHistory> history = {};  ///< Null where there is none, or none was wanted.
+    std::shared_ptr<const ORVHistory> history =
+        {};  ///< Null where there is none, or none was wanted.
 
     // The place in its family.
     std::string threadID = {};   ///< Also where there is no snapshot.
@@ -56,7 +57,7 @@ struct ORVTaskView {
     bool isHelper = false;
     std::optional<std::string> parentID = {};    ///< Of a helper, as recorded.
     std::optional<std::string> helperName = {};  ///< The name that the agent gave it.
-    std::size_t helpers = 0;                ///< Of a head, where they were counted.
+    std::size_t helpers = 0;                     ///< Of a head, where they were counted.
     bool isRead = true;  ///< Whether the figures were looked for; a later view has them.
 
     /// Returns the usage that may be shown; null while there is none.

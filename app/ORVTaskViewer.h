@@ -73,8 +73,7 @@ private:
     // Lists (task_list.cpp)
     std::vector<ORVListedTask> listed(const ORVListRequest& request);
     void readTasks(std::vector<ORVTaskView>& views, const std::vector<ORVListedTask>& tasks,
-                   const std::vector<std::size_t>& places, Memory memory,
-                   const Progress& progress);
+                   const std::vector<std::size_t>& places, Memory memory, const Progress& progress);
     ORVTaskView viewOfListed(const ORVListedTask& listed);
     void placeInFamily(ORVTaskView& view, const ORVListedTask& listed);
 

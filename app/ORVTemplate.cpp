@@ -67,10 +67,8 @@ constexpr Name kNames[] = {
              return platform::mediumTimeOfDay(t.changedAt, v.timeFormat);
          }},
     {.name = "age",
-     .ofTask =
-         [](const View& t, const Values& v) {
-             return app::ageText(app::age(t.changedAt, v.now));
-         }},
+     .ofTask = [](const View& t,
+                  const Values& v) { return app::ageText(app::age(t.changedAt, v.now)); }},
     {.name = "id", .ofTask = [](const View& t, const Values&) { return t.snapshot->threadID(); }},
     {.name = "shortid",
      .ofTask = [](const View& t, const Values&) { return textOrUnknown(t.shortID); },
@@ -167,8 +165,8 @@ std::optional<ORVTemplate> ORVTemplate::parse(std::string_view text, std::string
             const bool hasWidth = colon != std::string_view::npos;
             const int columns = hasWidth ? widthIn(written.substr(colon + 1)) : 0;
             if (!findName(name) || (hasWidth && columns == 0)) {
-                *mistake = (findName(name) ? "the width in {" : "the name {") +
-                           std::string(written) + "}";
+                *mistake =
+                    (findName(name) ? "the width in {" : "the name {") + std::string(written) + "}";
                 return std::nullopt;
             }
             result.pieces_.push_back({plain});

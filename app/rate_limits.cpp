@@ -33,7 +33,8 @@ std::string windowText(const ORVRateLimit& limit) {
 std::string resetText(const ORVRateLimit& limit, ORVClock::TimePoint now) {
     constexpr std::int64_t kDay = 24 * 60 * 60;
     constexpr std::int64_t kLatest = std::int64_t{1} << 60U;
-    const std::int64_t wait = std::clamp<std::int64_t>(limit.resetsAt.value_or(0), 0, kLatest) - secondsOf(now);
+    const std::int64_t wait =
+        std::clamp<std::int64_t>(limit.resetsAt.value_or(0), 0, kLatest) - secondsOf(now);
     if (!limit.resetsAt || wait <= 0) {
         return "";
     }

@@ -45,8 +45,8 @@ void ORVAppDelegate::renderFocusState(const ORVCodexFocusState& focusState) {
 }
 
 void ORVAppDelegate::renderAbsence(ORVCodexFocusStatus status) {
-    statusItem_.title = text(
-        status == ORVCodexFocusStatusIncompatible ? "status_update_needed" : "status_loading");
+    statusItem_.title =
+        text(status == ORVCodexFocusStatusIncompatible ? "status_update_needed" : "status_loading");
     statusItem_.percentage.reset();
     titleItem_->title = text("task_unavailable");
     focusItem_->hidden = false;

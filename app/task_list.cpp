@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <new>
 #include <tuple>
 #include <utility>
@@ -36,7 +37,13 @@ std::vector<ORVListedTask> ORVTaskViewer::listed(const ORVListRequest& request) 
     if (request.since) {
         wanted.changedSince = before(clock_.now(), *request.since);
     }
-    return tasks_.heads(wanted);
+    std::vector<ORVListedTask> tasks;
+    for (ORVListedTask& head : tasks_.heads(wanted)) {
+        std::vector<ORVListedTask> helpers = std::move(head.helperTasks);
+        tasks.push_back(std::move(head));
+        std::move(helpers.begin(), helpers.end(), std::back_inserter(tasks));
+    }
+    return tasks;
 }
 
 ORVTaskListView ORVTaskViewer::list(const ORVListRequest& request, Memory memory,

@@ -61,9 +61,8 @@ std::optional<std::chrono::seconds> timeSpan(std::string_view text) {
         {'h', std::chrono::hours(1)},
         {'d', std::chrono::days(1)},
         {'w', std::chrono::weeks(1)}};
-    const auto* unit = std::find_if(std::begin(kUnits), std::end(kUnits), [&](const auto& each) {
-        return text.ends_with(each.first);
-    });
+    const auto* unit = std::find_if(std::begin(kUnits), std::end(kUnits),
+                                    [&](const auto& each) { return text.ends_with(each.first); });
     if (unit == std::end(kUnits) || !isNumber(text.substr(0, text.size() - 1))) {
         return std::nullopt;
     }
@@ -186,9 +185,7 @@ private:
         }
     }
 
-    static std::string quoted(const std::string& value) {
-        return value.empty() ? "''" : value;
-    }
+    static std::string quoted(const std::string& value) { return value.empty() ? "''" : value; }
 
     void setFormat(Format format) {
         if (result_.format != Format::text && result_.format != format) {
@@ -293,9 +290,9 @@ private:
             return fail(name + " needs " + std::string(command_->operands.name));
         }
         if (given > command_->operands.most) {
-            return fail(name + (command_->operands.most == 0 ? " takes no " : " takes only one ") +
-                        "argument: " +
-                        quoted(operands[static_cast<std::size_t>(command_->operands.most)]));
+            return fail(
+                name + (command_->operands.most == 0 ? " takes no " : " takes only one ") +
+                "argument: " + quoted(operands[static_cast<std::size_t>(command_->operands.most)]));
         }
         if (command_->call == Call::help && !operands.empty()) {
             result_.helpTopic = operands[0];

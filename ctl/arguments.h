@@ -54,8 +54,8 @@ struct Mistake {
     std::string command;  ///< The command that the line seems to be about, or "".
 };
 
-/// `isOnTerminal` tells whether a person sees the output and can type: then a line without a command
-/// means `top`.
+/// `isOnTerminal` tells whether a person sees the output and can type: then a line without a
+/// command means `top`.
 std::variant<Arguments, Mistake> parseArguments(int count, char** arguments, bool isOnTerminal);
 
 }  // namespace ctl

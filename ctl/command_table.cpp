@@ -31,7 +31,10 @@ constexpr Option kOptions[] = {
 };
 
 constexpr Command kCommands[] = {
-    {"watch", Call::watch, kNone, {json, format, waybar, latest, task, here, folder},
+    {"watch",
+     Call::watch,
+     kNone,
+     {json, format, waybar, latest, task, here, folder},
      "the status item and its menu, live",
      "Follows the task that the Codex desktop application has in view. Without that\n"
      "application, choose the task with --latest, --task ID or --here. On a terminal\n"
@@ -46,31 +49,49 @@ constexpr Command kCommands[] = {
      "  brimletctl watch --latest\n"
      "  brimletctl watch --here --format '{percent}% {bar}'\n"
      "  brimletctl watch --latest --waybar\n"},
-    {"top", Call::top, kNone, {json, limit, since, here, folder, helpers},
+    {"top",
+     Call::top,
+     kNone,
+     {json, limit, since, here, folder, helpers},
      "all tasks, live, with a history beside them",
      "Shows the tasks on the whole screen and the history of the selected one; Enter\n"
      "opens its menu, ? lists the keys, and q quits. With --json, and elsewhere than\n"
      "on a terminal, it writes the object of tasks --json whenever it has changed.\n"
      "\n"
      "  brimletctl top --since 7d\n"},
-    {"latest", Call::latest, kNone, {json, format}, "the newest task",
+    {"latest",
+     Call::latest,
+     kNone,
+     {json, format},
+     "the newest task",
      "Shows compactions, context usage and title of the task that changed last. What\n"
      "its helpers do counts as a change of the task that they work for.\n"
      "\n"
      "  brimletctl latest\n"
      "  brimletctl latest --format '{used} of {window} tokens, {left} left'\n"},
-    {"task", Call::task, {1, 1, "ID"}, {json, format}, "the task with this identifier",
+    {"task",
+     Call::task,
+     {1, 1, "ID"},
+     {json, format},
+     "the task with this identifier",
      "A part of an identifier will do where only one task has it.\n"
      "\n"
      "  brimletctl task 7b63d181\n"
      "  brimletctl task 01a20e72-983b-7e83-81c7-e87b7b63d181 --json\n"},
-    {"here", Call::here, kNone, {json, format, folder}, "the newest task of this folder",
+    {"here",
+     Call::here,
+     kNone,
+     {json, format, folder},
+     "the newest task of this folder",
      "Looks for tasks that work in this folder or in one that holds it. Of several,\n"
      "it shows the one with the deepest folder, and among equals the newest.\n"
      "\n"
      "  brimletctl here\n"
      "  brimletctl here --folder ~/projects/site --format '{status}'\n"},
-    {"tasks", Call::tasks, kNone, {json, format, limit, since, here, folder, helpers},
+    {"tasks",
+     Call::tasks,
+     kNone,
+     {json, format, limit, since, here, folder, helpers},
      "the newest tasks with their figures",
      "On a terminal it shows a table that fits the width. Elsewhere it writes one task\n"
      "a line: status, time of the last change, folder, title, thread identifier and,\n"
@@ -79,7 +100,10 @@ constexpr Command kCommands[] = {
      "\n"
      "  brimletctl tasks --since 7d\n"
      "  brimletctl tasks --limit 0 --json\n"},
-    {"history", Call::history, {0, 1, "[ID]"}, {json, svg, latest, task, here, folder, since},
+    {"history",
+     Call::history,
+     {0, 1, "[ID]"},
+     {json, svg, latest, task, here, folder, since},
      "how a task's context filled up, drawn",
      "Draws the history of the newest task, or of the one with this identifier, marks\n"
      "compactions, and lists them below. Times are in the local time zone, in JSON as\n"
@@ -88,17 +112,37 @@ constexpr Command kCommands[] = {
      "  brimletctl history\n"
      "  brimletctl history --here --since 2d\n"
      "  brimletctl history --svg >history.svg\n"},
-    {"limits", Call::limits, kNone, {json}, "rate limits, and when they reset",
+    {"limits",
+     Call::limits,
+     kNone,
+     {json},
+     "rate limits, and when they reset",
      "Shows how much of the account's rate limits is used, as the newest session files\n"
      "tell it, and how old these figures are.\n"},
-    {"focus", Call::focus, kNone, {json}, "which task is in view, or why none is",
+    {"focus",
+     Call::focus,
+     kNone,
+     {json},
+     "which task is in view, or why none is",
      "Reads the logs of the Codex desktop application.\n"},
-    {"titles", Call::titles, kNone, {json}, "all titles: thread identifier, tab, title",
+    {"titles",
+     Call::titles,
+     kNone,
+     {json},
+     "all titles: thread identifier, tab, title",
      "Writes one title a line, sorted by identifier.\n"},
-    {"doctor", Call::doctor, kNone, {json}, "what is read, and why nothing is shown",
+    {"doctor",
+     Call::doctor,
+     kNone,
+     {json},
+     "what is read, and why nothing is shown",
      "Shows every place that is read, what was found there, and what watch would show.\n"
      "The status is 0 when a task can be shown, else 1.\n"},
-    {"query", Call::query, kNone, {}, "answers queries from standard input with JSON",
+    {"query",
+     Call::query,
+     kNone,
+     {},
+     "answers queries from standard input with JSON",
      "Reads one query a line: focus, latest, task ID, titles or refresh. Each is\n"
      "answered with a line of JSON before the next is read. Files that were read\n"
      "before are only read on. It knows files alone, and no families of tasks.\n"

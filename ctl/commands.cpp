@@ -93,9 +93,9 @@ int showFocus(Invocation& invocation) {
     const ORVCodexFocusState focusState =
         invocation.viewer.focus().currentFocusStateWithError(&error);
     const bool isJSON = invocation.arguments.format == Format::json;
-    return finish((isJSON ? json::focusAnswer(focusState, error) : lines::focusText(focusState)) +
-                      '\n',
-                  kAnswered);
+    return finish(
+        (isJSON ? json::focusAnswer(focusState, error) : lines::focusText(focusState)) + '\n',
+        kAnswered);
 }
 
 int showTitles(Invocation& invocation) {

@@ -7,10 +7,10 @@
 
 #include "app/ORVTaskViewer.h"
 #include "ctl/arguments.h"
+#include "l10n/languages.h"
 #include "platform/clock.h"
 #include "platform/confinement.h"
 #include "platform/files.h"
-#include "l10n/languages.h"
 
 /// The commands of brimletctl. Each returns the program's exit status.
 namespace ctl {

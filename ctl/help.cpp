@@ -68,8 +68,7 @@ std::string helpOn(const Command& command) {
     }
     text += "\nOptions:\n";
     for (const Option& option : options()) {
-        const bool isTaken =
-            command.options.holds(option.id) || kCommonOptions.holds(option.id);
+        const bool isTaken = command.options.holds(option.id) || kCommonOptions.holds(option.id);
         text += isTaken ? describedOption(option) : "";
     }
     if (command.options.holds(OptionID::format)) {

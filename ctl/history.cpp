@@ -20,8 +20,8 @@ namespace {
 
 /// Draws the plot with the ledger below it: on a terminal as much as has room, elsewhere all of the
 /// ledger.
-std::string drawn(const Invocation& invocation, const ORVTaskView& view,
-                  const ORVHistory& history, const std::vector<app::Compaction>& compactions) {
+std::string drawn(const Invocation& invocation, const ORVTaskView& view, const ORVHistory& history,
+                  const std::vector<app::Compaction>& compactions) {
     constexpr int kMostRows = 16;
     constexpr int kOtherRows = 3;  // The head, the prompt before it, and the prompt after it.
     const bool isTerminal = isatty(STDOUT_FILENO) != 0;

@@ -93,8 +93,8 @@ void note(std::string_view text) {
 void explainMistake(const Mistake& mistake) {
     complain(mistake.text);
     const bool isAboutCommand = !mistake.command.empty() && mistake.command != "help";
-    writeAll(STDERR_FILENO, "Try: brimletctl help" +
-                                (isAboutCommand ? " " + mistake.command : "") + '\n');
+    writeAll(STDERR_FILENO,
+             "Try: brimletctl help" + (isAboutCommand ? " " + mistake.command : "") + '\n');
 }
 
 }  // namespace ctl

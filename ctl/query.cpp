@@ -45,11 +45,10 @@ std::string answer(ORVTaskViewer& viewer, const std::string& query) {
     }
     if (query == "refresh") {
         const ORVTaskView view = viewer.view({});
-        return view.focusState
-                   ? text::objectJSON({{"focus", json::focus(*view.focusState)},
-                                       {"snapshot", json::snapshot(view.snapshot)},
-                                       {"error", json::error(view.error)}})
-                   : json::errorAnswer(*view.error);
+        return view.focusState ? text::objectJSON({{"focus", json::focus(*view.focusState)},
+                                                   {"snapshot", json::snapshot(view.snapshot)},
+                                                   {"error", json::error(view.error)}})
+                               : json::errorAnswer(*view.error);
     }
     return unknownQuery();
 }

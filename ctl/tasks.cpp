@@ -59,8 +59,7 @@ private:
 
     const bool isWanted_;
     bool isShown_ = false;
-    std::chrono::steady_clock::time_point next_ =
-        std::chrono::steady_clock::now() + kPatience;
+    std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + kPatience;
 };
 
 std::string tableOf(const Invocation& invocation, const ORVTaskListView& list) {

@@ -1,5 +1,5 @@
-// Runs the application: `watch` with the menu on a terminal, else with lines of text, JSON, Waybar's
-// JSON or the user's template; `top` with a table on the whole terminal, else with JSON.
+// Runs the application: `watch` with the menu on a terminal, else with lines of text, JSON,
+// Waybar's JSON or the user's template; `top` with a table on the whole terminal, else with JSON.
 // Tests: tests/ctl/brimletctl_test.cpp, tests/shells/terminal_test.cpp.
 
 #include <signal.h>
@@ -81,15 +81,12 @@ bool isOnTerminal(const Arguments& arguments) {
 }
 
 int runAsLines(ORVPosixApplication& application, std::function<std::string()> line) {
-    ORVLineSurface surface(application.runLoop(), STDOUT_FILENO, std::move(line),
-                           [&](int failure) {
-                               if (failure != 0) {
-                                   complain("cannot write the output: " +
-                                            platform::posixError(failure).description);
-                               }
-                               application.runLoop().stop(failure == 0 ? kAnswered
-                                                                       : kNothingToShow);
-                           });
+    ORVLineSurface surface(application.runLoop(), STDOUT_FILENO, std::move(line), [&](int failure) {
+        if (failure != 0) {
+            complain("cannot write the output: " + platform::posixError(failure).description);
+        }
+        application.runLoop().stop(failure == 0 ? kAnswered : kNothingToShow);
+    });
     return application.run(surface);
 }
 

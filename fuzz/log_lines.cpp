@@ -13,9 +13,11 @@ namespace {
 /// times.
 std::string meaning(const std::vector<std::string>& lines, int times, const std::string& ending) {
     MemoryFiles disk;
-    disk.write("/h/Library/Logs/com.openai.codex/empty.log", "");  // Without any log there would be no answer.
+    disk.write("/h/Library/Logs/com.openai.codex/empty.log",
+               "");  // Without any log there would be no answer.
     const ManualClock clock;
-    ORVCodexFocusLogSource source(disk, clock, "/h/Library/Logs/com.openai.codex", "/Applications/Codex.app/Contents/Info.plist");
+    ORVCodexFocusLogSource source(disk, clock, "/h/Library/Logs/com.openai.codex",
+                                  "/Applications/Codex.app/Contents/Info.plist");
     ORVFocusLogFileState file;
     for (const std::string& line : lines) {
         for (int i = 0; i < times; ++i) {

@@ -14,7 +14,8 @@ namespace {
 
 using Fault = MemoryFiles::Fault;
 
-constexpr const char* kLogs[] = {"/h/Library/Logs/com.openai.codex/main.log", "/h/Library/Logs/com.openai.codex/a/main.log"};
+constexpr const char* kLogs[] = {"/h/Library/Logs/com.openai.codex/main.log",
+                                 "/h/Library/Logs/com.openai.codex/a/main.log"};
 // clang-format off
 const std::string kFiles[] = {
     kLogs[0], kLogs[0], kLogs[1], "/codex/sessions/notes.jsonl",
@@ -155,9 +156,10 @@ private:
             return;
         }
         const bool isLog = path_.starts_with("/h/Library/Logs/com.openai.codex");
-        const std::string path = (isLog ? "/h/Library/Logs/com.openai.codex/" : "/codex/sessions/3/") +
-                                 std::to_string(++lines_) +
-                                 (isLog ? ".log" : std::string("-") + records::kTask + ".jsonl");
+        const std::string path =
+            (isLog ? "/h/Library/Logs/com.openai.codex/" : "/codex/sessions/3/") +
+            std::to_string(++lines_) +
+            (isLog ? ".log" : std::string("-") + records::kTask + ".jsonl");
         unwritten_.erase(path_);
         disk_.rename(path_, path);
         path_ = path;

@@ -12,7 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     disk.bytesPerRead = 1 + size % 97;
     for (int looks = 0; looks < 32 && !bytes.empty(); ++looks) {
         const std::size_t length = looks == 31 ? bytes.size() : bytes.find('\0');
-        for (const char* path : {"/codex/sessions/notes.jsonl", "/h/Library/Logs/com.openai.codex/main.log"}) {
+        for (const char* path :
+             {"/codex/sessions/notes.jsonl", "/h/Library/Logs/com.openai.codex/main.log"}) {
             disk.append(path, bytes.substr(0, length));
         }
         (void)follower.answers();

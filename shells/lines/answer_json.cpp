@@ -186,11 +186,10 @@ std::string historyAnswer(const ORVTaskView& view, const ORVHistory& history,
     const auto ofSnapshot = [&](const std::string& text) {
         return view.snapshot ? text::quotedJSON(text) : "null";
     };
-    Fields fields = {
-        {"threadID", ofSnapshot(view.snapshot ? view.snapshot->threadID() : "")},
-        {"title", ofSnapshot(view.snapshot ? view.snapshot->title() : "")},
-        {"points", array(history, historyPoint)},
-        {"compactions", array(compactions, compaction)}};
+    Fields fields = {{"threadID", ofSnapshot(view.snapshot ? view.snapshot->threadID() : "")},
+                     {"title", ofSnapshot(view.snapshot ? view.snapshot->title() : "")},
+                     {"points", array(history, historyPoint)},
+                     {"compactions", array(compactions, compaction)}};
     if (view.absence == ORVAbsence::severalTasks) {
         fields.emplace_back("error", error(view.error));
     }

@@ -92,7 +92,8 @@ void ORVTerminal::draw(std::vector<terminal::Row> rows) {
             clrtoeol();
         }
     }
-    terminal::whileWriting([] { refresh(); });  // Sends the difference to what stands on the terminal.
+    terminal::whileWriting(
+        [] { refresh(); });  // Sends the difference to what stands on the terminal.
     drawn_ = std::move(rows);
 }
 

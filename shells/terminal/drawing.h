@@ -33,8 +33,8 @@ int widestOf(const std::vector<Line>& lines);
 std::vector<Row> framed(const std::vector<Line>& lines, int inner, bool hasRules,
                         const Screen& screen);
 
-/// Draws a task's history in this many rows. There are none when there is no history, or no room for
-/// one that says anything.
+/// Draws a task's history in this many rows. There are none when there is no history, or no room
+/// for one that says anything.
 std::vector<Row> plotRows(const ORVHistory& history, int rows, const Screen& screen);
 
 /// Returns a row for each of the newest compactions, at most this many, the newest last.

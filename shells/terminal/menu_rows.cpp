@@ -125,9 +125,8 @@ std::vector<MenuLine> linesAboutKeys(const ORVMenu& menu, const MenuView& view,
 void leaveOut(std::vector<MenuLine>& lines, int room) {
     while (static_cast<int>(lines.size()) > room) {
         const auto least =
-            std::min_element(lines.rbegin(), lines.rend(), [](const MenuLine& a, const MenuLine& b) {
-                return a.need < b.need;
-            });
+            std::min_element(lines.rbegin(), lines.rend(),
+                             [](const MenuLine& a, const MenuLine& b) { return a.need < b.need; });
         lines.erase(std::next(least).base());
     }
 }

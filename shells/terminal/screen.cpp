@@ -65,22 +65,10 @@ std::string unicodeText(std::string_view text) {
 /// Writes the characters of the program's own English texts in ASCII, and "?" for every other one.
 std::string asciiText(std::string_view text) {
     static constexpr std::pair<std::string_view, std::string_view> kStandIns[] = {
-        {"·", "-"},
-        {"–", "-"},
-        {"—", "-"},
-        {"…", "..."},
-        {"✓", "*"},
-        {"█", "#"},
-        {"░", "."},
-        {"\u202F", " "},
-        {"↑", "^"},
-        {"↓", "v"},
-        {"→", ">"},
-        {"←", "<"},
-        {"▲", "^"},
-        {"▼", "v"},
-        {"•", "*"},
-        {"简体中文", "Simplified Chinese"}};
+        {"·", "-"}, {"–", "-"}, {"—", "-"}, {"…", "..."},
+        {"✓", "*"}, {"█", "#"}, {"░", "."}, {"\u202F", " "},
+        {"↑", "^"}, {"↓", "v"}, {"→", ">"}, {"←", "<"},
+        {"▲", "^"}, {"▼", "v"}, {"•", "*"}, {"简体中文", "Simplified Chinese"}};
     std::string result;
     while (!text.empty()) {
         const Character next = nextCharacter(text);

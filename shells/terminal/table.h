@@ -17,7 +17,7 @@ Row taskRow(const ORVTaskView& view);
 struct TableLook {
     const ORVWords& words;
     ORVClock::TimePoint now;
-    bool hasMarks = false;                ///< Whether tasks that changed a moment ago are marked.
+    bool hasMarks = false;  ///< Whether tasks that changed a moment ago are marked.
     std::optional<std::size_t> selected = {};  ///< The place of the selected task.
 };
 

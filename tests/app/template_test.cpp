@@ -29,7 +29,8 @@ std::string filled(const std::string& text, const ORVSessionSnapshot* snapshot) 
         view.changedAt = snapshot->lastUpdated();
         view.folder = "/w\x1b";
         view.shortID = "b7";
-        view.agent = ORVAgentFacts{"gpt", std::nullopt, 55, 1'234, {{300, 42.5, 2'000}, {10'080, 7, 1'000}}};
+        view.agent =
+            ORVAgentFacts{"gpt", std::nullopt, 55, 1'234, {{300, 42.5, 2'000}, {10'080, 7, 1'000}}};
     }
     ORVTemplateValues values;
     values.status = "C3 · 47%";
@@ -47,14 +48,17 @@ TEST(TemplateTest, NamesStandForValues) {
         "|"
         "{folder}|{file}|{shortid}|{model}|{effort}|{agentleft}|{total}|{limits}";
     const auto known = snapshotWith(93, ORVContextStatusAvailable, ORVCompactionStatusValid);
-    EXPECT_EQ("C3 · 47%|a b|46|3|93|200|107|█████░░░░░|00:16:40|1m|id|/w |/f.jsonl|b7|gpt|--|55|1234|5h 42% · 7d 0%",
-              filled(all, &known));
+    EXPECT_EQ(
+        "C3 · 47%|a b|46|3|93|200|107|█████░░░░░|00:16:40|1m|id|/w |/f.jsonl|b7|gpt|--|55|1234|5h "
+        "42% · 7d 0%",
+        filled(all, &known));
     const auto over = snapshotWith(500, ORVContextStatusAvailable, ORVCompactionStatusIncompatible);
     EXPECT_EQ("250 -- 0 ██████████", filled("{percent} {compactions} {left} {bar}", &over));
     const auto waiting = snapshotWith(93, ORVContextStatusWaiting, ORVCompactionStatusValid);
     EXPECT_EQ("-- -- -- -- -- 3",
               filled("{percent} {used} {window} {left} {bar} {compactions}", &waiting));
-    EXPECT_EQ("C3 · 47%|--|--|--|--|--|--|--|--|--|--|--|--|--|--|--|--|--|--", filled(all, nullptr));
+    EXPECT_EQ("C3 · 47%|--|--|--|--|--|--|--|--|--|--|--|--|--|--|--|--|--|--",
+              filled(all, nullptr));
 }
 
 TEST(TemplateTest, BracesAndMistakes) {

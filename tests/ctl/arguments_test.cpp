@@ -50,8 +50,7 @@ TEST(ArgumentsTest, CommandsWithTheirOptions) {
     EXPECT_EQ(ORVShownTask::Choice::inFolder, understood("history --here").task.choice);
     EXPECT_EQ(ctl::Format::svg, understood("history x --svg").format);
     EXPECT_EQ("x", understood("watch --task x --waybar").task.value);
-    EXPECT_EQ(ORVShownTask::Choice::inFolder,
-              understood("watch --here --folder /x").task.choice);
+    EXPECT_EQ(ORVShownTask::Choice::inFolder, understood("watch --here --folder /x").task.choice);
     EXPECT_EQ("/x", understood("here --folder=/x").folder);
     EXPECT_EQ(0U, understood("tasks --limit 0").list.limit);
     EXPECT_TRUE(understood("tasks --here --helpers").list.showsHelpers);
@@ -90,7 +89,8 @@ TEST(ArgumentsTest, AMistakeIsNamedWithWhatIsNear) {
         {"watch --folder x", "--folder goes with --here [watch]"},
         {"watch --task ''", "--task needs an identifier, or a part of one [watch]"},
         {"task ''", "task needs an identifier, or a part of one [task]"},
-        {"history x --latest", "only one of --latest, --task and --here can be given at once [history]"},
+        {"history x --latest",
+         "only one of --latest, --task and --here can be given at once [history]"},
         {"tasks --limit -1", "--limit needs a number, not -1 [tasks]"},
         {"tasks --limit 99999999999", "--limit needs a number, not 99999999999 [tasks]"},
         {"tasks --since 5y", "--since needs a time such as 90s, 30m, 2h, 7d or 2w, not 5y [tasks]"},

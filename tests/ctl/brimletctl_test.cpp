@@ -71,7 +71,8 @@ TEST_F(BrimletctlTest, AnswersAsJSON) {
             "\n",
         run("$b latest --json").output);
     home.makeFolder(".codex/sessions");
-    EXPECT_EQ("{\"snapshot\":null,\"error\":null,\"agent\":null}\n", run("$b latest --json 2>/dev/null").output);
+    EXPECT_EQ("{\"snapshot\":null,\"error\":null,\"agent\":null}\n",
+              run("$b latest --json 2>/dev/null").output);
     EXPECT_EQ(1, run("$b latest --json").status);
     makeTask();
     EXPECT_EQ(
@@ -174,7 +175,9 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
     EXPECT_EQ(kSecond, run("$b tasks --limit 1").output);
     EXPECT_EQ("", run("$b tasks --since 1h").output);
     EXPECT_EQ("10 27200\n47 128000\n", run("$b tasks --format '{percent} {used}'").output);
-    EXPECT_EQ(0, run("$b tasks --json | grep -q '\"folder\":null,\"agent\":{.*},\"parent\":null,\"helpers\":0,'").status);
+    EXPECT_EQ(0, run("$b tasks --json | grep -q "
+                     "'\"folder\":null,\"agent\":{.*},\"parent\":null,\"helpers\":0,'")
+                     .status);
     home.makeFolder("work\t/site/deep");
     EXPECT_EQ("C0 · 10%  Codex\n", run("cd work*/site/deep && $b here").output);
     EXPECT_EQ("C0 · 10%  Codex\n", run("$b here --folder work*/site").output);
@@ -318,7 +321,10 @@ TEST_F(BrimletctlTest, MemoryThatRunsOutIsAnAnswer) {
     const std::string limit = "ulimit -v 60000; ";
     const Outcome outcome = run(limit + "$b latest");
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("brimletctl: cannot read the session file: Cannot allocate memory; try: brimletctl doctor\n", outcome.output);
+    EXPECT_EQ(
+        "brimletctl: cannot read the session file: Cannot allocate memory; try: brimletctl "
+        "doctor\n",
+        outcome.output);
     const Outcome answers = run(limit + "printf 'latest\ntask " + std::string(kTask) +
                                 "\nlatest\n' | $b query | cut -c 1-57");
     EXPECT_EQ(R"({"snapshot":null,"error":{"domain":"posix","code":12,"des)"

@@ -42,7 +42,8 @@ bashOffers() { # EXPECTED WORD...
 bashOffers 'task tasks' ta
 bashOffers history --color never hi
 bashOffers history help hi
-bashOffers '--json --format --limit --since --codex-home --color --help --version' tasks ''
+bashOffers '--json --format --here --folder --limit --since --helpers --codex-home --color --help --version' \
+    tasks ''
 bashOffers '' history '--[js]*' # A word must not be taken for a pattern.
 bashOffers "$task" task ''
 bashOffers "$task" history 01

@@ -41,7 +41,8 @@ std::string describedHistory(const ORVHistory& history) {
 }
 
 TEST_F(HistoriesTest, AHistoryTellsEveryUsageAndEachCompactionOnce) {
-    ORVCodexSessionSource recording(disk, clock, "/codex", {.eventsPerFile = std::numeric_limits<std::size_t>::max()});
+    ORVCodexSessionSource recording(disk, clock, "/codex",
+                                    {.eventsPerFile = std::numeric_limits<std::size_t>::max()});
     const auto title = [&] {
         return app::statusTitle(*recording.snapshotForThreadID(kTask, nullptr)).text();
     };

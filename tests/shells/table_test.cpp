@@ -12,9 +12,9 @@ constexpr ORVClock::TimePoint kNow{std::chrono::seconds(1'000'000)};
 ORVTaskView task(const std::string& title, std::int64_t tokens, const std::string& shortID) {
     ORVTaskView view;
     view.changedAt = {1'000'000 - tokens, 0};
-    view.snapshot = ORVSessionSnapshot(title, "id", "/f", 3, ORVContextUsage(tokens, 100),
-                                       ORVContextStatusAvailable, ORVCompactionStatusValid,
-                                       view.changedAt);
+    view.snapshot =
+        ORVSessionSnapshot(title, "id", "/f", 3, ORVContextUsage(tokens, 100),
+                           ORVContextStatusAvailable, ORVCompactionStatusValid, view.changedAt);
     view.shortID = shortID;
     view.folder = "/code/site";
     view.agent = ORVAgentFacts{"gpt-5", {}, {}, {}, {}};
@@ -49,8 +49,8 @@ TEST_F(TableTest, EveryColumnWhereThereIsRoom) {
     EXPECT_EQ(
         "ID        STATUS                AGE  FOLDER  MODEL  HELPERS  TITLE\n"
         "7b63d181  C3 · 47%  █████░░░░░  47s  site    gpt-5  2        Fix the tests\n"
-        "a1        C3 · 96%  ██████████  1m   site    gpt-5             Euler  重构刷新周期…\n",
-        shown(82));
+        "a1        C3 · 96%  ██████████  1m   site    gpt-5             Euler  重构刷新周期并…\n",
+        shown(85));
 }
 
 TEST_F(TableTest, NarrowScreensKeepStatusAndTitleLongest) {
@@ -74,8 +74,8 @@ TEST_F(TableTest, NarrowScreensKeepStatusAndTitleLongest) {
 TEST_F(TableTest, ColoursSelectionAndMarks) {
     const terminal::Screen screen{60, 24, true};
     const auto rows = terminal::table(
-        tasks, 0, 9,
-        {.words = l10n::kEnglishWords, .now = kNow, .hasMarks = true, .selected = 1}, screen);
+        tasks, 0, 9, {.words = l10n::kEnglishWords, .now = kNow, .hasMarks = true, .selected = 1},
+        screen);
     EXPECT_EQ("  ", rows[1].front().text) << "47 seconds are long ago";
     tasks[0].changedAt = {999'990, 0};
     EXPECT_EQ("• ", terminal::table(tasks, 0, 9,

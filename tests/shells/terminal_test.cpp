@@ -11,8 +11,8 @@
 
 namespace {
 
-using records::kTask;
 using app::Fullness;
+using records::kTask;
 
 constexpr int kWidths[] = {20, 40, 80, 200};
 
