@@ -344,6 +344,12 @@ TEST_F(BrimletctlTest, MemoryThatRunsOutIsAnAnswer) {
     home.truncate(large, 1'000'000'000);
     home.append(large, "\n" + records::tokenCount("136000"));
     EXPECT_EQ("C0 · 50%  Codex\n", run("ulimit -v 300000; $b latest").output);
+    const std::string log = "Library/Logs/com.openai.codex/main.log";
+    home.write(log, "");
+    home.truncate(log, 1'000'000'000);
+    home.append(log, "\n" + records::log("1 activity TASK"));
+    EXPECT_EQ("Task in view: " + std::string(kTask) + "\n",
+              run("ulimit -v 300000; $b focus").output);
 }
 
 TEST_F(BrimletctlTest, TellsThatNothingIsLeftToRunWith) {

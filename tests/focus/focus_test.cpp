@@ -166,6 +166,30 @@ TEST_F(FocusTest, FilesAreFollowed) {
     EXPECT_EQ(kInOther, focus()) << "nor does it end with the last of them";
 }
 
+TEST_F(FocusTest, LinesAreReadUpToAGreatLength) {
+    constexpr std::size_t kLongest = 64 * 1024 * 1024;
+    const std::string line = log("1 activity TASK");
+    for (const std::size_t length : {kLongest, kLongest + 1}) {
+        const std::string padding(length - line.size() + 1, ' ');
+        disk.replace("/logs/main.log", line.substr(0, line.size() - 1) + padding + "\n");
+        ORVCodexFocusLogSource fresh(disk, clock, "/logs", "/Info.plist");
+        EXPECT_EQ(length == kLongest ? kInTask : "3",
+                  described(fresh.currentFocusStateWithError(nullptr)));
+    }
+    disk.append("/logs/main.log", log("2 activity OTHER"));
+    EXPECT_EQ(kInOther, focus());
+
+    disk.tellsHoles = true;
+    disk.replace("/logs/main.log", std::string(1'000'000, '\0') + log("3 activity TASK"));
+    ORVCodexFocusLogSource fresh(disk, clock, "/logs", "/Info.plist");
+    EXPECT_EQ(kInTask, described(fresh.currentFocusStateWithError(nullptr)))
+        << "a line with a hole is text";
+    disk.replace("/logs/main.log", std::string(kLongest + 1, '\0') + log("4 activity TASK"));
+    const int calls = disk.calls;
+    EXPECT_EQ(kInOther, focus());
+    EXPECT_GT(calls + 20, disk.calls) << "a hole that makes a line too long is skipped";
+}
+
 TEST_F(FocusTest, ErrorsAreToldBesideTheState) {
     bool wasUntouched = false;
     for (int call = 1; !wasUntouched; ++call) {

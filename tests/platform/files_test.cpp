@@ -94,6 +94,22 @@ TEST_F(FilesTest, AttributesAreThoseOfTheItem) {
     EXPECT_EQ(ENOENT, error->code);
 }
 
+TEST_F(FilesTest, HolesAreTold) {
+    constexpr std::uint64_t kHole = 10'000'000;
+    home.write("file", "x");
+    home.truncate("file", kHole);
+    home.append("file", "x");
+    home.truncate("file", 2 * kHole);
+    const auto file = files->openForReading(home.path("file"), nullptr);
+    EXPECT_EQ(0U, file->nextData(0));
+    EXPECT_EQ(kHole, file->nextData(kHole));
+    // A file system need not have holes.
+    EXPECT_LE(file->nextData(kHole / 2), kHole);
+    EXPECT_GE(file->nextData(kHole / 2), kHole / 2);
+    const std::uint64_t rest = file->nextData(kHole + kHole / 2);
+    EXPECT_TRUE(rest == kHole + kHole / 2 || rest == UINT64_MAX) << rest;
+}
+
 TEST_F(FilesTest, ReadingNeverWaits) {
     home.append("file", "0123456789");
     home.makeFIFO("fifo");

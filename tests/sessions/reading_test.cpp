@@ -1,3 +1,5 @@
+#include <random>
+
 #include "tests/sessions/SessionSourceTest.h"
 
 namespace {
@@ -67,6 +69,70 @@ TEST_F(SessionReaderTest, LinesOfEveryLengthAroundAChunkAreWhole) {
             ASSERT_EQ("C1 · 50%", title()) << length << " after " << before;
         }
     }
+}
+
+/// Returns records and lines with NULs in them, as they stand in a file that was cut while its
+/// writer went on at the old place.
+std::string linesWithHoles(std::mt19937& random) {
+    std::string text;
+    for (std::size_t pieces = random() % 8; pieces > 0; --pieces) {
+        const std::string kPieces[] = {compacted("w" + std::to_string(random() % 3)),
+                                       tokenCount(std::to_string(random() % 3 * 27'200)), "\n",
+                                       tokenCount("x"), std::string(1 + random() % 40, '\0')};
+        const std::string& piece = kPieces[random() % std::size(kPieces)];
+        text.insert(random() % 3 == 0 ? random() % (text.size() + 1) : text.size(), piece);
+    }
+    return text;
+}
+
+TEST_F(SessionReaderTest, HolesAreSkippedAsIfTheirNULsHadBeenRead) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 500; ++round) {
+        disk.bytesPerRead = 1 + random() % 30;
+        disk.replace(fileOf(kTask), "");
+        for (int growth = 0; growth < 3; ++growth) {
+            disk.append(fileOf(kTask), linesWithHoles(random));
+            disk.tellsHoles = true;
+            const auto followed = snapshot();
+            disk.tellsHoles = false;
+            ORVCodexSessionSource fresh(disk, clock, "/codex");
+            const auto read = fresh.snapshotForThreadID(kTask, nullptr);
+            ASSERT_EQ(read->compactionCount(), followed->compactionCount()) << "round " << round;
+            ASSERT_EQ(read->contextUsage(), followed->contextUsage()) << "round " << round;
+            ASSERT_EQ(read->contextStatus(), followed->contextStatus()) << "round " << round;
+        }
+    }
+    disk.bytesPerRead = 1'000;
+    disk.tellsHoles = true;
+    disk.replace(fileOf(kTask), std::string(1'000'000, '\0') + "\n" + compacted("w1"));
+    const int calls = disk.calls;
+    EXPECT_EQ("C1 · --%", title());
+    EXPECT_GT(calls + 20, disk.calls);
+}
+
+TEST_F(SessionReaderTest, AFileThatDoesNotFitTheMemoryIsNotReadForAMinute) {
+    const std::string file = fileOf(kTask);
+    const auto fail = [&] {
+        disk.lacksMemory = true;
+        EXPECT_EQ("posix 12", title());
+        disk.lacksMemory = false;
+    };
+    disk.append(file, compacted("w1"));
+    fail();
+    const int opened = disk.opened;
+    clock.time += std::chrono::seconds(59);
+    EXPECT_EQ("posix 12", title());
+    EXPECT_EQ(opened, disk.opened);
+    clock.time += std::chrono::seconds(1);
+    EXPECT_EQ("C1 · --%", title());
+    disk.append(file, compacted("w2"));
+    fail();
+    disk.append(file, compacted("w3"));
+    EXPECT_EQ("C3 · --%", title()) << "another size, and read from its beginning";
+    disk.append(file, compacted("w4"));
+    fail();
+    clock.time -= std::chrono::hours(1);
+    EXPECT_EQ("C4 · --%", title()) << "the clock was set back";
 }
 
 }  // namespace

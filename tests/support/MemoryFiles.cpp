@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <utility>
 
 #include "text/bytes.h"
@@ -13,6 +14,9 @@ public:
     std::optional<std::size_t> readAt(std::uint64_t offset, char* buffer, std::size_t capacity,
                                       ORVErrorSlot* error) override {
         const Item* item = disk_.beginCall(path_, error);
+        if (disk_.lacksMemory) {
+            throw std::bad_alloc();
+        }
         if (!item || item->isFolder) {
             storeErrorIfEmpty(error, platform::posixError(EISDIR));
             return std::nullopt;
@@ -26,6 +30,14 @@ public:
         }
         const std::size_t most = disk_.happens(Fault::shortRead) ? 1 : disk_.bytesPerRead;
         return item->content.copy(buffer, std::min(capacity, most), offset);
+    }
+
+    std::uint64_t nextData(std::uint64_t offset) override {
+        const std::string& content = disk_.items_[path_].content;
+        const std::size_t data = content.find_first_not_of('\0', offset);
+        return !disk_.tellsHoles           ? offset
+               : data == std::string::npos ? std::numeric_limits<std::uint64_t>::max()
+                                           : data;
     }
 
 private:

@@ -56,6 +56,8 @@ public:
     Fault fault = Fault::error;
     std::size_t bytesPerRead = std::numeric_limits<std::size_t>::max();
     bool givesFileNumbers = true;  ///< Some file systems have none.
+    bool tellsHoles = false;       ///< Whether every run of NULs is a hole.
+    bool lacksMemory = false;      ///< Whether a read throws std::bad_alloc.
 
     // Several threads may read at once.
     std::atomic<int> calls = 0;
