@@ -7,7 +7,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/clock.h"
@@ -24,7 +23,8 @@
 /// The session data of the Codex application: finds the files of a task, follows them as they grow,
 /// and sums up what their records say.
 ///
-/// A source keeps its place in every file that it has read. It locks nothing, so one thread uses it
+/// A source keeps its place in every file that it has read, until nobody has asked for it for some
+/// ten minutes. It locks nothing, so one thread uses it
 /// at a time: in the application the refresh queue. A call that fails keeps what it had read,
 /// unless memory ran out.
 class ORVCodexSessionSource final : public ORVAgentSessionSource {
@@ -54,6 +54,7 @@ public:
     /// Reads on in the files of these tasks on all processors; snapshotForTask then finds nothing
     /// new in them. `progress` is told how many files have been read, by one thread at a time.
     void readAhead(std::span<const ORVTask> tasks, const ORVSessionReader::Progress& progress) {
+        forgetUnasked();
         reader_.readAhead(tasks, progress);
     }
 
@@ -151,13 +152,13 @@ private:
     std::optional<ORVSessionSnapshot> snapshotOfFiles(const std::vector<std::string>& paths,
                                                       std::string_view threadID,
                                                       ORVErrorSlot* error);
+    void forgetUnasked();
     const Totals& totalsOfTask(const States& states, std::string_view threadID);
     Totals sumOf(const States& states) const;
 
-    ORVFiles& files_;
     const ORVClock& clock_;
     ORVSessionSearch search_;
     ORVSessionReader reader_;
     ORVTitleIndex titles_;
-    std::map<std::string, Totals, std::less<>> totals_;              ///< By thread identifier.
+    ORVFadingTable<Totals> totals_;  ///< By thread identifier.
 };

@@ -8,10 +8,10 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/ORVFollowedFile.h"
+#include "sessions/ORVFadingTable.h"
 #include "sessions/ORVSessionParseState.h"
 #include "sessions/ORVTask.h"
 
@@ -53,6 +53,9 @@ public:
     /// Throws std::bad_alloc when memory runs out.
     using Progress = std::function<void(std::size_t done)>;
     void readAhead(std::span<const ORVTask> tasks, const Progress& progress);
+
+    /// Forgets the figures of files that nobody has asked for in a while.
+    void forgetUnaskedFiles(ORVClock::TimePoint now) { states_.age(now); }
 
     /// Forgets the figures of every file.
     void forgetFiles() { states_.clear(); }
@@ -142,6 +145,6 @@ private:
     ORVFiles& files_;
     const ORVSessionWants wants_;
     const ORVFileFollower follower_;
-    std::unordered_map<std::string, ORVSessionParseState> states_;  ///< By path.
+    ORVFadingTable<ORVSessionParseState> states_;  ///< By path.
     std::atomic<std::uint64_t> lastRevision_ = 0;  ///< Files are read by several threads at once.
 };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,6 +7,7 @@
 
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "sessions/ORVFadingTable.h"
 
 /// Finds session files by their names, kinds and dates, without opening any.
 class ORVSessionSearch {
@@ -50,5 +50,5 @@ private:
     const std::string sessionsFolder_;
     /// The last search for each thread identifier, in the caller's spelling. A search that finds
     /// files makes an entry, and one that finds none removes it.
-    std::map<std::string, Search, std::less<>> searches_;
+    ORVFadingTable<Search> searches_;
 };

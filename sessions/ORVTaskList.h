@@ -95,8 +95,8 @@ public:
     /// lines.
     std::vector<ORVListedTask> helpersOf(const ORVTask& head);
 
-    /// Returns the task with this whole identifier, letter case disregarded, with its own date; none
-    /// when there is no such task.
+    /// Returns the task with this whole identifier, letter case disregarded, with its own date;
+    /// none when there is no such task.
     std::optional<ORVListedTask> taskWithIdentifier(std::string_view threadID);
 
     // Identifiers

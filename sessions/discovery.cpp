@@ -48,9 +48,9 @@ std::vector<std::string> ORVSessionSearch::filesOfTask(std::string_view threadID
     if (threadID.empty()) {
         return {};
     }
-    const auto found = searches_.find(threadID);
-    return found != searches_.end() && stillHolds(found->second) ? found->second.paths
-                                                                 : searchFiles(threadID, error);
+    searches_.age(clock_.now());
+    const Search* const last = searches_.find(threadID);
+    return last && stillHolds(*last) ? last->paths : searchFiles(threadID, error);
 }
 
 bool ORVSessionSearch::stillHolds(const Search& search) {
@@ -71,9 +71,8 @@ std::vector<std::string> ORVSessionSearch::searchFiles(std::string_view threadID
     if (!walk(threadID, take, error)) {
         return {};
     }
-    const std::string key(threadID);
     if (found.empty()) {
-        searches_.erase(key);
+        searches_.erase(threadID);
         return {};
     }
     std::sort(found.begin(), found.end(), [](const ORVWalkedFile& a, const ORVWalkedFile& b) {
@@ -85,7 +84,7 @@ std::vector<std::string> ORVSessionSearch::searchFiles(std::string_view threadID
     }
     search.folderModifiedAt = dateOfFolderHolding(search.paths.back());
     search.searchedAt = clock_.now();
-    return searches_.insert_or_assign(key, std::move(search)).first->second.paths;
+    return (searches_[threadID] = std::move(search)).paths;
 }
 
 std::optional<ORVFileDate> ORVSessionSearch::dateOfFolderHolding(const std::string& path) {

@@ -11,8 +11,7 @@
 
 ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock,
                                              const std::string& codexHome, ORVSessionWants wants)
-    : files_(files),
-      clock_(clock),
+    : clock_(clock),
       search_(files, clock, codexHome + "/sessions"),
       reader_(files, clock, wants),
       titles_(files, codexHome) {}
@@ -45,6 +44,7 @@ ORVTitleIndex::Titles ORVCodexSessionSource::threadTitles() {
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForSessionURL(
     const std::string& path, ORVErrorSlot* error) {
+    forgetUnasked();
     ORVReadingMemory memory;
     const auto file = reader_.readFile(path, memory, error);
     return file ? std::optional(snapshotOfFile(path, *file)) : std::nullopt;
@@ -83,6 +83,7 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForTask(const O
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotOfFiles(
     const std::vector<std::string>& paths, std::string_view threadID, ORVErrorSlot* error) {
+    forgetUnasked();
     ORVReadingMemory memory;
     States states;
     std::optional<ORVFileDate> lastUpdated;
@@ -109,16 +110,13 @@ const ORVCodexSessionSource::Totals& ORVCodexSessionSource::totalsOfTask(
     for (const ORVSessionParseState* state : states) {
         revisions.push_back(state->revision);
     }
-    auto found = totals_.find(threadID);
-    if (found == totals_.end()) {
-        found = totals_.emplace(std::string(threadID), Totals{}).first;
-    }
+    Totals& totals = totals_[threadID];
     // A revision belongs to one state only, so equal revisions mean the same files as well.
-    if (found->second.revisions != revisions) {
-        found->second = sumOf(states);
-        found->second.revisions = std::move(revisions);
+    if (totals.revisions != revisions) {
+        totals = sumOf(states);
+        totals.revisions = std::move(revisions);
     }
-    return found->second;
+    return totals;
 }
 
 ORVCodexSessionSource::Totals ORVCodexSessionSource::sumOf(const States& states) const {
@@ -155,14 +153,20 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::latestSnapshotWithError
 
 std::shared_ptr<const ORVHistory> ORVCodexSessionSource::historyForThreadID(
     std::string_view threadID) const {
-    const auto found = totals_.find(threadID);
-    return found == totals_.end() ? nullptr : found->second.history;
+    const Totals* const totals = totals_.find(threadID);
+    return totals ? totals->history : nullptr;
 }
 
 std::optional<ORVAgentFacts> ORVCodexSessionSource::agentFactsForThreadID(
     std::string_view threadID) const {
-    const auto found = totals_.find(threadID);
-    return found == totals_.end() ? std::nullopt : found->second.agentFacts;
+    const Totals* const totals = totals_.find(threadID);
+    return totals ? totals->agentFacts : std::nullopt;
+}
+
+/// Called before anything is read, since it ends what is lent from the tables.
+void ORVCodexSessionSource::forgetUnasked() {
+    reader_.forgetUnaskedFiles(clock_.now());
+    totals_.age(clock_.now());
 }
 
 void ORVCodexSessionSource::forgetFiles() {

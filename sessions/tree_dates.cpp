@@ -127,7 +127,8 @@ void ORVSessionTree::take(Folder& folder, ORVWalkedFile& file,
 
 void ORVSessionTree::update(ORVWalkedFile& file, ORVFileDate modifiedAt,
                             std::uint64_t fileIdentifier, std::uint64_t size) {
-    if (file.modifiedAt != modifiedAt || file.fileIdentifier != fileIdentifier || file.size != size) {
+    if (file.modifiedAt != modifiedAt || file.fileIdentifier != fileIdentifier ||
+        file.size != size) {
         file.modifiedAt = modifiedAt;
         file.fileIdentifier = fileIdentifier;
         file.size = size;

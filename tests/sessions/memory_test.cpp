@@ -1,0 +1,137 @@
+// Tests what the sources keep: little of what nobody asks for, and nothing wrong when memory runs
+// out.
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+#include "focus/ORVCodexFocusLogSource.h"
+#include "sessions/ORVFadingTable.h"
+#include "tests/sessions/SessionSourceTest.h"
+
+namespace {
+
+/// Counts down to the allocation that fails, and to all after it if wanted; negative: none fails.
+std::atomic<long> allocationsLeft = -1;
+std::atomic<bool> allLaterOnesFail = false;
+
+bool mustFail() {
+    if (allocationsLeft < 0) {
+        return false;
+    }
+    const long left = allocationsLeft--;
+    if (left == 0 && allLaterOnesFail) {
+        allocationsLeft = 0;
+    }
+    return left == 0;
+}
+
+}  // namespace
+
+// Not inlined, because the compiler would take the pairs for mismatched ones.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    void* const bytes = mustFail() ? nullptr : std::malloc(size > 0 ? size : 1);
+    return bytes ? bytes : throw std::bad_alloc();
+}
+// The JSON library allocates this way. Without optimization it does not look whether the memory for
+// its own checks could be had, so that these allocations fail only with it.
+[[gnu::noinline]] void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+#ifdef __OPTIMIZE__
+    if (mustFail()) {
+        return nullptr;
+    }
+#endif
+    return std::malloc(size > 0 ? size : 1);
+}
+[[gnu::noinline]] void operator delete(void* bytes) noexcept {
+    std::free(bytes);
+}
+[[gnu::noinline]] void operator delete[](void* bytes) noexcept {
+    std::free(bytes);
+}
+[[gnu::noinline]] void operator delete[](void* bytes, std::size_t) noexcept {
+    std::free(bytes);
+}
+[[gnu::noinline]] void operator delete(void* bytes, std::size_t) noexcept {
+    std::free(bytes);
+}
+
+namespace {
+
+using records::compacted;
+using records::tokenCount;
+using SessionMemoryTest = SessionSourceTest;
+
+TEST_F(SessionMemoryTest, AWeekOfChurnLeavesNothing) {
+    ORVFadingTable<int> table;
+    std::size_t largest = 0;
+    for (int i = 0; i < 100'000; ++i) {
+        clock.time += std::chrono::seconds(6);
+        table.age(clock.time);
+        ++table["kept"];
+        ++table[std::to_string(i)];
+        largest = std::max(largest, table.size());
+    }
+    EXPECT_EQ(100'000, table["kept"]);
+    EXPECT_EQ(nullptr, table.find("99000"));
+    EXPECT_NE(nullptr, table.find("99999"));
+    EXPECT_GE(202U, largest) << "twenty minutes";
+}
+
+TEST_F(SessionMemoryTest, OnlyFilesThatNobodyAsksForAreReadAgain) {
+    disk.append(fileOf(kTask), tokenCount("136000"));
+    disk.append(fileOf(kOther), tokenCount("27200"));
+    title(kOther);
+    for (int minute = 0; minute < 25; ++minute) {
+        EXPECT_EQ("C0 · 50%", title());
+        clock.time += std::chrono::minutes(1);
+    }
+    const int opened = disk.opened;
+    EXPECT_EQ("C0 · 50%", title());
+    EXPECT_EQ(opened, disk.opened);
+    EXPECT_EQ("C0 · 10%", title(kOther));
+    EXPECT_EQ(opened + 1, disk.opened);
+}
+
+TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
+    disk.append(fileOf(kTask, "a"), compacted("w1") + tokenCount("1000"));
+    disk.append(fileOf(kTask, "b"), compacted("w1") + tokenCount("136000"));
+    disk.append("/codex/session_index.jsonl", records::title(kTask, "a title of some length"));
+    disk.append("/logs/main.log", records::log("1 window | 2 route /local/TASK"));
+    const auto ask = [](ORVCodexSessionSource& sessions, ORVCodexFocusLogSource& focus) {
+        ORVErrorSlot slot;
+        const auto state = focus.currentFocusStateWithError(&slot);
+        const auto latest = sessions.latestSnapshotWithError(&slot);
+        const auto found = sessions.snapshotForThreadID(kTask, &slot);
+        const ORVTask task{kTask, {{fileOf(kTask, "b"), {}, 0, 100}}};
+        sessions.readAhead({&task, 1}, [](std::size_t) {});
+        (void)sessions.snapshotForTask(task, &slot);
+        (void)sessions.accountLimits(task.files, nullptr);
+        const auto facts = sessions.agentFactsForThreadID(kTask);
+        const bool isWhole = latest && found && facts && sessions.historyForThreadID(kTask);
+        return isWhole && state.threadID() == kTask
+                   ? std::to_string(found->compactionCount()) + found->title()
+                   : "nothing";
+    };
+    for (const bool all : {false, true}) {
+        bool wasReached = true;
+        for (long n = 0; wasReached; ++n) {
+            ORVCodexSessionSource sessions(disk, clock, "/codex", {10, true});
+            ORVCodexFocusLogSource focus(disk, clock, "/logs", "/Info.plist");
+            allLaterOnesFail = all;
+            allocationsLeft = n;
+            try {
+                (void)ask(sessions, focus);
+            } catch (const std::bad_alloc&) {
+            }
+            wasReached = allocationsLeft < (all ? 1 : 0);
+            allocationsLeft = -1;
+            clock.time += std::chrono::minutes(2);  // A file's pause is over.
+            ASSERT_EQ("1a title of some length", ask(sessions, focus)) << n;
+            ASSERT_LT(n, 100'000);
+        }
+    }
+}
+
+}  // namespace
