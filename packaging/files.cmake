@@ -11,10 +11,12 @@ install(FILES completions/_brimletctl DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/s
 
 file(GLOB PAGES ${PROJECT_SOURCE_DIR}/docs/*.md)
 install(FILES ${PAGES} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(DIRECTORY ../docs/pictures DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(DIRECTORY ../recipes DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS)
 install(FILES ../README.md ../CHANGELOG.md ../LICENSE.md ../SECURITY.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 if(NOT APPLE)
-    foreach(LIBRARY ncurses pugixml seccomp)
+    foreach(LIBRARY c6 ncurses pugixml seccomp)  # c6 is the C library, in a static program.
         install(FILES /usr/share/doc/lib${LIBRARY}-dev/copyright OPTIONAL
                 DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${LIBRARY}.txt)
     endforeach()
