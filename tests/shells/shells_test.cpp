@@ -5,9 +5,9 @@
 #include <mutex>
 
 #include "app/ORVAppDelegate.h"
+#include "shells/ORVPosixHost.h"
 #include "shells/lines/ORVCommandInput.h"
 #include "shells/lines/ORVLineSurface.h"
-#include "shells/ORVPosixHost.h"
 #include "tests/support/MemoryDefaults.h"
 #include "tests/support/MemoryFiles.h"
 
@@ -35,10 +35,11 @@ private:
 };
 
 TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
-    setenv("LANGUAGE", "en", 1);
+    auto defaults = std::make_unique<MemoryDefaults>();
+    defaults->stored = ORVLanguageModeEnglish;
     auto owned = std::make_unique<HangingFiles>();
     HangingFiles& files = *owned;
-    ORVPosixHost host({"/h/.codex", {}}, std::move(owned), std::make_unique<MemoryDefaults>(),
+    ORVPosixHost host({"/h/.codex", {}}, std::move(owned), std::move(defaults),
                       [](const std::string&) {});
     auto app = std::make_shared<ORVAppDelegate>(host);
     ORVPosixRunLoop& loop = host.runLoop();
@@ -94,7 +95,8 @@ TEST(LineSurfaceTest, ASlowReaderMissesLinesButNeverTheLatest) {
     Pipe pipe;
     ORVPosixRunLoop loop;
     std::string shown;
-    ORVLineSurface surface(loop, pipe.ends[1], [&] { return shown; }, [](int) { FAIL(); });
+    ORVLineSurface surface(
+        loop, pipe.ends[1], [&] { return shown; }, [](int) { FAIL(); });
     const auto line = [](int number) { return std::to_string(number) + std::string(20'000, '.'); };
     loop.post([&] {
         for (int i = 0; i < 1'000; ++i) {
@@ -130,10 +132,12 @@ TEST(LineSurfaceTest, AReaderThatLeavesIsNoticedAtOnce) {
     Pipe pipe;
     ORVPosixRunLoop loop;
     int endedWith = -1;
-    ORVLineSurface surface(loop, pipe.ends[1], [] { return "line"; }, [&](int failure) {
-        endedWith = failure;
-        loop.stop(0);
-    });
+    ORVLineSurface surface(
+        loop, pipe.ends[1], [] { return "line"; },
+        [&](int failure) {
+            endedWith = failure;
+            loop.stop(0);
+        });
     loop.post([&] {
         surface.show();
         surface.show();
