@@ -193,6 +193,32 @@ std::string forTerminal(std::string_view bytes) {
     return replaced(bytes, true);
 }
 
+std::string shortened(std::string_view bytes, std::size_t characters) {
+    constexpr std::size_t kBytesOfACharacter = 64;  // A family of four with skin tones has 41.
+    const std::size_t mostBytes = characters * kBytesOfACharacter;
+    utf8proc_int32_t state = 0;
+    utf8proc_int32_t previous = 0;
+    std::size_t count = 0;
+    std::size_t lastStart = 0;  // Where the last counted character that is kept begins.
+    std::size_t position = 0;
+    while (position < bytes.size()) {
+        const Character next = nextCharacter(bytes.substr(position));
+        const auto code =
+            static_cast<utf8proc_int32_t>(next.code == kNotACharacter ? 0xFFFD : next.code);
+        if (position == 0 || utf8proc_grapheme_break_stateful(previous, code, &state)) {
+            if (++count <= characters) {
+                lastStart = position;
+            }
+        }
+        if (count > characters || position + next.bytes > mostBytes) {
+            return std::string(bytes.substr(0, lastStart)) + "…";
+        }
+        previous = code;
+        position += next.bytes;
+    }
+    return std::string(bytes);
+}
+
 std::string escapedForMarkup(std::string_view text) {
     static constexpr std::pair<char, std::string_view> kEscapes[] = {
         {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};

@@ -42,6 +42,11 @@ std::string withInvalidBytesReplaced(std::string_view bytes);
 /// lines and paragraphs, and those that embed, override or isolate a direction.
 std::string forTerminal(std::string_view bytes);
 
+/// Returns the text unchanged, or, when it has more than this many characters as a reader counts
+/// them, the first ones of it with "…" at the end. A character with very many marks may be left
+/// out, so that a text of any size takes little time.
+std::string shortened(std::string_view bytes, std::size_t characters);
+
 /// Returns the text with the five characters that have a meaning in XML, HTML and Pango's markup
 /// escaped.
 std::string escapedForMarkup(std::string_view text);

@@ -70,4 +70,27 @@ TEST(PathsTest, PartsOfPaths) {
     EXPECT_EQ("/", text::folderOf("/c"));
 }
 
+TEST(UnicodeTest, LongTextsEndBetweenCharacters) {
+    std::string marks = "e";
+    for (int i = 0; i < 1000; ++i) {
+        marks += "\u0301";
+    }
+    const struct {
+        std::string text;
+        const char* shortened;
+    } kCases[] = {{"", ""},
+                  {"abcd", "abcd"},
+                  {"abcde", "abc…"},
+                  {"ab👩‍👩‍👧‍👦d", "ab👩‍👩‍👧‍👦d"},
+                  {"ab👩‍👩‍👧‍👦de", "ab👩‍👩‍👧‍👦…"},
+                  {"e\u0301e\u0301e\u0301🇩🇪", "e\u0301e\u0301e\u0301🇩🇪"},
+                  {"🇩🇪🇫🇷🇨🇳🇺🇸🇬🇧", "🇩🇪🇫🇷🇨🇳…"},
+                  {"\xFF\xFF\xFF\xFF\xFF", "\xFF\xFF\xFF…"},
+                  {"a" + marks, "a…"},
+                  {marks, "…"}};
+    for (const auto& c : kCases) {
+        EXPECT_EQ(c.shortened, text::shortened(c.text, 4)) << c.text;
+    }
+}
+
 }  // namespace
