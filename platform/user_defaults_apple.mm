@@ -1,7 +1,9 @@
 // Settings in the domain of the menu-bar program, which brimletctl shares.
+// Tests: tests/platform/apple_test.mm.
+
+#import "platform/user_defaults_apple.h"
 
 #import "platform/foundation_string_apple.h"
-#include "platform/user_defaults.h"
 
 namespace platform {
 namespace {
@@ -10,15 +12,18 @@ NSString* const kDomain = @"com.orvellan.brimlet";
 
 class DomainDefaults final : public ORVUserDefaults {
 public:
-    DomainDefaults() {
+    explicit DomainDefaults(NSString* domain) : domain_([domain copy]) {
         @autoreleasepool {
             // A program must not open its own domain by name.
-            isOwnDomain_ = [[[NSBundle mainBundle] bundleIdentifier] isEqualToString:kDomain];
+            isOwnDomain_ = [[[NSBundle mainBundle] bundleIdentifier] isEqualToString:domain];
             defaults_ = isOwnDomain_ ? [[NSUserDefaults standardUserDefaults] retain]
-                                     : [[NSUserDefaults alloc] initWithSuiteName:kDomain];
+                                     : [[NSUserDefaults alloc] initWithSuiteName:domain];
         }
     }
-    ~DomainDefaults() override { [defaults_ release]; }
+    ~DomainDefaults() override {
+        [defaults_ release];
+        [domain_ release];
+    }
     DomainDefaults(const DomainDefaults&) = delete;
     DomainDefaults& operator=(const DomainDefaults&) = delete;
 
@@ -36,21 +41,31 @@ public:
         @autoreleasepool {
             [defaults_ setInteger:static_cast<NSInteger>(value) forKey:foundationString(key)];
             if (!isOwnDomain_) {
-                [defaults_ synchronize];  // Else a short-lived tool might end before it is stored.
+                // Else a short-lived tool might end before it is stored.
+                CFPreferencesAppSynchronize((CFStringRef)domain_);
             }
         }
     }
 
 private:
+    NSString* domain_;
     bool isOwnDomain_ = false;
     NSUserDefaults* defaults_ = nil;
 };
 
 }  // namespace
 
-/// `cannotStore` is never called, because the system does not report such failures.
+std::unique_ptr<ORVUserDefaults> userDefaultsInDomain(const std::string& domain) {
+    return std::make_unique<DomainDefaults>(foundationString(domain));
+}
+
+/// `cannotStore` is never called, because the system does not report such failures. A bundle of
+/// another name, such as a test's, has settings of its own.
 std::unique_ptr<ORVUserDefaults> standardUserDefaults(ORVStoringFailureHandler) {
-    return std::make_unique<DomainDefaults>();
+    @autoreleasepool {
+        NSString* own = [[NSBundle mainBundle] bundleIdentifier];
+        return std::make_unique<DomainDefaults>(own ? own : kDomain);
+    }
 }
 
 std::string placeOfUserDefaults() {

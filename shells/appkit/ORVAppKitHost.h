@@ -9,7 +9,7 @@
 /// The application's host on a Mac with a desktop.
 class ORVAppKitHost final : public ORVAppHost {
 public:
-    ORVAppKitHost();
+    explicit ORVAppKitHost(std::unique_ptr<ORVUserDefaults> userDefaults);
 
     ORVUserDefaults& standardUserDefaults() override { return *userDefaults_; }
     std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) override;

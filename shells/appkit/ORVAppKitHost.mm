@@ -5,9 +5,8 @@
 
 #import <AppKit/AppKit.h>
 
-ORVAppKitHost::ORVAppKitHost()
-    : files_(platform::makeFiles()),
-      userDefaults_(platform::standardUserDefaults([](const ORVStoringFailure&) {})) {}
+ORVAppKitHost::ORVAppKitHost(std::unique_ptr<ORVUserDefaults> userDefaults)
+    : files_(platform::makeFiles()), userDefaults_(std::move(userDefaults)) {}
 
 std::unique_ptr<ORVSerialQueue> ORVAppKitHost::makeSerialQueue(const std::string& label) {
     return std::make_unique<platform::DispatchQueue>(label);

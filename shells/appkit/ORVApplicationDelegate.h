@@ -3,6 +3,7 @@
 #import <AppKit/AppKit.h>
 
 #include <memory>
+#include <string>
 
 #include "app/ORVAppDelegate.h"
 #include "shells/appkit/ORVAppKitHost.h"
@@ -16,7 +17,12 @@ NS_ASSUME_NONNULL_BEGIN
     std::unique_ptr<ORVAppKitHost> host_;
     std::shared_ptr<ORVAppDelegate> delegate_;
     ORVStatusItemController* controller_;
+    std::string loggedStatus_;
 }
+
+- (instancetype)initWithUserDefaults:(std::unique_ptr<ORVUserDefaults>&&)userDefaults
+    NS_DESIGNATED_INITIALIZER;
+- (instancetype)init NS_UNAVAILABLE;
 
 @property(nonatomic, readonly, nullable) ORVStatusItemController* controller;
 

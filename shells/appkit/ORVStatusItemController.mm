@@ -16,10 +16,22 @@ NS_ASSUME_NONNULL_BEGIN
 
 namespace {
 
-/// Makes a title harmless: one from the index may hold control characters, and characters that turn
-/// the direction of the text around them.
+/// As wide as a small screen, in Chinese.
+constexpr std::size_t kMostCharacters = 100;
+
+/// Makes a title harmless: one from the index may hold megabytes, control characters, and
+/// characters that turn the direction of the text around them.
 NSString* stringOf(const std::string& text) {
-    return platform::foundationString(text::forTerminal(text));
+    return platform::foundationString(text::forTerminal(text::shortened(text, kMostCharacters)));
+}
+
+/// From macOS 27 on the system hides the images of menus that do not ask for them. Older systems,
+/// and the headers for them, lack the property.
+void askToShowImage(NSMenuItem* item) {
+    constexpr int kVisible = 1;  // 0 leaves it to the system.
+    if ([item respondsToSelector:NSSelectorFromString(@"setPreferredImageVisibility:")]) {
+        [item setValue:@(kVisible) forKey:@"preferredImageVisibility"];
+    }
 }
 
 SEL _Nullable selectorOf(ORVMenuAction action) {
@@ -113,6 +125,7 @@ void updateItem(ORVShownMenuItem& pair) {
     } else if (item.action != ORVMenuAction::none) {
         shown.target = self;
     }
+    askToShowImage(shown);
     shown.tag = static_cast<NSInteger>(item.tag.value_or(0));
     if (item.submenu) {
         shown.submenu = [self menuShowing:*item.submenu];

@@ -1,38 +1,62 @@
 // Brimlet in the menu bar: no window, no Dock icon, no menu of its own beside the status item's.
+// Tests: tests/appkit/launch_test.mm.
 
 #import <AppKit/AppKit.h>
 
+#include <string_view>
+
+#include "app/version.h"
+#include "platform/home_folder.h"
+#include "platform/run_lock.h"
 #import "shells/appkit/ORVApplicationDelegate.h"
+#include "shells/appkit/program_log.h"
+#include "shells/appkit/self_test.h"
 
 namespace {
 
-/// Whether another process runs this bundle. Outside of a bundle there is no way to know.
-bool isRunningAlready() {
-    NSString* identifier = [NSBundle mainBundle].bundleIdentifier;
-    if (!identifier) {
-        return false;
-    }
-    const pid_t ownProcess = [NSProcessInfo processInfo].processIdentifier;
-    for (NSRunningApplication* application in
-         [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier]) {
-        if (application.processIdentifier != ownProcess) {
+/// Logs the exception's name; its reason might hold a title.
+void logException(NSException* exception) {
+    appkit::logFailure("Ends by an uncaught exception: " + std::string(exception.name.UTF8String));
+}
+
+/// Whether this process is the one that shows the status item. One is enough in a menu bar, and
+/// none is too few: where nothing can be locked, a second copy is shown.
+bool mayRun() {
+    // The system removes old files from the folders for temporary ones, and a second process would
+    // then lock a file of its own.
+    const std::string folder = platform::homeFolder() + "/Library/Application Support/Brimlet";
+    ORVErrorSlot error;
+    switch (platform::lockForRun(folder, &error)) {
+        case platform::RunLock::held:
             return true;
-        }
+        case platform::RunLock::heldByAnother:
+            appkit::log("Ends, because another copy runs");
+            return false;
+        case platform::RunLock::unknown:
+            appkit::logFailure("Cannot tell whether another copy runs: " + error->description);
+            return true;
     }
-    return false;
 }
 
 }  // namespace
 
-int main() {
+/// Arguments mean nothing, except "--self-test".
+int main(int count, char** values) {
     @autoreleasepool {
-        if (isRunningAlready()) {
-            return 0;  // One is enough in a menu bar.
+        if (count > 1 && values[1] == std::string_view("--self-test")) {
+            return appkit::selfTest();
+        }
+        appkit::log("Version " BRIMLET_VERSION " starts as process " +
+                    std::to_string([NSProcessInfo processInfo].processIdentifier));
+        NSSetUncaughtExceptionHandler(logException);
+        if (!mayRun()) {
+            return 0;
         }
         NSApplication* application = [NSApplication sharedApplication];
-        ORVApplicationDelegate* delegate = [[ORVApplicationDelegate alloc] init];
+        ORVApplicationDelegate* delegate = [[ORVApplicationDelegate alloc]
+            initWithUserDefaults:platform::standardUserDefaults([](const ORVStoringFailure&) {})];
         application.delegate = delegate;
-        // Arguments mean nothing; AppKit would take them for documents.
+        // AppKit would take arguments for documents.
         [[NSUserDefaults standardUserDefaults]
             registerDefaults:@{@"NSTreatUnknownArgumentsAsOpen" : @"NO"}];
         [application setActivationPolicy:NSApplicationActivationPolicyAccessory];

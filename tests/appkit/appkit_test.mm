@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#import "platform/user_defaults_apple.h"
 #import "shells/appkit/ORVApplicationDelegate.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
@@ -28,6 +29,7 @@ namespace {
 
 constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
 constexpr const char* kLog = "Library/Logs/com.openai.codex/main.log";
+constexpr const char* kDomain = "com.orvellan.brimlet.appkit-test";
 NSString* const kMode = @"BrimletLanguageMode";
 
 std::string text(NSString* string) {
@@ -55,7 +57,8 @@ protected:
     /// Launches the application; the first refresh has not run yet.
     void launch() {
         @autoreleasepool {
-            delegate = [[ORVApplicationDelegate alloc] init];
+            delegate = [[ORVApplicationDelegate alloc]
+                initWithUserDefaults:platform::userDefaultsInDomain(kDomain)];
             [delegate applicationDidFinishLaunching:nil];
         }
         collect(*model().menu, menu());
@@ -110,6 +113,7 @@ protected:
             EXPECT_EQ(item.state ? NSControlStateValueOn : NSControlStateValueOff, native.state);
             EXPECT_EQ(item.keyEquivalent, text(native.keyEquivalent));
             EXPECT_EQ(NSEventModifierFlagCommand, native.keyEquivalentModifierMask);
+            EXPECT_EQ(1, ((ORVStandInMenuItem*)native).preferredImageVisibility);
             const bool isTerminate = item.action == ORVMenuAction::terminate;
             const id handler = isTerminate ? (id)NSApp : (id)delegate.controller;
             if (!item.submenu) {  // GNUstep sets the target of an item with a submenu.
@@ -149,7 +153,7 @@ TEST_F(AppKitTest, ATurnOfAnyKindEndsWithItsUpdateAndItsPool) {
     NSDate* before = [NSDate date];
     auto owned = std::make_unique<ORVMainRunLoop>();
     ORVMainRunLoop& loop = *owned;
-    const auto queue = ORVAppKitHost().makeSerialQueue("a.label");
+    const auto queue = ORVAppKitHost(nullptr).makeSerialQueue("a.label");
     const auto kept = std::make_shared<int>();
     const std::string kTurn = "closure on main update on main ";
     std::string order;
@@ -254,9 +258,11 @@ TEST_F(AppKitTest, WhatChangedIsCopiedByItselfAndOnce) {
     [delegate.controller update];
     EXPECT_EQ("Brimlet+", text(button().toolTip));
     EXPECT_EQ("a\uFFFDz", text(button().title));
-    model().title = std::string("\0🚀 \u200f", 9);
+    model().title = std::string("\0🚀 \u202ex", 10);
+    items.front().first->title = std::string(1'000'000, 'x');
     [delegate.controller update];
-    EXPECT_EQ(5U, button().title.length);
+    EXPECT_EQ(" 🚀  x", text(button().title)) << "nothing that steers the text around it";
+    EXPECT_EQ(std::string(99, 'x') + "…", text(items.front().second.title));
 }
 
 TEST_F(AppKitTest, WhatIsChosenIsDoneAndShownAtOnce) {
@@ -277,9 +283,30 @@ TEST_F(AppKitTest, WhatIsChosenIsDoneAndShownAtOnce) {
     choose("chineseLanguageItem");
     expectEverythingShown();
     EXPECT_EQ(2, [[NSUserDefaults standardUserDefaults] integerForKey:kMode]);
-    EXPECT_EQ("com.orvellan.brimlet", ORVStandIn.suiteName) << "shared with the tool";
+    EXPECT_EQ(kDomain, ORVStandIn.suiteName);
+    EXPECT_EQ(std::string(kDomain) + " ", ORVStandIn.synchronized) << "each choice, once";
     choose("systemLanguageItem");
     EXPECT_EQ("退出 Brimlet", text(shown("quitItem").title)) << "the system's language";
+}
+
+TEST_F(AppKitTest, TheLogTellsOfTheFirstRefreshAndOfChanges) {
+    launch();
+    ORVStandIn.log.clear();
+    const auto refresh = [this] {
+        choose("refreshItem");
+        dispatch_stand_in_finish();
+        dispatch_stand_in_run_delayed();
+    };
+    refresh();
+    refresh();
+    home.append(kLog, "2 thread_stream_view_activity_changed active=true\n");
+    refresh();
+    [delegate applicationWillTerminate:nil];
+    EXPECT_EQ(
+        (std::vector<std::string>{"com.orvellan.brimlet: A task is shown",
+                                  "com.orvellan.brimlet: " + [delegate application].focusLine(),
+                                  "com.orvellan.brimlet: Ends, as the user or the system wants"}),
+        ORVStandIn.log);
 }
 
 TEST_F(AppKitTest, NothingWaitsForTheMenuToClose) {

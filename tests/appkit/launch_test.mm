@@ -29,8 +29,11 @@ void expect(bool condition, const char* what) {
     }
 }
 
-/// Makes the home before `main` begins.
+/// Makes the home before `main` begins. A second copy has the home of the first one.
 __attribute__((constructor)) void prepareHome() {
+    if (std::getenv(kSecondCopy)) {
+        return;
+    }
     home = new TemporaryHome;
     home->write(std::string(".codex/sessions/rollout-2026-11-24T16-45-20-") + kTask + ".jsonl",
                 records::compacted("w1") + records::tokenCount("128000"));
@@ -38,7 +41,7 @@ __attribute__((constructor)) void prepareHome() {
     setenv("HOME", home->root().c_str(), 1);
     std::atexit([] {
         delete home;
-        expect(quits || std::getenv(kSecondCopy), "the program launches, and ends when it is to");
+        expect(quits, "the program launches, and ends when it is to");
     });
 }
 
@@ -86,7 +89,8 @@ __attribute__((constructor)) void prepareHome() {
     [[menu itemAtIndex:10].submenu performActionForItemAtIndex:2];
     expect([[NSUserDefaults standardUserDefaults] integerForKey:kMode] == 2,
            "a language is stored, among the program's own settings");
-    [[NSUserDefaults standardUserDefaults] removeObjectForKey:kMode];
+    [[NSUserDefaults standardUserDefaults]
+        removePersistentDomainForName:[NSBundle mainBundle].bundleIdentifier];
     quits = true;
     [menu performActionForItemAtIndex:menu.numberOfItems - 1];
     expect(false, "choosing the last item quits");

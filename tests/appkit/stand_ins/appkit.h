@@ -12,6 +12,13 @@
 #define NS_UNAVAILABLE __attribute__((unavailable))
 
 enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
+enum : NSUInteger { NSEventMaskAny = NSAnyEventMask };
+
+/// GNUstep takes the common modes for a mode of their own, which stands for that of an open menu.
+#define NSEventTrackingRunLoopMode NSRunLoopCommonModes
+
+using CFStringRef = NSString*;
+bool CFPreferencesAppSynchronize(CFStringRef domain);
 
 @interface NSStatusBarButton (StandIn)
 @property(nonatomic, copy) NSString* accessibilityLabel;
@@ -19,11 +26,20 @@ enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
 
 @interface NSStatusItem (StandIn)
 @property(nonatomic, readonly) NSStatusBarButton* button;
+@property(nonatomic, getter=isVisible) BOOL visible;
 @end
 
 @interface NSMenuItem (StandIn)
 @property(nonatomic, getter=isEnabled) BOOL enabled;
 @property(nonatomic, getter=isHidden) BOOL hidden;
+@end
+
+@interface ORVStandInMenuItem : NSMenuItem {
+    BOOL hidden_;
+    NSInteger preferredImageVisibility_;
+}
+@property(nonatomic, getter=isHidden) BOOL hidden;
+@property(nonatomic) NSInteger preferredImageVisibility;
 @end
 
 @interface ORVStandInSymbol : NSImage {
@@ -63,4 +79,6 @@ inline struct ORVStandInRecord {
     NSApplicationActivationPolicy activationPolicy = NSApplicationActivationPolicyRegular;
     NSTimeInterval tolerance = 0;  ///< Of the timer that was made last.
     std::string suiteName;         ///< The name of the user defaults that were opened last.
+    std::string synchronized;      ///< The names of the user defaults that were written through.
+    std::vector<std::string> log;  ///< What the program has written into the system's log.
 } ORVStandIn;

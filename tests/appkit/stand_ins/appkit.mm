@@ -1,9 +1,5 @@
 #import "tests/appkit/stand_ins/appkit.h"
 
-#include <unistd.h>
-
-#include <cstdlib>
-
 // GNUstep's own classes need a menu bar, which does not exist here.
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
 
@@ -35,15 +31,18 @@ COUNTED_SETTER(Font, NSFont*)
 @interface ORVStandInStatusItem : NSStatusItem {
     NSStatusBarButton* button_;
     NSMenu* menu_;
+    BOOL visible_;
 }
 @property(nonatomic, retain) NSStatusBarButton* button;
 @property(nonatomic, retain) NSMenu* menu;
+@property(nonatomic, getter=isVisible) BOOL visible;
 @end
 
 @implementation ORVStandInStatusItem
 
 @synthesize button = button_;
 @synthesize menu = menu_;
+@synthesize visible = visible_;
 
 - (void)dealloc {
     std::erase(ORVStandIn.statusItems, self);
@@ -71,6 +70,12 @@ COUNTED_SETTER(Font, NSFont*)
     ORVStandInStatusItem* item = [[[ORVStandInStatusItem alloc] init] autorelease];
     item.button = [[[ORVStandInButton alloc] init] autorelease];
     item.length = length;
+    item.visible = YES;
+    static NSWindow* bar = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 740, 300, 22)
+                                                       styleMask:NSBorderlessWindowMask
+                                                         backing:NSBackingStoreBuffered
+                                                           defer:NO];
+    [bar.contentView addSubview:item.button];
     ORVStandIn.statusItems.push_back(item);
     return item;
 }
@@ -81,12 +86,6 @@ COUNTED_SETTER(Font, NSFont*)
 
 @end
 
-@interface ORVStandInMenuItem : NSMenuItem {
-    BOOL hidden_;
-}
-@property(nonatomic, getter=isHidden) BOOL hidden;
-@end
-
 @implementation ORVStandInMenuItem
 
 COUNTED_SETTER(Title, NSString*)
@@ -95,6 +94,7 @@ COUNTED_SETTER(State, NSInteger)
 COUNTED_SETTER(Image, NSImage*)
 
 @synthesize hidden = hidden_;
+@synthesize preferredImageVisibility = preferredImageVisibility_;
 
 - (void)setHidden:(BOOL)hidden {
     ++ORVStandIn.setterCalls;
@@ -121,6 +121,7 @@ COUNTED_SETTER(Image, NSImage*)
              accessibilityDescription:(NSString*)description {
     ORVStandInSymbol* image = [[[ORVStandInSymbol alloc] init] autorelease];
     ++ORVStandIn.symbols;
+    image.size = NSMakeSize(16, 16);
     image->symbol = std::string([name UTF8String]) + "/" + [description UTF8String];
     return image;
 }
@@ -145,18 +146,10 @@ COUNTED_SETTER(Image, NSImage*)
 
 @end
 
-/// Every bundle has one process: this one, or another one if a variable is set.
-@implementation NSRunningApplication (StandIn)
-
-+ (NSArray*)runningApplicationsWithBundleIdentifier:(NSString*)identifier {
-    return @[ [[[NSRunningApplication alloc] init] autorelease] ];
+bool CFPreferencesAppSynchronize(CFStringRef domain) {
+    ORVStandIn.synchronized += [domain UTF8String] + std::string(" ");
+    return true;
 }
-
-- (pid_t)processIdentifier {
-    return std::getenv("BRIMLET_SECOND_COPY") ? getppid() : getpid();
-}
-
-@end
 
 @implementation NSUserDefaults (StandIn)
 - (instancetype)initWithSuiteName:(NSString*)name {
