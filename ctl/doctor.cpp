@@ -255,7 +255,7 @@ private:
     }
 
     void lookAtMenuBar() {
-        if (const auto menuBar = platform::menuBarProgram()) {
+        if (const auto menuBar = platform::menuBarProgram(BRIMLET_VERSION)) {
             tell({"menuBar", "Menu bar", menuBar->place, menuBar->isRunning ? kFound : kMissing,
                   menuBar->text});
         }

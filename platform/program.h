@@ -9,14 +9,15 @@ namespace platform {
 /// it.
 std::string programPath();
 
-/// What is known of the program in a Mac's menu bar.
+/// What is known of the program in a Mac's menu bar, as far as this user runs it.
 struct MenuBarProgram {
     std::optional<std::string> place;  ///< Of its bundle; none while it does not run.
     bool isRunning = false;
     std::string text;  ///< For a person, in English.
 };
 
-/// Returns none on systems without a menu bar.
-std::optional<MenuBarProgram> menuBarProgram();
+/// Returns none on systems without a menu bar. The text tells when the program's version is not
+/// `ownVersion`.
+std::optional<MenuBarProgram> menuBarProgram(const std::string& ownVersion);
 
 }  // namespace platform

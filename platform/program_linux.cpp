@@ -14,7 +14,7 @@ std::string programPath() {
     return length > 0 ? std::string(path.data(), static_cast<std::size_t>(length)) : "";
 }
 
-std::optional<MenuBarProgram> menuBarProgram() {
+std::optional<MenuBarProgram> menuBarProgram(const std::string&) {
     return std::nullopt;
 }
 
