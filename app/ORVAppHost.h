@@ -2,10 +2,12 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/ORVTaskRequest.h"
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "platform/locale.h"
 #include "platform/run_loop.h"
 #include "platform/user_defaults.h"
 #include "sessions/ORVCodexSessionSource.h"
@@ -17,6 +19,10 @@ public:
     virtual ~ORVAppHost() = default;
 
     virtual ORVUserDefaults& standardUserDefaults() = 0;
+
+    /// Returns the languages that the user prefers in every program, the most preferred first.
+    virtual std::vector<std::string> preferredLanguages() { return platform::preferredLanguages(); }
+
     virtual std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) = 0;
 
     /// Returns the loop of the UI thread.

@@ -11,7 +11,8 @@ constexpr std::chrono::milliseconds kRefreshInterval(2'000);
 }  // namespace
 
 void ORVAppDelegate::applicationDidFinishLaunching() {
-    localizer_ = std::make_unique<ORVLocalizer>(host_.standardUserDefaults());
+    localizer_ =
+        std::make_unique<ORVLocalizer>(host_.standardUserDefaults(), host_.preferredLanguages());
     if (showsOnlyEnglish_) {
         localizer_->showOnlyEnglish();
     }

@@ -19,7 +19,6 @@ class AppDelegateTest : public testing::Test {
 protected:
     AppDelegateTest() {
         setenv("HOME", "/h", 1);
-        setenv("LANGUAGE", "en", 1);
         setenv("TZ", "UTC", 1);
         around.disk.makeFolder("/h/Library/Logs/com.openai.codex");
         around.disk.makeFolder(kSessions);

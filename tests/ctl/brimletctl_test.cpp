@@ -10,6 +10,7 @@
 #include "shells/lines/answer_json.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
+#include "tests/support/shown_texts.h"
 #include "text/json_writing.h"
 
 namespace {
@@ -27,6 +28,12 @@ struct Outcome {
 
 class BrimletctlTest : public testing::Test {
 protected:
+    BrimletctlTest() {
+        setenv("HOME", home.root().c_str(), 1);
+        setenv("LANGUAGE", "en", 1);
+        unsetenv("XDG_CONFIG_HOME");
+    }
+
     /// Runs a shell command line in which "$b" is the program, and returns its output and errors.
     Outcome run(const std::string& command) {
         const std::string line = "export HOME='" + home.root() +
@@ -120,12 +127,12 @@ TEST_F(BrimletctlTest, AnswersQueriesUntilTheirEnd) {
 TEST_F(BrimletctlTest, WatchesAsJSONLines) {
     makeTask();
     const std::string commands = "printf 'choose chineseLanguageItem\\nkey x\\nkey q\\n'";
-    const std::string w = "LANGUAGE=en XDG_CONFIG_HOME= timeout 20 $b watch --json";
+    const std::string w = "timeout 20 $b watch --json";
     const Outcome outcome = run(commands + " | " + w + " 2>$HOME/complaints");
     EXPECT_EQ(0, outcome.status);
-    EXPECT_TRUE(
-        outcome.output.starts_with(R"({"title":"C– · --%","toolTip":"Brimlet","menu":[)"
-                                   R"({"item":"titleItem","title":"Current task: Reading )"))
+    EXPECT_TRUE(outcome.output.starts_with(R"({"title":"C– · --%","toolTip":"Brimlet","menu":[)"
+                                           R"({"item":"titleItem","title":")" +
+                                           shownText("task_loading")))
         << outcome.output;
     EXPECT_NE(
         std::string::npos,
@@ -228,11 +235,11 @@ TEST_F(BrimletctlTest, DrawsHistories) {
 }
 
 TEST_F(BrimletctlTest, FollowsATaskWithoutTheDesktopApplication) {
-    const std::string w = "LANGUAGE=en timeout 20 $b watch </dev/null ";
-    EXPECT_EQ("C– · --%\nC– · --%  Codex local data was not found\n",
+    const std::string w = "timeout 20 $b watch </dev/null ";
+    EXPECT_EQ("C– · --%\nC– · --%  " + shownText("focus_logs_unavailable") + "\n",
               run(w + "--latest | head -2").output);
     home.makeFolder(".codex/sessions");
-    EXPECT_EQ("C– · --%\nC– · --%  Current task data is temporarily unavailable\n",
+    EXPECT_EQ("C– · --%\nC– · --%  " + shownText("focus_task_unavailable") + "\n",
               run(w + "--task nobody | head -2").output);
     makeTask();
     const std::string shown = "C– · --%\nC1 · 47%  Fix  [31mthe \"tests\"\n";
@@ -241,17 +248,19 @@ TEST_F(BrimletctlTest, FollowsATaskWithoutTheDesktopApplication) {
     EXPECT_EQ("-- --\n47 Fix  [31mthe \"tests\"\n",
               run(w + "--latest --format '{percent} {title}' | head -2").output);
     EXPECT_EQ(1, run(w + "--here --folder nowhere").status);
-    EXPECT_EQ(
-        R"({"text":"C– · --%","tooltip":"Current task: Reading Codex data…\nContext usage: --\n)"
-        R"(Compactions: --\nLast session update: --","class":"unknown","percentage":0})"
-        "\n"
-        R"({"text":"C1 · 47%","tooltip":"Current task: Fix  [31mthe &quot;tests&quot;\n)"
-        R"(Context usage: 128k / 272k (47%)\nCompactions: 1\n)"
-        R"(Last session update: 1:46:40)"
-        "\u202F"
-        R"(AM","class":"low","percentage":47})"
-        "\n",
-        run("TZ=UTC " + w + "--latest --waybar | head -2").output);
+    EXPECT_EQ(R"({"text":"C– · --%","tooltip":")" + shownText("task_loading") + "\\n" +
+                  shownText("context_placeholder") + "\\n" + shownText("compaction_placeholder") +
+                  "\\n" + shownText("updated_placeholder") +
+                  R"(","class":"unknown","percentage":0})"
+                  "\n"
+                  R"({"text":"C1 · 47%","tooltip":")" +
+                  shownText("task_format", {"Fix  [31mthe &quot;tests&quot;"}) + "\\n" +
+                  shownText("context_format", {"128k", "272k", "47"}) + "\\n" +
+                  shownText("compaction_format", {"1"}) + "\\n" +
+                  shownText("updated_format", {shownTime({1'000'000'000, 0})}) +
+                  R"(","class":"low","percentage":47})"
+                  "\n",
+              run(w + "--latest --waybar | head -2").output);
 }
 
 TEST_F(BrimletctlTest, LongQueriesAreUnknownAndFilesMayBeFull) {

@@ -20,6 +20,8 @@
 
 namespace {
 
+#ifdef BRIMLET_LANGUAGE_FROM_ENVIRONMENT
+
 TEST(PreferredLanguagesTest, OfTheEnvironment) {
     struct Case {
         const char* language;
@@ -49,6 +51,8 @@ TEST(PreferredLanguagesTest, OfTheEnvironment) {
         EXPECT_EQ(c.expected, platform::preferredLanguages());
     }
 }
+
+#endif
 
 TEST(FolderWatchTest, ChangesAreToldUnderTheFoldersPresentPath) {
     TemporaryHome home;

@@ -35,10 +35,11 @@ private:
 };
 
 TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
-    setenv("LANGUAGE", "en", 1);
+    auto defaults = std::make_unique<MemoryDefaults>();
+    defaults->stored = ORVLanguageModeEnglish;
     auto owned = std::make_unique<HangingFiles>();
     HangingFiles& files = *owned;
-    ORVPosixHost host({"/h/.codex", {}}, std::move(owned), std::make_unique<MemoryDefaults>(),
+    ORVPosixHost host({"/h/.codex", {}}, std::move(owned), std::move(defaults),
                       [](const std::string&) {});
     auto app = std::make_shared<ORVAppDelegate>(host);
     ORVPosixRunLoop& loop = host.runLoop();

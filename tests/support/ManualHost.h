@@ -31,6 +31,7 @@ public:
     }
 
     ORVUserDefaults& standardUserDefaults() override { return defaults; }
+    std::vector<std::string> preferredLanguages() override { return {"en-US"}; }
     std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string&) override {
         return std::make_unique<Queue>(*this);
     }
