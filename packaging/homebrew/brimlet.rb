@@ -31,7 +31,7 @@ class Brimlet < Formula
       "-DFETCHCONTENT_SOURCE_DIR_#{library.name.upcase}=#{buildpath}/dependencies/#{library.name}"
     end
     system "cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DBRIMLET_TESTS=OFF",
-           "-DHOMEBREW_ALLOW_FETCHCONTENT=ON", *sources, *std_cmake_args
+           "-DHOMEBREW_ALLOW_FETCHCONTENT=ON", "-DBRIMLET_BUNDLE_FOLDER=.", *sources, *std_cmake_args
     system "cmake", "--build", "build"
     system "cmake", "--install", "build"
   end
@@ -40,8 +40,8 @@ class Brimlet < Formula
     <<~EOS
       Brimlet.app shows a status item in the menu bar:
         open #{opt_prefix}/Brimlet.app
-      To find it among the other applications:
-        ln -s #{opt_prefix}/Brimlet.app /Applications
+      Spotlight finds a copy, but no link; replace it after an upgrade:
+        cp -R #{opt_prefix}/Brimlet.app /Applications
     EOS
   end
 

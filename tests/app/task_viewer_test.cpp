@@ -18,7 +18,6 @@ using Fault = MemoryFiles::Fault;
 class World {
 public:
     World() {
-        setenv("HOME", "/h", 1);
         disk.write("/Applications/Codex.app/Contents/Info.plist",
                    "<plist><dict><key>CFBundleShortVersionString</key><string>1.2</string>"
                    "</dict></plist>");
@@ -51,6 +50,7 @@ public:
                json::error(view.error);
     }
 
+    const int home = setenv("HOME", "/h", 1);  ///< Before the viewer looks for it.
     MemoryFiles disk;
     ManualClock clock;
 

@@ -289,6 +289,11 @@ TEST_F(AppKitTest, WhatIsChosenIsDoneAndShownAtOnce) {
     EXPECT_EQ("退出 Brimlet", text(shown("quitItem").title)) << "the system's language";
 }
 
+TEST_F(AppKitTest, TheProgramsSettingsAreThoseThatTheToolShares) {
+    (void)platform::standardUserDefaults([](const ORVStoringFailure&) {});
+    EXPECT_EQ("com.orvellan.brimlet", ORVStandIn.suiteName);
+}
+
 TEST_F(AppKitTest, TheLogTellsOfTheFirstRefreshAndOfChanges) {
     launch();
     ORVStandIn.log.clear();

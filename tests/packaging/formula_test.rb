@@ -90,7 +90,9 @@ Brimlet.resources.each do |resource|
   option = "-DFETCHCONTENT_SOURCE_DIR_#{resource.name.upcase}=#{resource.said[:folder]}"
   expect(true, configure.include?(option), option)
 end
-expect(true, configure.include?("-DCMAKE_INSTALL_PREFIX=/opt"), "where it is installed")
+%w[-DCMAKE_INSTALL_PREFIX=/opt -DBRIMLET_BUNDLE_FOLDER=.].each do |option|
+  expect(true, configure.include?(option), "where it is installed")
+end
 expect([%w[cmake --build build], %w[cmake --install build], ["1.2.3", "/bin/brimletctl --version"]],
        others, "commands")
 expect(/open \/opt\/Brimlet\.app/, formula.caveats, "how it is opened")

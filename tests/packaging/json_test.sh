@@ -48,12 +48,12 @@ compare task "$program" task $head --json
 compare 'task tasks' "$program" tasks --helpers --json
 compare 'task history' "$program" history $head --json
 compare 'task history' "$program" limits --json
-compare 'task focus' "$program" focus --json
+compare 'task focus error' "$program" focus --json
 compare titles "$program" titles --json
 compare doctor "$program" doctor --json
 compare 'task watch' sh -c "$program watch --latest --json </dev/null | head -n 2"
 compare 'task doctor waybar' sh -c "$program watch --latest --waybar </dev/null | head -n 2"
-if told task tasks history limits focus titles doctor watch waybar | grep -vxFf "$HOME/all"; then
+if told error task tasks history limits focus titles doctor watch waybar | grep -vxFf "$HOME/all"; then
     echo "docs/json.md names these keys, which no answer has."
     failed=1
 fi

@@ -11,7 +11,7 @@
 
 #include "platform/locale.h"
 #include "platform/property_list.h"
-#include "platform/user_defaults.h"
+#import "platform/user_defaults_apple.h"
 
 namespace {
 
@@ -42,15 +42,19 @@ TEST(FoundationTest, Times) {
     [NSTimeZone resetSystemTimeZone];
     EXPECT_EQ("15:04:05", platform::mediumTimeOfDay({54'245, 999'999'999}, {"zh_CN", ""}));
     EXPECT_EQ(0U, platform::mediumTimeOfDay({54'245, 0}, {"en_US", ""}).find("3:04:05"));
+    [NSTimeZone setDefaultTimeZone:[NSTimeZone timeZoneWithName:@"Asia/Tokyo"]];
+    EXPECT_EQ("00:04:05", platform::mediumTimeOfDay({54'245, 0}, {"zh_CN", ""})) << "no old zone";
     const ORVFileDate farAway{std::numeric_limits<std::int64_t>::max(), 0};
     (void)platform::mediumTimeOfDay(farAway, {"en_US", ""});  // Any text will do.
 }
 
-TEST(FoundationTest, SettingsAreThoseOfTheMenuBarProgram) {
+// The domain is the test's own, since a home folder of its own would not keep the user's from it.
+TEST(FoundationTest, SettingsInADomain) {
+    constexpr const char* kDomain = "com.orvellan.brimlet.apple-test";
     NSString* const kKey = @"TestOfBrimlet";
-    NSUserDefaults* store = [[NSUserDefaults alloc] initWithSuiteName:@"com.orvellan.brimlet"];
+    NSUserDefaults* store = [[NSUserDefaults alloc] initWithSuiteName:@(kDomain)];
     [store removeObjectForKey:kKey];
-    const auto defaults = platform::standardUserDefaults([](const ORVStoringFailure&) { FAIL(); });
+    const auto defaults = platform::userDefaultsInDomain(kDomain);
     EXPECT_EQ(std::nullopt, defaults->integerForKey("TestOfBrimlet"));
     [store setObject:@"2" forKey:kKey];
     EXPECT_EQ(2, defaults->integerForKey("TestOfBrimlet"));
