@@ -1,5 +1,5 @@
 // The table of all tasks on a whole terminal: its layout, its selection and its keys.
-// Tests: tests/shells/top_test.cpp.
+// Tests: tests/shells/terminal_test.cpp.
 
 #define NCURSES_NOMACROS
 #include "shells/terminal/ORVTopPage.h"

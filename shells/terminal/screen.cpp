@@ -168,6 +168,9 @@ std::string line(const Row& row, bool isColoured) {
     }
     std::string text;
     for (const Piece& piece : trimmed) {
+        if (piece.text.empty()) {
+            continue;
+        }
         const std::string codes = isColoured ? codesOf(piece.style) : "";
         text += codes.empty() ? piece.text : "\x1b[" + codes + "m" + piece.text + "\x1b[0m";
     }

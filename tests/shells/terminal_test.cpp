@@ -414,6 +414,57 @@ TEST_F(TerminalTest, TheLanguageChosenIsStoredAndChecked) {
 
 #endif
 
+TEST_F(TerminalTest, TopShowsTasksOpensAMenuAndKeepsTheSelection) {
+    const std::string other = ".codex/sessions/" + std::string(records::kOther) + ".jsonl";
+    home.append(other, records::tokenCount("27200"));
+    home.setDate(other, 1'000'000'000);
+    PseudoTerminal& t = start("exec $b top");
+    ASSERT_TRUE(t.waitFor("C0 · 10%")) << t.screen();
+    const auto selects = [&](std::string_view text) {
+        return t.waitUntil([&] { return t.reversed().find(text) != std::string::npos; });
+    };
+    EXPECT_TRUE(selects("C1 · 47%"));
+    EXPECT_TRUE(t.waitFor("100%┤")) << "the history of the selected task";
+    t.press("j");
+    EXPECT_TRUE(selects("C0 · 10%"));
+    t.press("\033[H");
+    EXPECT_TRUE(selects("C1 · 47%"));
+    t.press("\033[U");  // Page Down of this terminal.
+    EXPECT_TRUE(selects("C0 · 10%"));
+    home.append(other, records::tokenCount("54400"));
+    EXPECT_TRUE(t.waitUntil([&] { return t.row(1).find("C0 · 20%") != std::string::npos; }))
+        << "the newest comes first" << t.screen();
+    EXPECT_TRUE(selects("C0 · 20%")) << "and is still selected";
+    t.press("\r");
+    EXPECT_TRUE(t.waitUntil([&] { return t.rightEdge().starts_with("┐│┤│││┤"); })) << t.screen();
+    t.press("\033");
+    EXPECT_TRUE(selects("C0 · 20%"));
+    t.press("?");
+    EXPECT_TRUE(t.waitFor("PgUp PgDn"));
+    t.press("q");
+    EXPECT_EQ(0, t.waitForEnd());
+}
+
+TEST_F(TerminalTest, TopIsAlignedAtEverySize) {
+    for (int i = 10; i < 40; ++i) {
+        std::string task = kTask;
+        task.replace(0, 2, std::to_string(i));
+        home.append(".codex/sessions/" + task + ".jsonl", records::tokenCount("27200"));
+        home.append(
+            ".codex/session_index.jsonl",
+            records::title(task, kScripts[static_cast<std::size_t>(i) % std::size(kScripts)]));
+    }
+    PseudoTerminal& t = start("exec $b top --limit 0");
+    for (const auto& [columns, rows] : {std::pair{40, 8}, {80, 24}, {200, 60}, {60, 17}}) {
+        t.resize(columns, rows);
+        EXPECT_TRUE(t.waitUntil([&] {
+            return t.row(0).find("STATUS") != std::string::npos &&
+                   t.row(rows - 1).find("Move") != std::string::npos &&
+                   t.reversed().find("C") != std::string::npos;
+        })) << t.screen();
+    }
+}
+
 TEST_F(TerminalTest, ColoursAreShownWhereTheyAreWanted) {
     const auto coloured = [&](const char* environment) {
         PseudoTerminal& t = start("exec $b watch", environment);
