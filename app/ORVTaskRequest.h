@@ -37,6 +37,7 @@ struct ORVListRequest {
     bool showsHelpers = false;                       ///< Each head is followed by its helpers.
     bool countsHelpers = false;  ///< Reads the first lines of all session files.
     std::size_t readAtOnce = 0;  ///< The most tasks that one call reads; 0 for no limit.
+    bool operator==(const ORVListRequest&) const = default;
 };
 
 /// What an application's surface wants to know at every refresh.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -42,10 +44,12 @@ public:
     /// Called now and then with how many of the tasks have been read.
     using Progress = std::function<void(std::size_t done, std::size_t total)>;
 
-    /// Returns the tasks of a list, newest family first. A list that is asked for once need not be
+    /// Returns the tasks of a list, newest family first: the same list again while nothing in it
+    /// can have changed, so that asking costs nothing. A list that is asked for once need not be
     /// remembered, and takes no memory for files that were read.
     enum class Memory { kept, freed };
-    ORVTaskListView list(const ORVListRequest& request, Memory memory, const Progress& progress);
+    std::shared_ptr<const ORVTaskListView> list(const ORVListRequest& request, Memory memory,
+                                                const Progress& progress);
 
     /// Returns the folders and files that could not be read for the last answer.
     std::vector<ORVUnreadable> unreadable() const;
@@ -74,6 +78,8 @@ private:
     std::vector<ORVListedTask> listed(const ORVListRequest& request);
     void readTasks(std::vector<ORVTaskView>& views, const std::vector<ORVListedTask>& tasks,
                    const std::vector<std::size_t>& places, Memory memory, const Progress& progress);
+    void keep(const std::shared_ptr<const ORVTaskListView>& list,
+              const std::vector<ORVListedTask>& tasks, const ORVListRequest& request);
     ORVTaskView viewOfListed(const ORVListedTask& listed);
     void placeInFamily(ORVTaskView& view, const ORVListedTask& listed);
 
@@ -103,4 +109,13 @@ private:
         std::vector<ORVWalkedFile> files;
     };
     std::unordered_map<std::string, KeptView> kept_;
+
+    /// The last whole list that was kept, and what it rests on.
+    struct KeptList {
+        std::shared_ptr<const ORVTaskListView> list;
+        ORVListRequest request;
+        std::uint64_t revision = 0;
+    };
+    KeptList keptList_;
+    std::optional<ORVFileDate> keptTitlesDate_;
 };

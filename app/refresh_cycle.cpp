@@ -2,6 +2,9 @@
 // refresh queue; its results come back to the UI thread and are rendered there.
 // Tests: tests/app/app_delegate_test.cpp.
 
+#include <new>
+#include <utility>
+
 #include "app/ORVAppDelegate.h"
 
 namespace {
@@ -47,8 +50,12 @@ void ORVAppDelegate::beginRefresh() {
         auto results = std::make_shared<ORVRefreshResults>();
         results->task = request.task;
         if (request.list) {
-            results->list = std::make_shared<const ORVTaskListView>(
-                self->listViewer_->list(*request.list, ORVTaskViewer::Memory::kept, {}));
+            try {
+                results->list =
+                    self->listViewer_->list(*request.list, ORVTaskViewer::Memory::kept, {});
+            } catch (const std::bad_alloc&) {
+                // There is no list until the next refresh.
+            }
         }
         results->view = self->viewer_->view(request.task);
         self->host_.runLoop().post([self, results] { self->finishRefresh(std::move(*results)); });

@@ -46,10 +46,22 @@ std::vector<ORVListedTask> ORVTaskViewer::listed(const ORVListRequest& request) 
     return tasks;
 }
 
-ORVTaskListView ORVTaskViewer::list(const ORVListRequest& request, Memory memory,
-                                    const Progress& progress) {
-    ORVTaskListView view;
+std::shared_ptr<const ORVTaskListView> ORVTaskViewer::list(const ORVListRequest& request,
+                                                           Memory memory,
+                                                           const Progress& progress) {
+    auto result = std::make_shared<ORVTaskListView>();
+    ORVTaskListView& view = *result;
     view.hasSessionsFolder = tasks_.refresh(nullptr);
+    sessions_.refreshTitleIndexIfNeeded();
+    if (keptTitlesDate_ != sessions_.titleIndexDate()) {
+        keptTitlesDate_ = sessions_.titleIndexDate();
+        kept_.clear();
+        keptList_ = {};
+    }
+    if (keptList_.list && keptList_.request == request && !request.since &&
+        keptList_.revision == tasks_.revision()) {
+        return keptList_.list;
+    }
     const std::vector<ORVListedTask> tasks = listed(request);
     std::unordered_map<std::string, KeptView> kept = std::exchange(kept_, {});
     std::vector<std::size_t> unread;
@@ -70,13 +82,23 @@ ORVTaskListView ORVTaskViewer::list(const ORVListRequest& request, Memory memory
     unread.resize(std::min(unread.size(), most));
     readTasks(view.tasks, tasks, unread, memory, progress);
     if (memory == Memory::kept) {
-        for (std::size_t i = 0; i < tasks.size(); ++i) {
-            if (view.tasks[i].isRead) {
-                kept_[tasks[i].task.threadID] = {view.tasks[i], tasks[i].task.files};
-            }
+        keep(result, tasks, request);
+    }
+    return result;
+}
+
+/// Remembers what was read. A task that could not be read is tried again at the next list.
+void ORVTaskViewer::keep(const std::shared_ptr<const ORVTaskListView>& list,
+                         const std::vector<ORVListedTask>& tasks, const ORVListRequest& request) {
+    bool isWhole = true;
+    for (std::size_t i = 0; i < tasks.size(); ++i) {
+        const ORVTaskView& row = list->tasks[i];
+        isWhole = isWhole && row.snapshot;
+        if (row.snapshot) {
+            kept_[tasks[i].task.threadID] = {row, tasks[i].task.files};
         }
     }
-    return view;
+    keptList_ = {isWhole ? list : nullptr, request, tasks_.revision()};
 }
 
 /// Reads the tasks at these places of the list, on all processors.

@@ -115,7 +115,7 @@ int showTasks(Invocation& invocation) {
     }
     {
         Progress progress;
-        list = invocation.viewer.list(
+        list = *invocation.viewer.list(
             request, ORVTaskViewer::Memory::freed,
             [&](std::size_t done, std::size_t total) { progress.show(done, total); });
     }

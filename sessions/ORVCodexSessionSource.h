@@ -113,6 +113,8 @@ public:
     /// Returns why that file could not be read; none when it is missing.
     const ORVErrorSlot& titleIndexError() const { return titles_.error(); }
 
+    const std::optional<ORVFileDate>& titleIndexDate() const { return titles_.modifiedAt(); }
+
     void refreshTitleIndexIfNeeded() { titles_.refreshIfNeeded(); }
 
     // One file and its lines, as ORVSessionReader describes them; only tests call these.

@@ -25,6 +25,9 @@ public:
     /// Returns why the last refresh could not read the file; none when it is missing.
     const ORVErrorSlot& error() const { return error_; }
 
+    /// Returns the date of the file that the titles come from; none before one was read.
+    const std::optional<ORVFileDate>& modifiedAt() const { return modifiedAt_; }
+
     /// Returns the titles by thread identifier, as they were at the last refresh.
     const Titles& titles() const { return titles_; }
 

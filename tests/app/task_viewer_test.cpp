@@ -242,11 +242,11 @@ TEST(ListedTasksTest, RowsAreReadInPiecesAndKept) {
         std::string text;
         tasks.clock.time += std::chrono::seconds(2);
         const auto list = tasks.viewer.list(request, ORVTaskViewer::Memory::kept, {});
-        for (const ORVTaskView& row : list.tasks) {
+        for (const ORVTaskView& row : list->tasks) {
             text += row.threadID.back();
             text += row.isRead ? (row.snapshot ? "" : "!") : "?";
         }
-        return text + (list.isComplete ? "" : " more");
+        return text + (list->isComplete ? "" : " more");
     };
     ORVListRequest request{.readAtOnce = 2};
     EXPECT_EQ("acb? more", rows(request)) << "a helper's change is its head's";
@@ -262,6 +262,9 @@ TEST(ListedTasksTest, RowsAreReadInPiecesAndKept) {
     }
     EXPECT_EQ("badc", rows(request));
     EXPECT_EQ(opened + 1, tasks.disk.opened);
+    EXPECT_EQ(tasks.viewer.list(request, ORVTaskViewer::Memory::kept, {}),
+              tasks.viewer.list(request, ORVTaskViewer::Memory::kept, {}))
+        << "the same list while nothing changes";
     request.limit = 1;
     request.showsHelpers = false;
     EXPECT_EQ("b", rows(request));
