@@ -20,7 +20,8 @@ std::string escaped(char c) {
         return {'\\', kNames[name]};
     }
     std::array<char, 8> code{};
-    std::snprintf(code.data(), code.size(), "\\u%04x", static_cast<unsigned>(c));
+    std::snprintf(code.data(), code.size(), "\\u%04x",
+                  static_cast<unsigned>(static_cast<unsigned char>(c)));
     return code.data();
 }
 
@@ -40,10 +41,19 @@ std::string shortestDigits(double value) {
 }  // namespace
 
 std::string quotedJSON(std::string_view bytes) {
+    constexpr unsigned char kDelete = 0x7F;
+    constexpr unsigned char kFirstAfterControls = 0xA0;
+    const std::string valid = withInvalidBytesReplaced(bytes);
     std::string text = "\"";
-    for (const char c : withInvalidBytesReplaced(bytes)) {
-        const bool isPlain = static_cast<unsigned char>(c) >= ' ' && c != '"' && c != '\\';
-        text += isPlain ? std::string(1, c) : escaped(c);
+    for (std::size_t i = 0; i < valid.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(valid[i]);
+        if (byte == 0xC2 && static_cast<unsigned char>(valid[i + 1]) < kFirstAfterControls) {
+            text += escaped(valid[++i]);  // U+0080 to U+009F, whose last byte is their number.
+        } else if (byte >= ' ' && byte != kDelete && byte != '"' && byte != '\\') {
+            text += valid[i];
+        } else {
+            text += escaped(valid[i]);
+        }
     }
     return text + '"';
 }

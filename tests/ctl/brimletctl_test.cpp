@@ -300,6 +300,9 @@ TEST(AnswersTest, DatesAndNumbersArePlain) {
     for (const auto& [number, text] : kNumbers) {
         EXPECT_EQ(text, text::numberJSON(number));
     }
+    EXPECT_EQ(R"("\u0001\u007f\u0080\u009f)"
+              "\u00A0é\"",
+              text::quotedJSON("\x01\x7F\u0080\u009F\u00A0é"));
 }
 
 TEST_F(BrimletctlTest, ExitStatuses) {
