@@ -455,8 +455,9 @@ TEST_F(TerminalTest, TopIsAlignedAtEverySize) {
             records::title(task, kScripts[static_cast<std::size_t>(i) % std::size(kScripts)]));
     }
     PseudoTerminal& t = start("exec $b top --limit 0");
-    for (const auto& [columns, rows] : {std::pair{40, 8}, {80, 24}, {200, 60}, {60, 17}}) {
-        t.resize(columns, rows);
+    for (const auto& size : {std::pair{40, 8}, {80, 24}, {200, 60}, {60, 17}}) {
+        const int rows = size.second;
+        t.resize(size.first, rows);
         EXPECT_TRUE(t.waitUntil([&] {
             return t.row(0).find("STATUS") != std::string::npos &&
                    t.row(rows - 1).find("Move") != std::string::npos &&
