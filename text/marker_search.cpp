@@ -134,7 +134,7 @@ template <typename Vector>
 
 }  // namespace
 
-#ifdef __x86_64__
+#if defined(__x86_64__) && defined(__ELF__)
 
 namespace {
 
