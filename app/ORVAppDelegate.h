@@ -100,6 +100,7 @@ public:
     /// Draws the feedback on display, if there is any, over what was just rendered.
     void applyManualRefreshFeedbackIfNeeded();
 
+    /// Whether feedback is on display.
     bool manualRefreshFeedbackActive() const { return manualRefreshFeedbackKey_.has_value(); }
 
     const ORVStatusItem& statusItem() const { return statusItem_; }
@@ -108,7 +109,7 @@ public:
     // first refresh ends.
     const std::optional<ORVTaskView>& lastView() const { return lastView_; }
     const std::optional<ORVSessionSnapshot>& lastSnapshot() const;
-    const std::optional<ORVCodexFocusState>& lastFocusState() const;
+    const std::optional<ORVCodexFocusState>& lastFocusState() const;  ///< No surface asks for it.
     const ORVErrorSlot& lastError() const;
     std::shared_ptr<const ORVHistory> lastHistory() const;
 

@@ -43,7 +43,7 @@ void ORVAppDelegate::finishManualRefreshFeedbackWithKey(const std::string& key) 
 }
 
 void ORVAppDelegate::applyManualRefreshFeedbackIfNeeded() {
-    if (!manualRefreshFeedbackKey_) {
+    if (!manualRefreshFeedbackActive()) {
         return;
     }
     const std::string feedback = text(*manualRefreshFeedbackKey_);

@@ -97,7 +97,7 @@ std::shared_ptr<const ORVHistory> ORVAppDelegate::lastHistory() const {
 std::string ORVAppDelegate::statusLine() const {
     const std::string& line = lastSnapshot() ? lastSnapshot()->title() : focusItem_->title;
     const bool isTitleAlone =
-        manualRefreshFeedbackKey_ || (!lastSnapshot() && focusItem_->hidden) || line.empty();
+        manualRefreshFeedbackActive() || (!lastSnapshot() && focusItem_->hidden) || line.empty();
     return isTitleAlone ? statusItem_.title : statusItem_.title + "  " + line;
 }
 
@@ -114,7 +114,7 @@ std::vector<std::string> ORVAppDelegate::informationLines() const {
 
 std::string ORVAppDelegate::spokenStatus() const {
     const std::string program = statusItem_.toolTip + ", ";
-    if (manualRefreshFeedbackKey_) {
+    if (manualRefreshFeedbackActive()) {
         return program + statusItem_.title;
     }
     if (lastSnapshot()) {

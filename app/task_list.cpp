@@ -17,11 +17,9 @@ constexpr std::size_t kBatch = 256;
 
 /// Returns the date so long before this moment.
 ORVFileDate before(ORVClock::TimePoint now, std::chrono::seconds age) {
-    const auto time = now.time_since_epoch() - age;
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
-    return {seconds.count(),
-            static_cast<std::int32_t>(
-                std::chrono::duration_cast<std::chrono::nanoseconds>(time - seconds).count())};
+    // In seconds: nanoseconds would overflow for a long time.
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(now.time_since_epoch()) - age;
+    return {seconds.count(), 0};
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ int showHistory(Invocation& invocation) {
     std::vector<app::Compaction> compactions = app::compactionsOf(history);
     if (arguments.since) {
         app::leaveOutOlder(
-            std::chrono::floor<std::chrono::seconds>(invocation.clock.now() - *arguments.since),
+            std::chrono::floor<std::chrono::seconds>(invocation.clock.now()) - *arguments.since,
             history, compactions);
     }
     switch (arguments.format) {

@@ -4,13 +4,16 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <set>
 #include <utility>
 
+#include "app/figures.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "shells/lines/answer_json.h"
 #include "shells/lines/answer_text.h"
 #include "shells/terminal/table.h"
+#include "text/bytes.h"
 
 namespace ctl {
 namespace {
@@ -96,6 +99,49 @@ std::string textOf(const Invocation& invocation, const ORVTaskListView& list) {
     return text;
 }
 
+/// Whether a task that was written at this date would be in the list, had it been read.
+bool wouldBeListed(const std::optional<ORVFileDate>& date, const ORVListRequest& request,
+                   const ORVTaskListView& list, ORVClock::TimePoint now) {
+    if (!date || request.folder || (request.since && app::age(*date, now) > *request.since)) {
+        return false;
+    }
+    std::size_t heads = 0;
+    ORVFileDate oldest;
+    for (const ORVTaskView& view : list.tasks) {
+        if (!view.isHelper) {
+            ++heads;
+            oldest = view.changedAt;
+        }
+    }
+    return request.limit == 0 || heads < request.limit || *date >= oldest;
+}
+
+/// Complains of every task that had to be left out, and returns whether there is one: a file of it
+/// cannot be read, or the only file that it has.
+bool nameTasksLeftOut(Invocation& invocation, const ORVListRequest& request,
+                      const ORVTaskListView& list) {
+    std::set<std::string> named;
+    const auto name = [&](const std::string& task, const ORVErrorSlot& error) {
+        if (named.insert(task).second) {
+            complain("cannot read the task " + task + (error ? ": " + error->description : ""));
+        }
+    };
+    for (const ORVTaskView& view : list.tasks) {
+        if (!view.snapshot) {
+            name(view.threadID, view.error);
+        }
+    }
+    for (const ORVUnreadable& file : invocation.viewer.unreadable()) {
+        const auto attributes = invocation.files->attributesOfItem(file.path, nullptr);
+        if (!file.isFolder && attributes &&
+            wouldBeListed(attributes->modifiedAt, request, list, invocation.clock.now())) {
+            const auto task = ORVCodexSessionSource::threadIDFromSessionURL(file.path);
+            name(task.value_or(std::string(text::lastPathComponent(file.path))), file.error);
+        }
+    }
+    return !named.empty();
+}
+
 }  // namespace
 
 int showTasks(Invocation& invocation) {
@@ -123,12 +169,8 @@ int showTasks(Invocation& invocation) {
         complain(reasonForNoSessions(invocation) + "; try: brimletctl doctor");
         status = kNothingToShow;
     }
-    for (const ORVTaskView& view : list.tasks) {
-        if (!view.snapshot) {
-            complain("cannot read the task " + view.threadID +
-                     (view.error ? ": " + view.error->description : ""));
-            status = kNothingToShow;
-        }
+    if (nameTasksLeftOut(invocation, request, list)) {
+        status = kNothingToShow;
     }
     std::erase_if(list.tasks, [](const ORVTaskView& view) { return !view.snapshot; });
     tellOfUnreadable(invocation);

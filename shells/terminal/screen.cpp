@@ -148,14 +148,6 @@ std::string repeated(std::string_view piece, int count) {
     return result;
 }
 
-std::string plainText(const Row& row) {
-    std::string text;
-    for (const Piece& piece : row) {
-        text += piece.text;
-    }
-    return text;
-}
-
 std::string line(const Row& row, bool isColoured) {
     Row trimmed = row;
     while (!trimmed.empty()) {

@@ -45,9 +45,6 @@ struct Piece {
 /// A row from left to right.
 using Row = std::vector<Piece>;
 
-/// Returns the row's text without its styles.
-std::string plainText(const Row& row);
-
 /// Returns the row as one line, with the sequences that every terminal with colours understands if
 /// it is to be coloured, without spaces at its end, and with a line feed.
 std::string line(const Row& row, bool isColoured);

@@ -182,6 +182,7 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
     EXPECT_EQ(kSecond + kFirst, run("$b tasks").output);
     EXPECT_EQ(kSecond, run("$b tasks --limit 1").output);
     EXPECT_EQ("", run("$b tasks --since 1h").output);
+    EXPECT_EQ(kSecond + kFirst, run("$b tasks --since 999999999w").output);
     EXPECT_EQ("10 27200\n47 128000\n", run("$b tasks --format '{percent} {used}'").output);
     EXPECT_EQ(0, run("$b tasks --json | grep -q "
                      "'\"folder\":null,\"agent\":{.*},\"parent\":null,\"helpers\":0,'")
@@ -211,6 +212,26 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
         "brimletctl watch shows no task, since none is in view in the desktop application; "
         "brimletctl watch --latest shows: C0 · 10%  Codex\n",
         run("$b doctor | tail -1").output);
+}
+
+TEST_F(BrimletctlTest, ATaskThatMayNotBeReadIsNamed) {
+    if (run("setpriv --reuid 65534 true").status != 0) {
+        GTEST_SKIP() << "only root on Linux can become a user who may not read";
+    }
+    makeTask();
+    const std::string secret = ".codex/sessions/2026/" + std::string(records::kOther) + ".jsonl";
+    home.append(secret, records::tokenCount("27200"));
+    home.setDate(secret, 2'000'000'000);
+    const std::string as = "chmod 755 . && chmod 0 " + secret +
+                           " && cp $b b && setpriv --reuid 65534 --clear-groups ./b tasks ";
+    const std::string named = "brimletctl: cannot read the task " + std::string(records::kOther) +
+                              ": Permission denied\n";
+    const Outcome outcome = run(as + "--format '{used}'");
+    EXPECT_EQ(named + "128000\n", outcome.output);
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ(1, run(as + "--limit 1 --json").status);
+    home.setDate(secret, 1'000'000);
+    EXPECT_EQ(0, run(as + "--limit 1 --json").status) << "it would not be in the list";
 }
 
 TEST_F(BrimletctlTest, DrawsHistories) {

@@ -36,7 +36,11 @@ protected:
         std::string text;
         for (const terminal::Row& row :
              terminal::table(tasks, 0, 9, {l10n::kEnglishWords, kNow}, screen)) {
-            EXPECT_GE(columns, terminal::textColumns(terminal::plainText(row)));
+            int used = 0;
+            for (const terminal::Piece& piece : row) {
+                used += terminal::textColumns(piece.text);
+            }
+            EXPECT_GE(columns, used);
             text += terminal::line(row, false);
         }
         return text;

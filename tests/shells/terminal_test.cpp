@@ -445,7 +445,7 @@ TEST_F(TerminalTest, TopShowsTasksOpensAMenuAndKeepsTheSelection) {
     EXPECT_EQ(0, t.waitForEnd());
 }
 
-TEST_F(TerminalTest, TopIsAlignedAtEverySize) {
+TEST_F(TerminalTest, TopHasItsHeadTheSelectionAndTheKeysAtEverySize) {
     for (int i = 10; i < 40; ++i) {
         std::string task = kTask;
         task.replace(0, 2, std::to_string(i));
