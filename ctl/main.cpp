@@ -17,7 +17,7 @@
 #include "ctl/revision.h"
 #include "platform/confinement.h"
 #include "platform/home_folder.h"
-#include "platform/memory.h"
+#include "platform/process.h"
 #include "platform/user_defaults.h"
 
 namespace {
@@ -74,6 +74,7 @@ int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {
 }  // namespace
 
 int main(int count, char** values) {
+    platform::closeInheritedDescriptors();
     ctl::holdStandardDescriptors();
     // Without these signals, the result of a write tells that the reader has closed its end, or
     // that the file has reached its largest size.

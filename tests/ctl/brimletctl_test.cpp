@@ -190,6 +190,8 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
     home.makeFolder("work\t/site/deep");
     EXPECT_EQ("C0 · 10%  Codex\n", run("cd work*/site/deep && $b here").output);
     EXPECT_EQ("C0 · 10%  Codex\n", run("$b here --folder work*/site").output);
+    EXPECT_EQ(1, run("exec 9<$(echo work*/site); $b here --folder /dev/fd/9").status)
+        << "what a parent process left open is closed";
     EXPECT_EQ("brimletctl: no task works in " + home.root() + "; try: brimletctl tasks\n",
               run("$b here").output);
     EXPECT_EQ(1, run("$b here").status);
