@@ -15,6 +15,7 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "ctl/revision.h"
+#include "l10n/ORVLocalizer.h"
 #include "platform/confinement.h"
 #include "platform/home_folder.h"
 #include "platform/process.h"
@@ -33,8 +34,9 @@ ORVConfinement confineProcess(Call call) {
         setenv("HOME", home.c_str(), 1);
     }
     const bool stores = call == Call::watch || call == Call::top;
-    return platform::confineProcess(stores ? platform::foldersOfUserDefaults()
-                                           : std::vector<std::string>());
+    return platform::confineProcess(
+        stores ? platform::makeFoldersOfUserDefaults(ORVLocalizer::kModeKey)
+               : std::vector<std::string>());
 }
 
 int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {

@@ -1,4 +1,4 @@
-// The choice of a language. It is stored under one key that every version of the program shares.
+// The choice of a language.
 // Tests: tests/l10n/localizer_test.cpp.
 
 #include "l10n/ORVLocalizer.h"
@@ -8,8 +8,6 @@
 #include "platform/locale.h"
 
 namespace {
-
-constexpr std::string_view kModeKey = "BrimletLanguageMode";
 
 const ORVLanguage* languageWithMode(std::int64_t mode) {
     const auto languages = l10n::languages();

@@ -12,6 +12,9 @@
 /// thread only.
 class ORVLocalizer {
 public:
+    /// The choice is stored under this key, which every version of the program shares.
+    static constexpr std::string_view kModeKey = "BrimletLanguageMode";
+
     /// Takes the system's preferred languages of this moment. The defaults must outlive the
     /// localizer. A stored number that is not a language mode counts as the system's mode and stays
     /// stored.

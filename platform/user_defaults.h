@@ -37,9 +37,8 @@ std::unique_ptr<ORVUserDefaults> standardUserDefaults(ORVStoringFailureHandler c
 /// Returns where the settings are stored, for a person to read: a path, or the name of a domain.
 std::string placeOfUserDefaults();
 
-/// Returns the folders in which storing a setting writes: the folder of the settings or, while that
-/// does not exist, the folder in which it will be made. Empty where the system stores settings
-/// elsewhere, and where storing would be refused.
-std::vector<std::string> foldersOfUserDefaults();
+/// Makes the folder in which storing a number under the key writes, unless it exists, and returns
+/// it. Empty where the system stores settings elsewhere, and where storing would be refused.
+std::vector<std::string> makeFoldersOfUserDefaults(std::string_view key);
 
 }  // namespace platform

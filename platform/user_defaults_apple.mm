@@ -72,7 +72,7 @@ std::string placeOfUserDefaults() {
     return "the user defaults of com.orvellan.brimlet";
 }
 
-std::vector<std::string> foldersOfUserDefaults() {
+std::vector<std::string> makeFoldersOfUserDefaults(std::string_view) {
     return {};
 }
 

@@ -4,8 +4,9 @@
 //
 // Something else may stand at that path: a link to a device, to another user's file when root runs
 // with that user's home, or to a file of another program. Therefore only a regular file of this
-// user that already holds such an object is replaced; keys of others and the mode stay. Everything
-// else is left alone and named. Tests: tests/platform/linux_test.cpp.
+// user is replaced that is empty or holds an object, behind a link only one that is empty or has
+// the key; keys of others and the rights stay. Everything else is left alone and named. Tests:
+// tests/platform/linux_test.cpp.
 
 #include <fcntl.h>
 #include <simdjson.h>
@@ -15,10 +16,12 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <utility>
 
-#include "platform/ORVError.h"
+#include "platform/descriptors.h"
+#include "platform/files.h"
 #include "platform/home_folder.h"
 #include "platform/user_defaults.h"
 #include "text/bytes.h"
@@ -41,76 +44,78 @@ std::string reasonOf(int errnoValue) {
     return posixError(errnoValue).description;
 }
 
-struct Descriptor {
-    int number = -1;
-    ~Descriptor() {
-        if (number >= 0) {
-            close(number);
-        }
-    }
-};
-
 /// The settings as they are stored.
 struct StoredSettings {
-    std::string content = "{}";
-    std::string path;  ///< The path of the file itself, links followed.
+    std::string content = "{}";  ///< An object.
+    std::string path;            ///< The path of the file itself, links followed.
     mode_t mode = 0600;
     std::string refusal;  ///< Why the file must not be replaced; "" when it may.
 };
 
-std::string bytesOf(int descriptor) {
-    std::string bytes(kLimitBytes + 1, '\0');
-    std::size_t size = 0;
-    while (size < bytes.size()) {
-        const ssize_t count = read(descriptor, bytes.data() + size, bytes.size() - size);
-        if (count <= 0 && !(count < 0 && errno == EINTR)) {
-            break;
-        }
-        size += count > 0 ? static_cast<std::size_t>(count) : 0;
+/// Returns the fields of an object, and none for another text. They are valid as long as the parser
+/// is.
+std::optional<dom::object> objectIn(const std::string& content, dom::parser& parser) {
+    dom::object object;
+    return parser.parse(content).get(object) == simdjson::SUCCESS ? std::optional(object)
+                                                                  : std::nullopt;
+}
+
+/// Why the file at the end of a link must not be replaced; "" when it may.
+std::string refusalOfLinked(const dom::object& object, std::string_view key) {
+    const bool isOurs = object.size() == 0 || !object.at_key(key).error();
+    return isOurs ? "" : "it is a link to a file of another program";
+}
+
+/// Returns "" when the open file may be replaced, else why not.
+std::string refusalOf(const std::string& path, const struct stat& status,
+                      const StoredSettings& settings, std::string_view key) {
+    struct stat item;
+    if (status.st_uid != geteuid() || lstat(path.c_str(), &item) != 0 ||
+        item.st_uid != status.st_uid) {
+        return "the file belongs to another user";
     }
-    bytes.resize(size);
-    return bytes;
-}
-
-bool isObject(const std::string& content) {
     dom::parser parser;
-    return parser.parse(content).is_object();
+    return S_ISLNK(item.st_mode) ? refusalOfLinked(*objectIn(settings.content, parser), key) : "";
 }
 
-StoredSettings storedSettings(const std::string& path) {
+StoredSettings storedSettings(const std::string& path, std::string_view key) {
     StoredSettings settings;
     settings.path = path;
     const auto refused = [&](std::string reason) {
         settings.refusal = std::move(reason);
         return settings;
     };
-    const Descriptor file{open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)};
-    if (file.number < 0) {
+    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status;
+    if (file.number() < 0) {
         const int failure = errno;
-        struct stat link;
-        const bool isNothing = failure == ENOENT && lstat(path.c_str(), &link) != 0;
+        const bool isNothing = failure == ENOENT && lstat(path.c_str(), &status) != 0;
         return isNothing ? settings
                          : refused(failure == ENOENT ? "a link that leads nowhere stands there"
                                                      : reasonOf(failure));
     }
-    struct stat status;
-    if (fstat(file.number, &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return refused("it is not a regular file");
     }
     if (status.st_size > static_cast<off_t>(kLimitBytes)) {
         return refused("the file is larger than 64 KB");
     }
-    std::string content = bytesOf(file.number);
-    if (!isObject(content)) {
-        return refused("the file is not a JSON object");
+    std::string content(kLimitBytes, '\0');
+    const ssize_t size =
+        uninterrupted([&] { return read(file.number(), content.data(), content.size()); });
+    if (size < 0) {
+        return refused(reasonOf(errno));
     }
-    settings.content = std::move(content);
-    settings.mode = status.st_mode & 07777;
-    struct stat link;
-    if (status.st_uid != geteuid() || lstat(path.c_str(), &link) != 0 ||
-        link.st_uid != status.st_uid) {
-        return refused("the file belongs to another user");
+    content.resize(static_cast<std::size_t>(size));
+    dom::parser parser;
+    if (!content.empty()) {
+        if (!objectIn(content, parser)) {
+            return refused("the file is not a JSON object");
+        }
+        settings.content = std::move(content);
     }
+    settings.mode = status.st_mode & 0777;
+    settings.refusal = refusalOf(path, status, settings, key);
     const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
                                                              &std::free);
     settings.path = target ? target.get() : path;
@@ -135,14 +140,11 @@ std::int64_t integerOf(const dom::element& value) {
 /// Returns the object with this number under the key. Its other fields stay as they are.
 std::string withInteger(const std::string& content, std::string_view key, std::int64_t value) {
     dom::parser parser;
-    dom::object settings;
+    const dom::object settings = *objectIn(content, parser);
     std::string fields;
-    if (parser.parse(content).get(settings) == simdjson::SUCCESS) {
-        for (const dom::key_value_pair field : settings) {
-            if (field.key != key) {
-                fields +=
-                    text::quotedJSON(field.key) + ':' + simdjson::to_string(field.value) + ',';
-            }
+    for (const dom::key_value_pair field : settings) {
+        if (field.key != key) {
+            fields += text::quotedJSON(field.key) + ':' + simdjson::to_string(field.value) + ',';
         }
     }
     return '{' + fields + text::quotedJSON(key) + ':' + std::to_string(value) + "}\n";
@@ -176,15 +178,36 @@ bool writeDurably(int descriptor, std::string_view bytes) {
     return fsync(descriptor) == 0;
 }
 
+/// Removes files that programs left beside the settings because they were killed. Younger ones may
+/// belong to a program that stores at this moment.
+void removeAbandoned(const std::string& begin) {
+    constexpr std::int64_t kYoungSeconds = 60;
+    const std::string folder = text::folderOf(begin);
+    const std::string_view nameBegin = text::lastPathComponent(begin);
+    const auto opened = makeFiles()->openFolder(folder, ORVFiles::Links::followed, nullptr);
+    if (!opened) {
+        return;
+    }
+    opened->readItems([&](std::string_view name) { return name.starts_with(nameBegin); },
+                      [&](const char* name, const ORVItemStatus& status) {
+                          if (status.modifiedAt.seconds < std::time(nullptr) - kYoungSeconds) {
+                              unlink((folder + '/' + name).c_str());
+                          }
+                      },
+                      [](const char*) {}, [](const std::string&, ORVError&&) {});
+}
+
 /// Writes the content beside the file and renames it over the file. Returns 0, or the errno of the
 /// failure.
 int replaceFile(const StoredSettings& settings, const std::string& content) {
-    std::string temporary = settings.path + ".XXXXXX";
-    const Descriptor file{mkostemp(temporary.data(), O_CLOEXEC)};
-    if (file.number < 0) {
+    const std::string begin = settings.path + ".brimlet-";
+    removeAbandoned(begin);
+    std::string temporary = begin + "XXXXXX";
+    const FileDescriptor file(mkostemp(temporary.data(), O_CLOEXEC));
+    if (file.number() < 0) {
         return errno;
     }
-    if (fchmod(file.number, settings.mode) == 0 && writeDurably(file.number, content) &&
+    if (fchmod(file.number(), settings.mode) == 0 && writeDurably(file.number(), content) &&
         rename(temporary.c_str(), settings.path.c_str()) == 0) {
         return 0;
     }
@@ -199,20 +222,18 @@ public:
         : path_(settingsPath()), cannotStore_(std::move(cannotStore)) {}
 
     std::optional<std::int64_t> integerForKey(std::string_view key) override {
-        const StoredSettings settings = storedSettings(path_);
+        const StoredSettings settings = storedSettings(path_, key);
         dom::parser parser;
-        dom::object object;
+        const dom::object object = *objectIn(settings.content, parser);
         std::optional<std::int64_t> found;
-        if (parser.parse(settings.content).get(object) == simdjson::SUCCESS) {
-            for (const dom::key_value_pair field : object) {
-                found = field.key == key ? integerOf(field.value) : found;
-            }
+        for (const dom::key_value_pair field : object) {
+            found = field.key == key ? integerOf(field.value) : found;
         }
         return found;
     }
 
     void setInteger(std::int64_t value, std::string_view key) override {
-        const StoredSettings settings = storedSettings(path_);
+        const StoredSettings settings = storedSettings(path_, key);
         std::string reason = settings.refusal;
         if (reason.empty()) {
             int failure = makeFolders(text::folderOf(path_));
@@ -242,16 +263,14 @@ std::string placeOfUserDefaults() {
     return settingsPath();
 }
 
-std::vector<std::string> foldersOfUserDefaults() {
-    const StoredSettings settings = storedSettings(settingsPath());
+std::vector<std::string> makeFoldersOfUserDefaults(std::string_view key) {
+    const StoredSettings settings = storedSettings(settingsPath(), key);
     if (!settings.refusal.empty()) {
         return {};
     }
     std::string folder = text::folderOf(settings.path);
-    while (access(folder.c_str(), F_OK) != 0 && folder != "/" && folder != homeFolder()) {
-        folder = text::folderOf(folder);
-    }
-    return {folder};
+    makeFolders(folder);  // Storing will say why this failed.
+    return {std::move(folder)};
 }
 
 }  // namespace platform

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <set>
 
@@ -169,7 +170,7 @@ TEST_F(UserDefaultsTest, ForeignValuesAreReadAsTheyCanBe) {
 
 TEST_F(UserDefaultsTest, AreStoredWholeBesideOtherKeys) {
     home.write(file, R"({"mode":0,"their \"own\"":[1.5,{"a":null}],"mode":1})");
-    chmod(home.path(file).c_str(), 0644);
+    chmod(home.path(file).c_str(), 02644);
     store(2);
     EXPECT_EQ("", complaints);
     EXPECT_EQ(2, stored());
@@ -177,6 +178,9 @@ TEST_F(UserDefaultsTest, AreStoredWholeBesideOtherKeys) {
     struct stat status {};
     stat(home.path(file).c_str(), &status);
     EXPECT_EQ(0644U, status.st_mode & 07777);
+    home.write(file, "");
+    store(1);
+    EXPECT_EQ("{\"mode\":1}\n", home.content(file)) << "as if it were {}";
     home.remove("config");
     store(1);
     EXPECT_EQ(1, stored()) << "folders are made as needed";
@@ -188,14 +192,29 @@ TEST_F(UserDefaultsTest, AreStoredWholeBesideOtherKeys) {
     EXPECT_NE("", complaints);
 }
 
+TEST_F(UserDefaultsTest, WhatKilledProgramsLeftIsRemoved) {
+    for (const char* left : {".brimlet-young1", ".brimlet-older1", ".backup"}) {
+        home.write(file + left, "{}");
+        home.setDate(file + left, 1'000);
+    }
+    home.setDate(file + ".brimlet-young1", static_cast<double>(std::time(nullptr)));
+    store(1);
+    EXPECT_TRUE(home.holds(file + ".brimlet-young1")) << "its program may be storing";
+    EXPECT_FALSE(home.holds(file + ".brimlet-older1"));
+    EXPECT_TRUE(home.holds(file + ".backup"));
+}
+
 TEST_F(UserDefaultsTest, ALinkIsFollowedToSettingsOfTheSameOwnerOnly) {
-    home.write("elsewhere/settings", R"({"a":1})");
     home.makeFolder("config/brimlet");
     home.makeLink(file, "../../elsewhere/settings");
-    store(2);
-    EXPECT_EQ("", complaints);
+    for (const char* settings : {"", " {}", R"({"mode":"x"})", R"({"a":1,"mode":0})"}) {
+        home.write("elsewhere/settings", settings);
+        store(2);
+        EXPECT_EQ("", complaints) << settings;
+        EXPECT_EQ(2, stored()) << settings;
+    }
     EXPECT_EQ("{\"a\":1,\"mode\":2}\n", home.content("elsewhere/settings"));
-    EXPECT_EQ(std::vector{home.path("elsewhere")}, platform::foldersOfUserDefaults());
+    EXPECT_EQ(std::vector{home.path("elsewhere")}, platform::makeFoldersOfUserDefaults("mode"));
     if (geteuid() == 0 && chown(home.path("elsewhere/settings").c_str(), 12345, 12345) == 0) {
         store(1);
         EXPECT_NE(std::string::npos, complaints.find("another user")) << complaints;
@@ -211,8 +230,10 @@ TEST_F(UserDefaultsTest, WhatIsNoSettingsFileStaysAsItIs) {
     home.write("notes", "# not settings\n");
     home.write("large", "{\"a\":\"" + std::string(70'000, 'x') + "\"}");
     home.write("list", "[1]");
+    home.write("editor", R"({"tabs":4})");
     home.makeFolder("folder");
-    for (const char* target : {"notes", "large", "list", "folder", "nowhere", "/dev/null"}) {
+    for (const char* target :
+         {"notes", "large", "list", "editor", "folder", "nowhere", "/dev/null"}) {
         home.remove("config");
         home.makeFolder("config/brimlet");
         home.makeLink(file, *target == '/' ? target : home.path(target));
@@ -223,7 +244,8 @@ TEST_F(UserDefaultsTest, WhatIsNoSettingsFileStaysAsItIs) {
         EXPECT_TRUE(std::filesystem::is_symlink(home.path(file))) << target;
         EXPECT_EQ(before, home.content(file)) << target;
         EXPECT_FALSE(home.holds("nowhere"));
-        EXPECT_TRUE(platform::foldersOfUserDefaults().empty()) << "nothing is left to write in";
+        EXPECT_TRUE(platform::makeFoldersOfUserDefaults("mode").empty())
+            << "nothing is left to write in";
     }
     home.remove("config");
     home.write(file, "not JSON");
@@ -231,9 +253,13 @@ TEST_F(UserDefaultsTest, WhatIsNoSettingsFileStaysAsItIs) {
     EXPECT_EQ("not JSON", home.content(file));
 }
 
-TEST_F(UserDefaultsTest, SayWhereTheyAreStored) {
-    EXPECT_EQ(std::vector{home.root()}, platform::foldersOfUserDefaults()) << "what exists so far";
+TEST_F(UserDefaultsTest, TheirFolderIsMadeForTheUserAlone) {
     EXPECT_EQ(home.path(file), platform::placeOfUserDefaults());
+    EXPECT_EQ(std::vector{home.path("config/brimlet")},
+              platform::makeFoldersOfUserDefaults("mode"));
+    struct stat status {};
+    stat(home.path("config/brimlet").c_str(), &status);
+    EXPECT_EQ(0700U, status.st_mode & 07777);
 }
 
 TEST_F(UserDefaultsTest, AFolderThatCannotBeWrittenIsToldOnce) {
