@@ -54,6 +54,10 @@ public:
     /// Returns the folders and files that could not be read for the last answer.
     std::vector<ORVUnreadable> unreadable() const;
 
+    /// Returns the files and folders that hold all that is read. Below a folder everything may be
+    /// read; what may be a link that leads elsewhere is named by itself.
+    std::vector<std::string> placesToRead() const;
+
     ORVCodexSessionSource& sessions() { return sessions_; }
     ORVCodexFocusLogSource& focus() { return focus_; }
 

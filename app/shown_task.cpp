@@ -59,6 +59,11 @@ ORVTaskViewer::ORVTaskViewer(ORVFiles& files, const ORVClock& clock, const std::
       focus_(files, clock),
       tasks_(files, clock, sessions_.sessionsFolder()) {}
 
+std::vector<std::string> ORVTaskViewer::placesToRead() const {
+    return {text::folderOf(sessions_.sessionsFolder()), sessions_.sessionsFolder(),
+            sessions_.titleIndexPath(), focus_.logsRoot(), focus_.infoPlistPath()};
+}
+
 ORVTaskView ORVTaskViewer::view(const ORVShownTask& task) {
     try {
         if (std::exchange(lastTask_, task) != task) {

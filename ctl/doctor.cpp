@@ -246,12 +246,13 @@ private:
     }
 
     void lookAtConfinement() {
-        const bool isWhole = confinement_.filtersCalls && confinement_.limitsWriting;
+        const bool isWhole = confinement_.filtersCalls && confinement_.limitsFiles;
         tell({"confinement", "Confinement", std::nullopt, isWhole ? kFound : kMissing,
               std::string(confinement_.filtersCalls ? "the kernel allows no network and no programs"
                                                     : "the kernel does not filter system calls") +
-                  (confinement_.limitsWriting ? ", and no writing of files"
-                                              : "; it does not limit writing to folders")});
+                  (confinement_.limitsFiles
+                       ? ", no writing of files, and no reading but of these places"
+                       : "; it does not limit files to places")});
     }
 
     void lookAtMenuBar() {

@@ -25,34 +25,31 @@ namespace {
 
 using ctl::Call;
 
-/// Gives up every right that the call does not need. Only the menu stores a setting.
-ORVConfinement confineProcess(Call call) {
-    // Looking up the home folder may need a socket, so it is done once, before sockets are given
-    // up.
+/// Looking up the home folder may need a socket, so it is done once, before sockets are given up.
+void keepHomeFolder() {
     const std::string home = platform::homeFolder();
     if (!home.empty()) {
         setenv("HOME", home.c_str(), 1);
     }
-    const bool stores = call == Call::watch || call == Call::top;
-    return platform::confineProcess(
-        stores ? platform::makeFoldersOfUserDefaults(ORVLocalizer::kModeKey)
-               : std::vector<std::string>());
 }
 
-int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {
-    switch (arguments.call) {
-        case Call::help:
-            return ctl::finish(ctl::helpText(arguments.helpTopic), ctl::kAnswered);
-        case Call::version:
-            return ctl::finish("brimletctl " BRIMLET_VERSION BRIMLET_REVISION "\n", ctl::kAnswered);
-        case Call::watch:
-            return ctl::watch(arguments, ctl::codexHome(arguments.codexHome).path);
-        case Call::top:
-            return ctl::top(arguments, ctl::codexHome(arguments.codexHome).path);
-        default:
-            break;
+/// Gives up every right that a call does not need whose answer is given at once, or, for `query`,
+/// as long as there are questions: what it is to read may be made meanwhile.
+ORVConfinement confineProcess(const ctl::Invocation& invocation) {
+    ORVFileRights rights;
+    if (invocation.arguments.call != Call::query) {
+        rights.placesToRead = invocation.viewer.placesToRead();
     }
+    if (invocation.arguments.call == Call::doctor) {
+        rights.placesToRead->push_back(invocation.home.path + "/archived_sessions");
+        rights.placesToRead->push_back(platform::placeOfUserDefaults());
+    }
+    return platform::confineProcess(rights);
+}
+
+int answerOnce(const ctl::Arguments& arguments) {
     ctl::Invocation invocation(arguments, ctl::codexHome(arguments.codexHome));
+    const ORVConfinement confinement = confineProcess(invocation);
     switch (arguments.call) {
         case Call::tasks:
             return ctl::showTasks(invocation);
@@ -73,6 +70,26 @@ int answer(const ctl::Arguments& arguments, const ORVConfinement& confinement) {
     }
 }
 
+int answer(const ctl::Arguments& arguments) {
+    keepHomeFolder();
+    switch (arguments.call) {
+        case Call::help:
+            return ctl::finish(ctl::helpText(arguments.helpTopic), ctl::kAnswered);
+        case Call::version:
+            return ctl::finish("brimletctl " BRIMLET_VERSION BRIMLET_REVISION "\n", ctl::kAnswered);
+        case Call::watch:
+        case Call::top:
+            break;
+        default:
+            return answerOnce(arguments);
+    }
+    // The menu stores a setting, and only its reading thread is confined to what it reads.
+    platform::confineProcess({platform::makeFoldersOfUserDefaults(ORVLocalizer::kModeKey), {}});
+    const std::string codexHome = ctl::codexHome(arguments.codexHome).path;
+    return arguments.call == Call::watch ? ctl::watch(arguments, codexHome)
+                                         : ctl::top(arguments, codexHome);
+}
+
 }  // namespace
 
 int main(int count, char** values) {
@@ -87,9 +104,8 @@ int main(int count, char** values) {
         const auto parsed = ctl::parseArguments(
             count, values, isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0);
         const auto* arguments = std::get_if<ctl::Arguments>(&parsed);
-        const ORVConfinement confinement = confineProcess(arguments ? arguments->call : Call::help);
         if (arguments) {
-            return answer(*arguments, confinement);
+            return answer(*arguments);
         }
         ctl::explainMistake(std::get<ctl::Mistake>(parsed));
         return ctl::kUsageError;

@@ -1,6 +1,7 @@
 // Limits what the program can ask of the kernel. This file holds first the list of allowed system
-// calls, of which libseccomp makes a filter, and then the use of Landlock for the folders in which
-// files may be changed. A call that is not on the list fails with an error, as any call can.
+// calls, of which libseccomp makes a filter, and then the use of Landlock for the places where
+// files may be read and changed. A call that is not on the list fails with an error, as any call
+// can.
 //
 // The list holds what this program, glibc (2.28 to 2.42) and musl call after a program has started.
 // Memory can no longer be made executable, so no library can be loaded later. Nothing needs one:
@@ -20,11 +21,12 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <bitset>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <initializer_list>
-#include <iterator>
 #include <memory>
 #include <new>
 
@@ -86,10 +88,13 @@ constexpr int kCallsForStoring[] = {
     // Opening files with all flags.
     SYS_openat, SYS_mkdirat, SYS_renameat, SYS_unlinkat, SYS_fsync,
 #ifdef SYS_open
-    SYS_open, SYS_mkdir, SYS_rename, SYS_unlink,
+    SYS_open,   SYS_mkdir,   SYS_rename,   SYS_unlink,
 #endif
-    // The reading thread begins with the same rights, and gives them up by these.
-    kLandlockCreateRuleset, kLandlockRestrictSelf};
+};
+
+/// Further calls, for a thread that has rights to give up.
+constexpr int kCallsForConfining[] = {kLandlockCreateRuleset, kLandlockAddRule,
+                                      kLandlockRestrictSelf};
 
 /// Conditions on an argument, counted from 0. A value is compared with the lower half of the
 /// register, which is all that the kernel uses of an int.
@@ -117,6 +122,9 @@ public:
 
     /// Allows the call if all conditions hold. One call may have several rules.
     void allow(int call, std::initializer_list<scmp_arg_cmp> conditions = {}) {
+        if (call >= kFirstYoungCall) {
+            isAllowed_.set(static_cast<std::size_t>(call));
+        }
         require(seccomp_rule_add_array(filter_.get(), SCMP_ACT_ALLOW, call,
                                        static_cast<unsigned>(conditions.size()),
                                        conditions.begin()));
@@ -128,8 +136,14 @@ public:
         }
     }
 
-    void pretendUnknown(int call) {
-        require(seccomp_rule_add_array(filter_.get(), SCMP_ACT_ERRNO(ENOSYS), call, 0, nullptr));
+    /// Answers young calls without a rule as a kernel does that does not know them.
+    void pretendNotToKnowOthers() {
+        for (std::size_t call = kFirstYoungCall; call < isAllowed_.size(); ++call) {
+            if (!isAllowed_[call]) {
+                require(seccomp_rule_add_array(filter_.get(), SCMP_ACT_ERRNO(ENOSYS),
+                                               static_cast<int>(call), 0, nullptr));
+            }
+        }
     }
 
     /// Returns whether the kernel has filters, and so uses this one.
@@ -144,6 +158,7 @@ private:
     }
 
     const std::unique_ptr<void, decltype(&seccomp_release)> filter_;
+    std::bitset<kLastYoungCall + 1> isAllowed_;  ///< Young calls only.
 };
 
 /// Opening a file without any of these flags changes nothing. O_TMPFILE takes effect only with an
@@ -163,7 +178,12 @@ void addRulesForStoring(CallFilter& filter) {
     }
     // Landlock does not cover this call. These bits would make a file run with its owner's rights.
     filter.allow(SYS_fchmod, {hasNoneOf(1, 07000)});
-    // The reading thread adds its own filter.
+}
+
+void addRulesForConfining(CallFilter& filter) {
+    for (const int call : kCallsForConfining) {
+        filter.allow(call);
+    }
     filter.allow(SYS_seccomp, {isValue(0, SECCOMP_SET_MODE_FILTER)});
 }
 
@@ -203,23 +223,17 @@ void addRulesForAll(CallFilter& filter) {
     }
 }
 
-template <std::size_t Count>
-bool isIn(const int (&calls)[Count], int call) {
-    return std::find(std::begin(calls), std::end(calls), call) != std::end(calls);
-}
-
-bool filterCalls(bool mayStore) {
+bool filterCalls(const ORVFileRights& rights) {
     if (!kListIsRightHere) {
         return false;
     }
     CallFilter filter;
     addRulesForAll(filter);
-    mayStore ? addRulesForStoring(filter) : addRulesForReading(filter);
-    for (int call = kFirstYoungCall; call <= kLastYoungCall; ++call) {
-        if (!isIn(kCalls, call) && !(mayStore && isIn(kCallsForStoring, call))) {
-            filter.pretendUnknown(call);
-        }
+    rights.foldersToWriteIn.empty() ? addRulesForReading(filter) : addRulesForStoring(filter);
+    if (!rights.placesToRead) {
+        addRulesForConfining(filter);
     }
+    filter.pretendNotToKnowOthers();
     return filter.load();
 }
 
@@ -232,11 +246,11 @@ struct Ruleset {
     std::uint64_t network;
     std::uint64_t scopes;
 };
-struct RuleForFolder {
+struct RuleForPlace {
     std::uint64_t allowed;
-    std::int32_t folder;
+    std::int32_t item;
 };
-constexpr int kForFolder = 1;
+constexpr int kForPlace = 1;
 constexpr std::uint32_t kAskForVersion = 1;
 constexpr std::uint64_t kWriteFile = 1U << 1U;
 constexpr std::uint64_t kReadFile = 1U << 2U;
@@ -245,58 +259,78 @@ constexpr std::uint64_t kRemoveFile = 1U << 5U;
 constexpr std::uint64_t kMakeFolder = 1U << 7U;
 constexpr std::uint64_t kMakeFile = 1U << 8U;
 
-/// Returns everything that this version of Landlock can refuse, except reading.
+constexpr std::uint64_t kToRead = kReadFile | kReadFolder;
+constexpr std::uint64_t kToStore = kWriteFile | kRemoveFile | kMakeFolder | kMakeFile;
+
+/// C libraries read these to count the processors and to know the characters of a locale.
+constexpr const char* kSystemPlaces[] = {"/sys/devices/system/cpu", "/usr/lib/locale"};
+
+/// Returns everything that this version of Landlock can refuse.
 Ruleset everything(long version) {
     // The second version added moving between folders, the third cutting files short, the fifth
     // requests to devices.
     const unsigned rights = version >= 5 ? 16 : version >= 3 ? 15 : version == 2 ? 14 : 13;
     Ruleset ruleset{};
-    ruleset.files = ((1U << rights) - 1) & ~(kReadFile | kReadFolder);
+    ruleset.files = (1U << rights) - 1;
     ruleset.network = version >= 4 ? 3 : 0;  // To offer a connection, and to make one.
     ruleset.scopes = version >= 6 ? 3 : 0;   // Abstract sockets, and signals to other processes.
     return ruleset;
 }
 
-/// Limits the calling thread's changes of files to these folders. Returns false when the kernel has
-/// no Landlock or has it turned off. In a folder that cannot be opened nothing may be changed.
-bool limitWriting(const std::vector<std::string>& folders) {
+/// In a place that cannot be opened nothing may be done.
+void addRule(const FileDescriptor& ruleset, const std::string& place, std::uint64_t allowed) {
+    const FileDescriptor item(open(place.c_str(), O_PATH | O_CLOEXEC));
+    RuleForPlace rule{allowed, item.number()};
+    if (syscall(kLandlockAddRule, ruleset.number(), kForPlace, &rule, 0) != 0) {
+        rule.allowed &= kReadFile | kWriteFile;  // It may be a file, which takes no other rights.
+        syscall(kLandlockAddRule, ruleset.number(), kForPlace, &rule, 0);
+    }
+}
+
+/// Limits the calling thread to these rights. Returns false when the kernel has no Landlock or has
+/// it turned off.
+bool limitFiles(const ORVFileRights& rights) {
     const long version = syscall(kLandlockCreateRuleset, nullptr, 0, kAskForVersion);
     if (version < 1) {
         return false;
     }
-    const Ruleset attributes = everything(version);
-    const auto ruleset =
-        static_cast<int>(syscall(kLandlockCreateRuleset, &attributes, sizeof attributes, 0));
-    if (ruleset < 0) {
-        return false;
+    Ruleset attributes = everything(version);
+    if (!rights.placesToRead) {
+        attributes.files &= ~kToRead;
     }
-    for (const std::string& folder : folders) {
-        RuleForFolder rule{};
-        rule.allowed = kWriteFile | kRemoveFile | kMakeFolder | kMakeFile;
-        rule.folder = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-        syscall(kLandlockAddRule, ruleset, kForFolder, &rule, 0);
-        close(rule.folder);
+    const FileDescriptor ruleset(
+        static_cast<int>(syscall(kLandlockCreateRuleset, &attributes, sizeof attributes, 0)));
+    for (const std::string& folder : rights.foldersToWriteIn) {
+        addRule(ruleset, folder, kToStore);
     }
-    const bool isLimited = syscall(kLandlockRestrictSelf, ruleset, 0) == 0;
-    close(ruleset);
-    return isLimited;
+    if (rights.placesToRead) {
+        tzset();  // Reads the time zone while that is possible. It is kept as long as TZ is.
+        for (const std::string& place : *rights.placesToRead) {
+            addRule(ruleset, place, kToRead);
+        }
+        for (const char* place : kSystemPlaces) {
+            addRule(ruleset, place, kToRead);
+        }
+    }
+    return syscall(kLandlockRestrictSelf, ruleset.number(), 0) == 0;
 }
 
 }  // namespace
 
-ORVConfinement confineProcess(const std::vector<std::string>& foldersToWriteIn) {
+ORVConfinement confineProcess(const ORVFileRights& rights) {
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
     prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);  // The kernel demands this before the other two.
     ORVConfinement confinement;
-    confinement.limitsWriting = limitWriting(foldersToWriteIn);
-    confinement.filtersCalls = filterCalls(!foldersToWriteIn.empty());
+    confinement.limitsFiles = limitFiles(rights);
+    confinement.filtersCalls = filterCalls(rights);
     return confinement;
 }
 
-void confineThreadToReading() {
-    limitWriting({});
-    filterCalls(false);
+void confineThreadToReading(const std::vector<std::string>& places) {
+    const ORVFileRights rights{{}, places};
+    limitFiles(rights);
+    filterCalls(rights);
 }
 
 }  // namespace platform

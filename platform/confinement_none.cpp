@@ -7,12 +7,12 @@
 
 namespace platform {
 
-ORVConfinement confineProcess(const std::vector<std::string>&) {
+ORVConfinement confineProcess(const ORVFileRights&) {
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
     return {};
 }
 
-void confineThreadToReading() {}
+void confineThreadToReading(const std::vector<std::string>&) {}
 
 }  // namespace platform

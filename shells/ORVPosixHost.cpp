@@ -1,11 +1,11 @@
-// Makes the reading thread, which gives up the right to write before it reads anything.
+// Makes the reading thread, which may read what the application shows and nothing else.
 // Tests: tests/platform/confinement_test.cpp.
 
 #include "shells/ORVPosixHost.h"
 
 #include <cstdlib>
 
-#include "platform/confinement.h"
+#include "app/ORVTaskViewer.h"
 
 ORVPosixHost::ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
                            std::unique_ptr<ORVUserDefaults> userDefaults,
@@ -16,13 +16,12 @@ ORVPosixHost::ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
       complain_(std::move(complain)) {}
 
 std::unique_ptr<ORVSerialQueue> ORVPosixHost::makeSerialQueue(const std::string&) {
-    auto queue = std::make_unique<platform::ThreadQueue>(runLoop_);
+    auto queue = std::make_unique<platform::ReadingQueue>(
+        runLoop_, ORVTaskViewer(*files_, clock_, settings_.codexHome, {}).placesToRead());
     if (!queue->hasThread()) {
         complain_("cannot start a thread");
         runLoop_.stop(EXIT_FAILURE);
     }
-    queue->dispatch(
-        platform::confineThreadToReading);  // It reads what others wrote, and stores nothing.
     queue_ = queue.get();
     return queue;
 }

@@ -6,6 +6,7 @@
 
 #include "app/ORVAppHost.h"
 #include "platform/posix_run_loop.h"
+#include "platform/reading_queue.h"
 
 /// The application's host in a process without a desktop: a loop over descriptors, and one thread
 /// that reads files.
@@ -43,5 +44,5 @@ private:
     std::unique_ptr<ORVFiles> files_;
     std::unique_ptr<ORVUserDefaults> userDefaults_;
     const std::function<void(const std::string&)> complain_;
-    platform::ThreadQueue* queue_ = nullptr;  ///< Owned by the delegate.
+    platform::ReadingQueue* queue_ = nullptr;  ///< Owned by the delegate.
 };

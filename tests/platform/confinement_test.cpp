@@ -25,6 +25,7 @@
 #include <functional>
 #include <thread>
 
+#include "platform/reading_queue.h"
 #include "shells/ORVPosixHost.h"
 #include "tests/support/MemoryDefaults.h"
 #include "tests/support/TemporaryHome.h"
@@ -76,16 +77,14 @@ class ConfinementTest : public testing::Test {
 protected:
     ConfinementTest() { home.write("open/old", "old"); }
 
-    /// Runs the attempts in a child that may write in these folders. Returns "" when all ended as
-    /// expected.
-    std::string confined(const std::vector<std::string>& folders,
-                         const std::function<void()>& attempts) {
+    /// Runs the attempts in a child with these rights. Returns "" when all ended as expected.
+    std::string confined(const ORVFileRights& rights, const std::function<void()>& attempts) {
         int ends[2];
         EXPECT_EQ(0, pipe(ends));
         const pid_t child = fork();
         if (child == 0) {
             complaints_ = ends[1];
-            confinement = platform::confineProcess(folders);
+            confinement = platform::confineProcess(rights);
             attempts();
             _exit(0);
         }
@@ -112,6 +111,8 @@ protected:
             expect(isRefused(attempt), attempt.what);
         }
     }
+
+    bool canRead(const std::string& name) { return open(home.path(name).c_str(), O_RDONLY) >= 0; }
 
     bool canWrite(const std::string& name) {
         return open(home.path(name).c_str(), O_WRONLY | O_CREAT, 0600) >= 0;
@@ -152,7 +153,8 @@ protected:
     }
 
     TemporaryHome home;
-    const std::vector<std::string> folder = {home.path("open")};
+    const ORVFileRights storing{{home.path("open")}, {}};
+    const ORVFileRights reading{{}, std::vector{home.path("open")}};
     ORVConfinement confinement;
 
 private:
@@ -160,7 +162,7 @@ private:
 };
 
 TEST_F(ConfinementTest, CallsThatAreNotOnTheListAreRefused) {
-    EXPECT_EQ("", confined(folder, [&] {
+    EXPECT_EQ("", confined(storing, [&] {
                   expect(confinement.filtersCalls, "a filter");
                   for (const long call : kRefusedCalls) {
                       expectRefusals({{std::to_string(call).c_str(), call, {-1, 0, 0, 0}}});
@@ -175,7 +177,7 @@ TEST_F(ConfinementTest, ArgumentsThatReachFurtherAreRefused) {
     const rlimit limit{16, 16};
     const long parent = getpid();
     EXPECT_EQ(
-        "", confined(folder, [&] {
+        "", confined(storing, [&] {
             const long self = getpid();
             expectRefusals({
                 {"code that is mapped", SYS_mmap, {0, page, PROT_READ | PROT_EXEC, MAP_PRIVATE}},
@@ -216,7 +218,7 @@ TEST_F(ConfinementTest, ACallInTheMannerOfAnotherProcessorEndsTheProcess) {
     };
     const auto callOfX32 = [] { syscall(0x40000000 + SYS_getpid); };
     for (const std::function<void()>& call : {std::function<void()>(callOf32Bits), {callOfX32}}) {
-        EXPECT_EQ("status " + std::to_string(SIGSYS), confined(folder, [&] {
+        EXPECT_EQ("status " + std::to_string(SIGSYS), confined(storing, [&] {
                       call();
                       expect(false, "it went on");
                   }));
@@ -226,10 +228,10 @@ TEST_F(ConfinementTest, ACallInTheMannerOfAnotherProcessorEndsTheProcess) {
 #endif
 
 TEST_F(ConfinementTest, WritingIsRefusedButInTheFolderGiven) {
-    if (!confined(folder, [&] { expect(confinement.limitsWriting, "Landlock"); }).empty()) {
+    if (!confined(storing, [&] { expect(confinement.limitsFiles, "Landlock"); }).empty()) {
         GTEST_SKIP() << "this kernel does not limit writing to folders";
     }
-    EXPECT_EQ("", confined(folder, [&] {
+    EXPECT_EQ("", confined(storing, [&] {
                   const std::string old = home.path("open/old");
                   expect(!canWrite("elsewhere") && errno == EACCES, "a file elsewhere");
                   expect(mkdir(home.path("folder").c_str(), 0700) != 0, "a folder elsewhere");
@@ -240,22 +242,72 @@ TEST_F(ConfinementTest, WritingIsRefusedButInTheFolderGiven) {
               }));
 }
 
-TEST_F(ConfinementTest, TheFilterAloneLetsReadersWriteNothing) {
+TEST_F(ConfinementTest, ReadingIsRefusedButInThePlacesGiven) {
+    if (!confined(reading, [&] { expect(confinement.limitsFiles, "Landlock"); }).empty()) {
+        GTEST_SKIP() << "this kernel does not limit reading to places";
+    }
+    home.write("secret", "x");
+    home.write("file", "x");
+    home.makeLink("link", "open");
+    const auto expectPlacesAlone = [&] {
+        expect(canRead("open/old") && canRead("open") && canRead("file"), "the places");
+        expect(!canRead("secret") && errno == EACCES, "a file elsewhere");
+        expect(!canRead("") && errno == EACCES, "a folder elsewhere");
+        expect(access(home.path("secret").c_str(), F_OK) == 0, "whether there is one");
+    };
+    const std::vector<std::string> places = {home.path("nowhere"), home.path("link"),
+                                             home.path("file")};
+    EXPECT_EQ("", confined({{}, places}, [&] {
+                  expectPlacesAlone();
+                  std::thread(expectPlacesAlone).join();
+              }));
     EXPECT_EQ("", confined({}, [&] {
+                  std::thread([&] {
+                      platform::confineThreadToReading(places);
+                      expectPlacesAlone();
+                  }).join();
+                  expect(canRead("secret"), "reading in the other thread");
+              }));
+}
+
+TEST_F(ConfinementTest, APlaceIsReadWhateverStandsThereLater) {
+    EXPECT_EQ("", confined(storing, [&] {
+                  ORVPosixRunLoop loop;
+                  platform::ReadingQueue queue(loop, {home.path("open/place")});
+                  std::vector<std::string> contents = {"second", "first", ""};
+                  const std::function<void()> next = [&] {
+                      const std::string content = contents.back();
+                      contents.pop_back();
+                      if (!content.empty()) {
+                          home.replace("open/place", content);
+                      }
+                      queue.dispatch([&, content] {
+                          expect(home.content("open/place") == content, "reads: " + content);
+                          expect(!confinement.limitsFiles || !canRead("open/old"), "no others");
+                          loop.post(contents.empty() ? [&] { loop.stop(7); } : next);
+                      });
+                  };
+                  loop.post(next);
+                  expect(loop.run() == 7, "an end");
+              }));
+}
+
+TEST_F(ConfinementTest, TheFilterAloneLetsReadersWriteNothing) {
+    EXPECT_EQ("", confined(reading, [&] {
                   expectNoWayToWrite();
                   expect(!canWrite("open/new") && errno == EPERM, "an answer by the filter");
                   std::thread([&] { expectNoWayToWrite(); }).join();
               }));
-    EXPECT_EQ("", confined(folder, [&] {
+    EXPECT_EQ("", confined(storing, [&] {
                   std::thread([&] {
-                      platform::confineThreadToReading();
+                      platform::confineThreadToReading({home.path("open")});
                       expectNoWayToWrite();
                       std::thread([&] { expectNoWayToWrite(); }).join();
                   }).join();
                   expect(canWrite("open/new"), "writing in the thread that stores");
               }));
-    EXPECT_EQ("", confined(folder, [&] {
-                  ORVPosixHost host({home.path(".codex"), {}}, platform::makeFiles(),
+    EXPECT_EQ("", confined(storing, [&] {
+                  ORVPosixHost host({home.path("open"), {}}, platform::makeFiles(),
                                     std::make_unique<MemoryDefaults>(), [](const std::string&) {});
                   const auto queue = host.makeSerialQueue("");
                   queue->dispatch([&] { expectNoWayToWrite(); });
@@ -265,7 +317,7 @@ TEST_F(ConfinementTest, TheFilterAloneLetsReadersWriteNothing) {
 }
 
 TEST_F(ConfinementTest, WhatThreadsThatReadNeedGoesOn) {
-    EXPECT_EQ("", confined({}, [&] {
+    EXPECT_EQ("", confined(reading, [&] {
                   std::vector<std::thread> threads;
                   for (unsigned i = 0; i < 2 + std::thread::hardware_concurrency(); ++i) {
                       threads.emplace_back([&] {
@@ -288,7 +340,7 @@ TEST_F(ConfinementTest, WhatThreadsThatReadNeedGoesOn) {
                   signal(SIGUSR1, [](int) { received = 1; });
                   expect(raise(SIGUSR1) == 0 && received == 1, "a signal to oneself");
               }));
-    EXPECT_EQ("status " + std::to_string(SIGABRT), confined({}, [] { std::abort(); }));
+    EXPECT_EQ("status " + std::to_string(SIGABRT), confined(reading, [] { std::abort(); }));
 }
 
 }  // namespace
