@@ -2,6 +2,9 @@
 // Tests: tests/platform/descriptors_test.cpp.
 
 #include <poll.h>
+#include <sys/select.h>
+
+#include <cassert>
 
 #include "platform/descriptors.h"
 
@@ -36,9 +39,19 @@ int waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseco
     return failure;
 }
 
+/// Uses select, since poll refuses even one descriptor when the process may have none any more, and
+/// the reason why the loop ended must still be told.
 bool isWritable(int descriptor, int milliseconds) {
-    pollfd polled{descriptor, POLLOUT, 0};
-    return uninterrupted([&] { return poll(&polled, 1, milliseconds); }) > 0;
+    assert(descriptor >= 0 && descriptor < FD_SETSIZE);
+    const int count = uninterrupted([&] {
+        fd_set writable;
+        FD_ZERO(&writable);
+        FD_SET(descriptor, &writable);
+        timeval limit{milliseconds / 1'000, milliseconds % 1'000 * 1'000};
+        return select(descriptor + 1, nullptr, &writable, nullptr,
+                      milliseconds < 0 ? nullptr : &limit);
+    });
+    return count > 0 || (count < 0 && errno == EBADF);
 }
 
 }  // namespace platform

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -16,6 +18,7 @@
 #include "platform/folder_watch.h"
 #include "platform/home_folder.h"
 #include "platform/locale.h"
+#include "platform/posix_run_loop.h"
 #include "platform/user_defaults.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -114,6 +117,18 @@ TEST(HomeFolderTest, IsThatOfThePasswordDatabaseWhereTheEnvironmentHasNone) {
     unsetenv("HOME");
     EXPECT_EQ(expected == "/" ? "" : expected, platform::homeFolder());
     setenv("HOME", home.c_str(), 1);  // An empty path counts as none.
+}
+
+TEST(RunLoopTest, AWaitThatFailsEndsTheLoop) {
+    ORVPosixRunLoop loop;
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none{0, limit.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);  // poll then refuses to wait for any descriptor.
+    EXPECT_EQ(1, loop.run());
+    EXPECT_TRUE(platform::isWritable(STDOUT_FILENO, -1)) << "the reason can be told";
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_EQ(EINVAL, loop.failure());
 }
 
 class UserDefaultsTest : public testing::Test {

@@ -76,6 +76,18 @@ TEST(RunLoopTest, DelaysAndTimersComeInTheirOrder) {
     EXPECT_EQ("nabtt", order);
 }
 
+TEST(RunLoopTest, MemoryThatRunsOutEndsTheLoop) {
+    const auto runOut = [] { throw std::bad_alloc(); };
+    for (const bool isInTurn : {true, false}) {
+        ORVPosixRunLoop loop;
+        platform::ThreadQueue queue(loop);
+        isInTurn ? loop.post(runOut) : queue.dispatch(runOut);
+        EXPECT_EQ(1, loop.run());
+        EXPECT_EQ(ENOMEM, loop.failure());
+        EXPECT_TRUE(queue.waitUntilIdle(std::chrono::seconds(30))) << "the thread goes on";
+    }
+}
+
 /// A pipe whose ends close themselves.
 struct Pipe {
     Pipe() { EXPECT_EQ(0, pipe(ends)); }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "text/bytes.h"
+#include "text/json_writing.h"
 
 namespace {
 
@@ -39,6 +40,12 @@ TEST(UnicodeTest, Characters) {
         EXPECT_EQ(bytes.size(), character.bytes) << bytes;
     }
     EXPECT_EQ("a&lt;&gt;&amp;amp;&quot;&#39;é", text::escapedForMarkup("a<>&amp;\"'é"));
+}
+
+TEST(UnicodeTest, ControlCharactersAreEscapedInJSON) {
+    EXPECT_EQ(R"("\u0001\n\"\\~\u007f\u0080\u009f)"
+              "\u00a0é\uFFFD\"",
+              text::quotedJSON("\x01\n\"\\~\x7f\u0080\u009f\u00a0é\xFF"));
 }
 
 TEST(UnicodeTest, Lines) {
