@@ -60,7 +60,9 @@ std::optional<double> numberOf(const ORVJSONValue& value) {
     if (value.kind != Kind::number) {
         return std::nullopt;
     }
-    return std::visit([](auto number) { return static_cast<double>(number); }, value.number);
+    const double number =
+        std::visit([](auto literal) { return static_cast<double>(literal); }, value.number);
+    return std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
 std::vector<ORVRateLimit> rateLimitsIn(const ORVJSONValue& limits) {

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 #include <new>
 #include <string>
 #include <system_error>
@@ -116,7 +117,9 @@ std::variant<std::uint64_t, double> valueOfNumber(std::string_view literal) {
     }
     simdjson::dom::parser parser;
     double real = 0;
-    return get(parser.parse(std::string(literal)).get_double(), real) ? real : 0.5;
+    return get(parser.parse(std::string(literal)).get_double(), real)
+               ? real
+               : std::numeric_limits<double>::infinity();
 }
 
 /// Whether the letter after a backslash is a whole escape. A table is faster than comparisons,

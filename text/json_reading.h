@@ -29,7 +29,7 @@ struct ORVJSONValue {
 
     /// The value of a number: an integer from 0 to 2^64 - 1 exactly, every other number as the
     /// nearest double. A number beyond every double and an integer of more than 64 bits read as
-    /// 0.5, which is not whole either.
+    /// infinity.
     std::variant<std::uint64_t, double> number;
 
     /// The wanted fields of an object. Of a key that occurs more than once, the last counts.

@@ -124,6 +124,7 @@ const FactsCase kFactsCases[] = {
     {"equal lengths",
      {"", limits(limit("60", "-1", "0.5"), limit("60", "2e0", "\"1\""))},
      "-/- -%- 60:-1@- 60:2@-"},
+    {"beyond every number", {"", limits(limit("60", "1e999", "null"), "null")}, "-/- -%- 60:-@-"},
     {"not a token count",
      {"", R"({"type":"token_count","payload":{"rate_limits":{"primary":{}}}})"
           "\n"},

@@ -128,7 +128,7 @@ TEST(JSONObjectTest, TheWantedFields) {
     EXPECT_EQ(read(R"({"n":1000.0})"), read(R"({"n":1e3})"));
     EXPECT_NE(read(R"({"n":true})"), read(R"({"n":null})"));
     EXPECT_EQ(read(R"({"n":"x"})"), read(R"({"n":"y","a":"\u0061"})")) << "its text is not kept";
-    // Numbers are exact up to 2^64 - 1. A number beyond every double reads as a fraction.
+    // Numbers are exact up to 2^64 - 1. A number beyond every double reads as infinity.
     EXPECT_NE(read(R"({"n":18446744073709551614})"), read(R"({"n":18446744073709551615})"));
     for (const char* zero : {"1e-400", "0e99999999999999999999999999999999"}) {
         EXPECT_EQ(read(R"({"n":0.0})"), read(std::string(R"({"n":)") + zero + "}")) << zero;
@@ -138,7 +138,8 @@ TEST(JSONObjectTest, TheWantedFields) {
     EXPECT_EQ(read(R"({"n":0.0918446744073709551})"), read(R"({"n":0.091844674407370955161569})"));
     for (const char* number : {"18446744073709551616", "-9223372036854775809", "1e309", "-1E+309",
                                "1e99999999999999999999999999999999"}) {
-        EXPECT_EQ(read(R"({"n":0.5})"), read(std::string(R"({"n":)") + number + "}")) << number;
+        const std::string found = read(std::string(R"({"n":)") + number + "}");
+        EXPECT_NE(std::string::npos, found.find("'inf")) << number << " reads as " << found;
     }
     // Such a number, also in a string, leaves the wanted fields beside it as they are.
     const std::string huge = R"("x":)" + std::string(400, '9') + R"(,"y":"1e999",)";
@@ -152,7 +153,7 @@ TEST(JSONObjectTest, LongLines) {
         std::string line = R"({"s":"a","n":)" + number + R"(,"x":""})";
         return line.insert(line.size() - 2, size - line.size(), 'f');
     };
-    EXPECT_EQ(read(R"({"s":"a","n":0.5})"), read(longLine(5 * 1024 * 1024, "1e999")));
+    EXPECT_EQ(read(R"({"s":"a","n":1e999})"), read(longLine(5 * 1024 * 1024, "1e999")));
     EXPECT_EQ(read(R"({"s":"a","n":1})"), read(longLine(ORVJSONReader::kMaxBytes, "1")));
     EXPECT_EQ("refused", read(longLine(ORVJSONReader::kMaxBytes + 1, "1")));
 }
