@@ -17,6 +17,9 @@ constexpr std::chrono::minutes kLately(1);
 constexpr std::size_t kRefreshesForAll = 5;
 constexpr std::size_t kRefreshesForAllWatched = 30;
 
+/// So few files are asked at every refresh, because it costs nothing that could be felt.
+constexpr std::size_t kLeast = 64;
+
 bool isLately(ORVClock::TimePoint time, ORVClock::TimePoint now) {
     return std::chrono::abs(now - time) <= kLately;
 }
@@ -80,7 +83,7 @@ void ORVSessionTree::lookAtFilesInTurn(Turn& turn, bool isWatched, std::size_t r
     if (at == folders_.end() || at->first != turn.folder) {
         turn.index = 0;
     }
-    std::size_t left = (total + refreshes - 1) / refreshes;
+    std::size_t left = std::min(total, std::max(kLeast, (total + refreshes - 1) / refreshes));
     while (left > 0) {
         at = at == folders_.end() ? folders_.begin() : at;
         if (at->second.isWatched == isWatched) {
