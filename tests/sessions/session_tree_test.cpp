@@ -313,18 +313,19 @@ TEST_F(TreeInMemoryTest, AFolderIsReadAgainWhileItsDateIsYoung) {
 }
 
 TEST_F(TreeInMemoryTest, WhatIsWrittenIsNoticedInTurnOrAtOnce) {
-    disk.append(pathOf(190), "x");
-    disk.setDate(pathOf(190), 1'000);
+    disk.append(pathOf(690), "x");
+    disk.setDate(pathOf(690), 1'000);
     EXPECT_LT(0, noticedAfter(6)) << "a size of the same date";
-    disk.append(pathOf(190), "x");
-    EXPECT_EQ(1, noticedAfter(1)) << "written lately";
     clock.time += 2min;
     EXPECT_EQ(0, noticedAfter(7));
     EXPECT_EQ(std::set<std::string>{"/s/1"}, disk.watched);
-    disk.append(pathOf(300), "x");
+    disk.append(pathOf(150), "x");
     EXPECT_EQ(0, noticedAfter(1)) << "only in turn, by now";
-    disk.written = {pathOf(300), "/s/1/none.jsonl", "/none/none.jsonl"};
+    disk.written = {pathOf(150), "/s/1/none.jsonl", "/none/none.jsonl"};
     EXPECT_EQ(1, noticedAfter(1)) << "told";
+    EXPECT_EQ(0, noticedAfter(2));
+    disk.append(pathOf(150), "x");
+    EXPECT_EQ(1, noticedAfter(1)) << "written lately";
     clock.time += 2min;
     disk.append(pathOf(689), "x");
     EXPECT_LT(5, noticedAfter(31)) << "not told";
