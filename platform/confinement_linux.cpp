@@ -1,7 +1,8 @@
 // Limits what the program can ask of the kernel. This file holds first the list of allowed system
 // calls, of which libseccomp makes a filter, and then the use of Landlock for the places where
-// files may be read and changed. A call that is not on the list fails with an error, as any call
-// can.
+// files may be read and changed. A call that is not on the list fails as on a kernel that does not
+// know it, so that a C library uses its predecessor: clone, whose flags a filter can see, instead
+// of clone3.
 //
 // The list holds what this program, glibc (2.28 to 2.42) and musl call after a program has started.
 // Memory can no longer be made executable, so no library can be loaded later. Nothing needs one:
@@ -21,7 +22,6 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <bitset>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
@@ -42,12 +42,7 @@ constexpr bool kListIsRightHere = true;
 constexpr bool kListIsRightHere = false;  // C libraries use other calls on other processors.
 #endif
 
-// Calls from 424 on have the same number on every processor; the headers may be too old to name
-// them. Those that are not on the list fail as on a kernel that does not know them, so that a C
-// library uses their predecessors: clone, whose flags a filter can see, instead of clone3. There is
-// room for some years of calls.
-constexpr int kFirstYoungCall = 424;
-constexpr int kLastYoungCall = 499;
+// Calls that the headers may be too old to name. They have the same number on every processor.
 constexpr int kCloseRange = 436;
 constexpr int kFaccessat2 = 439;
 constexpr int kLandlockCreateRuleset = 444;
@@ -108,7 +103,7 @@ scmp_arg_cmp hasNoneOf(unsigned argument, std::uint64_t bits) {
 /// A filter that refuses every call for which no rule was added.
 class CallFilter {
 public:
-    CallFilter() : filter_(seccomp_init(SCMP_ACT_ERRNO(EPERM)), &seccomp_release) {
+    CallFilter() : filter_(seccomp_init(SCMP_ACT_ERRNO(ENOSYS)), &seccomp_release) {
         // Neither this program nor a library calls the kernel in the way of another processor
         // (int 0x80). Only an attacker's code would, so the process ends.
         require(filter_ ? seccomp_attr_set(filter_.get(), SCMP_FLTATR_ACT_BADARCH,
@@ -122,9 +117,6 @@ public:
 
     /// Allows the call if all conditions hold. One call may have several rules.
     void allow(int call, std::initializer_list<scmp_arg_cmp> conditions = {}) {
-        if (call >= kFirstYoungCall) {
-            isAllowed_.set(static_cast<std::size_t>(call));
-        }
         require(seccomp_rule_add_array(filter_.get(), SCMP_ACT_ALLOW, call,
                                        static_cast<unsigned>(conditions.size()),
                                        conditions.begin()));
@@ -133,16 +125,6 @@ public:
     void allowOneOf(int call, unsigned argument, std::initializer_list<std::uint32_t> values) {
         for (const std::uint32_t value : values) {
             allow(call, {isValue(argument, value)});
-        }
-    }
-
-    /// Answers young calls without a rule as a kernel does that does not know them.
-    void pretendNotToKnowOthers() {
-        for (std::size_t call = kFirstYoungCall; call < isAllowed_.size(); ++call) {
-            if (!isAllowed_[call]) {
-                require(seccomp_rule_add_array(filter_.get(), SCMP_ACT_ERRNO(ENOSYS),
-                                               static_cast<int>(call), 0, nullptr));
-            }
         }
     }
 
@@ -158,7 +140,6 @@ private:
     }
 
     const std::unique_ptr<void, decltype(&seccomp_release)> filter_;
-    std::bitset<kLastYoungCall + 1> isAllowed_;  ///< Young calls only.
 };
 
 /// Opening a file without any of these flags changes nothing. O_TMPFILE takes effect only with an
@@ -233,7 +214,6 @@ bool filterCalls(const ORVFileRights& rights) {
     if (!rights.placesToRead) {
         addRulesForConfining(filter);
     }
-    filter.pretendNotToKnowOthers();
     return filter.load();
 }
 
