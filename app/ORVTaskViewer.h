@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -41,15 +42,14 @@ public:
 
     // Lists (task_list.cpp)
 
-    /// Called now and then with how many of the tasks have been read.
-    using Progress = std::function<void(std::size_t done, std::size_t total)>;
-
     /// Returns the tasks of a list, newest family first: the same list again while nothing in it
-    /// can have changed, so that asking costs nothing. A list that is asked for once need not be
-    /// remembered, and takes no memory for files that were read.
-    enum class Memory { kept, freed };
-    std::shared_ptr<const ORVTaskListView> list(const ORVListRequest& request, Memory memory,
-                                                const Progress& progress);
+    /// can have changed, so that asking costs nothing.
+    std::shared_ptr<const ORVTaskListView> list(const ORVListRequest& request);
+
+    /// Returns the same for who asks once, and remembers nothing of the files that were read.
+    /// `progress` is called now and then with how many of them have been.
+    using Progress = std::function<void(std::size_t done, std::size_t total)>;
+    ORVTaskListView listOnce(const ORVListRequest& request, const Progress& progress);
 
     /// Returns the folders and files that could not be read for the last answer.
     std::vector<ORVUnreadable> unreadable() const;
@@ -80,11 +80,21 @@ private:
 
     // Lists (task_list.cpp)
     std::vector<ORVListedTask> listed(const ORVListRequest& request);
-    void readTasks(std::vector<ORVTaskView>& views, const std::vector<ORVListedTask>& tasks,
-                   const std::vector<std::size_t>& places, Memory memory, const Progress& progress);
+    struct KeptView {
+        ORVTaskView view;
+        std::vector<ORVWalkedFile> files;  ///< That the view came from.
+    };
+    using KeptViews = std::unordered_map<std::string, KeptView>;  ///< By identifier.
+    ORVTaskListView beginList();
+    void readEverything(const ORVListRequest& request, const Progress& progress);
+    std::vector<std::size_t> placeTasks(std::vector<ORVTaskView>& rows,
+                                        const std::vector<ORVListedTask>& tasks, KeptViews& known);
     void keep(const std::shared_ptr<const ORVTaskListView>& list,
               const std::vector<ORVListedTask>& tasks, const ORVListRequest& request);
-    ORVTaskView viewOfListed(const ORVListedTask& listed);
+    enum class Memory { kept, freed };  ///< For what was read of the tasks.
+    void readTasks(std::vector<ORVTaskView>& rows, const std::vector<ORVListedTask>& tasks,
+                   std::span<const std::size_t> places, Memory memory);
+    ORVTaskView viewOfTask(const ORVTask& task);
     void placeInFamily(ORVTaskView& view, const ORVListedTask& listed);
 
     const ORVClock& clock_;
@@ -107,12 +117,7 @@ private:
     /// The identifier that a part was found to mean.
     std::unordered_map<std::string, std::string> meanings_;
 
-    /// The tasks of the last list that was kept, by identifier, and the files that they came from.
-    struct KeptView {
-        ORVTaskView view;
-        std::vector<ORVWalkedFile> files;
-    };
-    std::unordered_map<std::string, KeptView> kept_;
+    KeptViews kept_;  ///< The tasks of the last list that was kept.
 
     /// The last whole list that was kept, and what it rests on.
     struct KeptList {

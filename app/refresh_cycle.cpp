@@ -51,8 +51,7 @@ void ORVAppDelegate::beginRefresh() {
         results->task = request.task;
         if (request.list) {
             try {
-                results->list =
-                    self->listViewer_->list(*request.list, ORVTaskViewer::Memory::kept, {});
+                results->list = self->listViewer_->list(*request.list);
             } catch (const std::bad_alloc&) {
                 // There is no list until the next refresh.
             }

@@ -172,7 +172,10 @@ ORVTaskView ORVTaskViewer::viewOfHead(const ORVShownTask& task) {
         return view;
     }
     tasks_.lookAtEveryTime(pathsOf(head->task));
-    return viewOfListed(*head);
+    sessions_.refreshTitleIndexIfNeeded();
+    view = viewOfTask(head->task);
+    placeInFamily(view, *head);
+    return view;
 }
 
 /// Returns the head that was shown before while its family was seen to change lately, else the

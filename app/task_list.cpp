@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <iterator>
 #include <new>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -12,7 +13,7 @@
 
 namespace {
 
-/// So many tasks are read before the memory for them is freed.
+/// So many tasks are read before the memory for their files is freed.
 constexpr std::size_t kBatch = 256;
 
 /// Returns the date so long before this moment.
@@ -44,13 +45,16 @@ std::vector<ORVListedTask> ORVTaskViewer::listed(const ORVListRequest& request) 
     return tasks;
 }
 
-std::shared_ptr<const ORVTaskListView> ORVTaskViewer::list(const ORVListRequest& request,
-                                                           Memory memory,
-                                                           const Progress& progress) {
-    auto result = std::make_shared<ORVTaskListView>();
-    ORVTaskListView& view = *result;
+ORVTaskListView ORVTaskViewer::beginList() {
+    ORVTaskListView view;
     view.hasSessionsFolder = tasks_.refresh(nullptr);
     sessions_.refreshTitleIndexIfNeeded();
+    return view;
+}
+
+std::shared_ptr<const ORVTaskListView> ORVTaskViewer::list(const ORVListRequest& request) {
+    auto result = std::make_shared<ORVTaskListView>(beginList());
+    ORVTaskListView& view = *result;
     if (keptTitlesDate_ != sessions_.titleIndexDate()) {
         keptTitlesDate_ = sessions_.titleIndexDate();
         kept_.clear();
@@ -61,28 +65,65 @@ std::shared_ptr<const ORVTaskListView> ORVTaskViewer::list(const ORVListRequest&
         return keptList_.list;
     }
     const std::vector<ORVListedTask> tasks = listed(request);
-    std::unordered_map<std::string, KeptView> kept = std::exchange(kept_, {});
-    std::vector<std::size_t> unread;
-    for (std::size_t i = 0; i < tasks.size(); ++i) {
-        ORVTaskView& row = view.tasks.emplace_back();
-        const auto found = kept.find(tasks[i].task.threadID);
-        const bool isKnown = found != kept.end() && found->second.files == tasks[i].task.files;
-        if (isKnown) {
-            row = std::move(found->second.view);
-        } else {
-            unread.push_back(i);
-            row.isRead = false;
-        }
-        placeInFamily(row, tasks[i]);
-    }
+    KeptViews known = std::exchange(kept_, {});
+    std::vector<std::size_t> unread = placeTasks(view.tasks, tasks, known);
     const std::size_t most = request.readAtOnce > 0 ? request.readAtOnce : unread.size();
     view.isComplete = unread.size() <= most;
     unread.resize(std::min(unread.size(), most));
-    readTasks(view.tasks, tasks, unread, memory, progress);
-    if (memory == Memory::kept) {
-        keep(result, tasks, request);
-    }
+    readTasks(view.tasks, tasks, unread, Memory::kept);
+    keep(result, tasks, request);
     return result;
+}
+
+ORVTaskListView ORVTaskViewer::listOnce(const ORVListRequest& request, const Progress& progress) {
+    ORVTaskListView view = beginList();
+    const bool wantsEverything = request.limit == 0 && !request.folder && !request.since;
+    if (wantsEverything) {
+        readEverything(request, progress);
+    }
+    const std::vector<ORVListedTask> tasks = listed(request);
+    KeptViews known;
+    const std::vector<std::size_t> unread = placeTasks(view.tasks, tasks, known);
+    for (std::size_t first = 0; first < unread.size(); first += kBatch) {
+        const std::size_t count = std::min(kBatch, unread.size() - first);
+        readTasks(view.tasks, tasks, std::span(unread).subspan(first, count), Memory::freed);
+        if (!wantsEverything) {
+            progress(first + count, unread.size());
+        }
+    }
+    return view;
+}
+
+/// Reads all files, and takes their first lines from the same reads, so that none is opened twice.
+/// Passes over those that prove to be helpers', unless helpers are shown.
+void ORVTaskViewer::readEverything(const ORVListRequest& request, const Progress& progress) {
+    const std::vector<ORVTask> tasks = tasks_.matching("");
+    sessions_.readAhead(
+        tasks, {[&](const ORVWalkedFile& file, std::string_view bytes, ORVJSONReader& json) {
+                    const auto* const line = tasks_.firstLines().takeFrom(bytes, file, json);
+                    return request.showsHelpers || !line || !line->isHelper;
+                },
+                [&](std::size_t done) { progress(std::min(done, tasks.size()), tasks.size()); }});
+}
+
+/// Makes a row of each task, and returns the places of those that must be read.
+std::vector<std::size_t> ORVTaskViewer::placeTasks(std::vector<ORVTaskView>& rows,
+                                                   const std::vector<ORVListedTask>& tasks,
+                                                   KeptViews& known) {
+    std::vector<std::size_t> unread;
+    rows.reserve(tasks.size());
+    for (const ORVListedTask& task : tasks) {
+        const auto found = known.find(task.task.threadID);
+        if (found != known.end() && found->second.files == task.task.files) {
+            rows.push_back(std::move(found->second.view));
+            known.erase(found);
+        } else {
+            unread.push_back(rows.size());
+            rows.emplace_back().isRead = false;
+        }
+        placeInFamily(rows.back(), task);
+    }
+    return unread;
 }
 
 /// Remembers what was read. A task that could not be read is tried again at the next list.
@@ -100,45 +141,37 @@ void ORVTaskViewer::keep(const std::shared_ptr<const ORVTaskListView>& list,
 }
 
 /// Reads the tasks at these places of the list, on all processors.
-void ORVTaskViewer::readTasks(std::vector<ORVTaskView>& views,
+void ORVTaskViewer::readTasks(std::vector<ORVTaskView>& rows,
                               const std::vector<ORVListedTask>& tasks,
-                              const std::vector<std::size_t>& places, Memory memory,
-                              const Progress& progress) {
-    for (std::size_t first = 0; first < places.size(); first += kBatch) {
-        const std::size_t end = std::min(first + kBatch, places.size());
-        std::vector<ORVTask> batch;
-        for (std::size_t i = first; i < end; ++i) {
-            batch.push_back(tasks[places[i]].task);
-        }
-        sessions_.readAhead(batch, [&](std::size_t done) {
-            if (progress) {
-                progress(first + done, places.size());
-            }
-        });
-        for (std::size_t i = first; i < end; ++i) {
-            views[places[i]] = viewOfListed(tasks[places[i]]);
-        }
+                              std::span<const std::size_t> places, Memory memory) {
+    std::vector<ORVTask> unread;
+    for (const std::size_t place : places) {
+        unread.push_back(tasks[place].task);
+    }
+    sessions_.readAhead(unread, {});
+    for (const std::size_t place : places) {
+        rows[place] = viewOfTask(tasks[place].task);
+        placeInFamily(rows[place], tasks[place]);
         if (memory == Memory::freed) {
-            sessions_.forgetFiles();
+            sessions_.forget(tasks[place].task);
         }
     }
 }
 
-ORVTaskView ORVTaskViewer::viewOfListed(const ORVListedTask& listed) {
+ORVTaskView ORVTaskViewer::viewOfTask(const ORVTask& task) {
     ORVTaskView view;
     try {
-        view.snapshot = sessions_.snapshotForTask(listed.task, &view.error);
+        view.snapshot = sessions_.snapshotForTask(task, &view.error);
         if (wants_.agent && view.snapshot) {
-            view.agent = sessions_.agentFactsForThreadID(listed.task.threadID);
+            view.agent = sessions_.agentFactsForThreadID(task.threadID);
         }
         if (wants_.eventsPerFile > 0 && view.snapshot) {
-            view.history = sessions_.historyForThreadID(listed.task.threadID);
+            view.history = sessions_.historyForThreadID(task.threadID);
         }
     } catch (const std::bad_alloc&) {
         view = {.error = platform::posixError(ENOMEM)};
     }
     view.absence = view.snapshot ? ORVAbsence::none : ORVAbsence::unreadable;
-    placeInFamily(view, listed);
     return view;
 }
 

@@ -161,9 +161,8 @@ int showTasks(Invocation& invocation) {
     }
     {
         Progress progress;
-        list = *invocation.viewer.list(
-            request, ORVTaskViewer::Memory::freed,
-            [&](std::size_t done, std::size_t total) { progress.show(done, total); });
+        list = invocation.viewer.listOnce(
+            request, [&](std::size_t done, std::size_t total) { progress.show(done, total); });
     }
     if (!list.hasSessionsFolder) {
         complain(reasonForNoSessions(invocation) + "; try: brimletctl doctor");

@@ -61,7 +61,7 @@ bool ORVCodexFocusLogSource::updateFileState(ORVFocusLogFileState& fileState,
                                              const std::string& path, std::uint64_t fileSize,
                                              ORVReadingMemory& memory, ORVErrorSlot* error) {
     const auto result = follower_.readOn(
-        fileState, path, fileSize, memory,
+        fileState, path, fileSize, memory, {},
         [&](auto lines) {
             for (const std::string_view line : lines) {
                 consumeLineData(line, fileState);

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <new>
 #include <optional>
 #include <string>
@@ -86,22 +87,26 @@ public:
         failed,      ///< With the system's error; what was read before is kept.
     };
 
+    /// Is shown the bytes that a file begins with, before they are read; returns whether to go on.
+    using Opening = std::function<bool(std::string_view bytes)>;
+
     /// Reads what the file holds between the state's offset and `fileSize`, which comes from the
     /// file's attributes of this moment, and passes on the complete lines in it. Does not open a
-    /// file in which nothing is new.
+    /// file in which nothing is new. A file that is read from its beginning is first shown to
+    /// `opening`, if that is not empty.
     ///
     /// When memory runs out, the error is ENOMEM: the state is made anew, and the file is not read
     /// for a minute unless its size changes.
     template <typename State>
     Result readOn(State& state, const std::string& path, std::uint64_t fileSize,
-                  ORVReadingMemory& memory, const text::LinesConsumer& consumeLines,
-                  ORVErrorSlot* error) const {
+                  ORVReadingMemory& memory, const Opening& opening,
+                  const text::LinesConsumer& consumeLines, ORVErrorSlot* error) const {
         if (state.offset == fileSize) {
             return Result::upToDate;
         }
         try {
             if (!isPausing(state, fileSize)) {
-                return readFile(state, path, fileSize, memory, consumeLines, error);
+                return readFile(state, path, fileSize, memory, opening, consumeLines, error);
             }
         } catch (const std::bad_alloc&) {
             // Frees the file's memory. The next attempt reads the file from its beginning.
@@ -117,8 +122,8 @@ private:
     static bool isAnotherFile(const ORVFollowedFile& state, const ORVFileAttributes& attributes);
     bool isPausing(const ORVFollowedFile& state, std::uint64_t fileSize) const;
     Result readFile(ORVFollowedFile& state, const std::string& path, std::uint64_t fileSize,
-                    ORVReadingMemory& memory, const text::LinesConsumer& consumeLines,
-                    ORVErrorSlot* error) const;
+                    ORVReadingMemory& memory, const Opening& opening,
+                    const text::LinesConsumer& consumeLines, ORVErrorSlot* error) const;
     void consumeChunk(ORVFollowedFile& state, std::string_view chunk,
                       const text::LinesConsumer& consumeLines) const;
     void skipHole(ORVFollowedFile& state, ORVOpenFile& file, std::uint64_t fileSize) const;

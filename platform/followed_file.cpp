@@ -42,6 +42,7 @@ bool ORVFileFollower::isPausing(const ORVFollowedFile& state, std::uint64_t file
 
 ORVFileFollower::Result ORVFileFollower::readFile(ORVFollowedFile& state, const std::string& path,
                                                   std::uint64_t fileSize, ORVReadingMemory& memory,
+                                                  const Opening& opening,
                                                   const text::LinesConsumer& consumeLines,
                                                   ORVErrorSlot* error) const {
     const auto file = files_.openForReading(path, error);
@@ -56,6 +57,9 @@ ORVFileFollower::Result ORVFileFollower::readFile(ORVFollowedFile& state, const 
         const auto chunk = memory.chunks.read(*file, state.offset, fileSize - state.offset, error);
         if (!chunk || chunk->empty()) {
             result = chunk ? Result::endedEarly : Result::failed;
+            break;
+        }
+        if (state.offset == 0 && opening && !opening(*chunk)) {
             break;
         }
         state.offset += chunk->size();

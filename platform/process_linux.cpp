@@ -27,10 +27,10 @@ void closeInheritedDescriptors() {
 void returnFreedMemory() {
     // glibc raises the first threshold when a larger block is freed, unless one of these is set.
     constexpr int kMappedFromBytes = 64 * 1024;
-    constexpr int kPageBytes = 4 * 1024;
+    constexpr int kStepBytes = 64 * 1024;
     mallopt(M_MMAP_THRESHOLD, kMappedFromBytes);
-    mallopt(M_TOP_PAD, kPageBytes);
-    mallopt(M_TRIM_THRESHOLD, kPageBytes);
+    mallopt(M_TOP_PAD, kStepBytes);
+    mallopt(M_TRIM_THRESHOLD, kStepBytes);
 }
 
 }  // namespace platform

@@ -48,19 +48,24 @@ public:
     std::optional<ORVSessionSnapshot> snapshotForSessionURL(const std::string& path,
                                                             ORVErrorSlot* error);
 
-    /// Returns the figures that snapshotForThreadID returns for the task's identifier.
+    /// Returns the figures that snapshotForThreadID returns for the task's identifier. The title is
+    /// that of the last refresh of the titles, since asking for their date at each of many tasks
+    /// would be felt.
     std::optional<ORVSessionSnapshot> snapshotForTask(const ORVTask& task, ORVErrorSlot* error);
 
-    /// Reads on in the files of these tasks on all processors; snapshotForTask then finds nothing
-    /// new in them. `progress` is told how many files have been read, by one thread at a time.
-    void readAhead(std::span<const ORVTask> tasks, const ORVSessionReader::Progress& progress) {
+    /// Reads on in the files of these tasks as ORVSessionReader does; snapshotForTask then finds
+    /// nothing new in them.
+    void readAhead(std::span<const ORVTask> tasks, const ORVSessionReader::ReadingAhead& calls) {
         forgetUnasked();
-        reader_.readAhead(tasks, progress);
+        reader_.readAhead(tasks, calls);
     }
 
-    /// Forgets the figures of every session file. Whoever asks once about each of many tasks calls
-    /// this after some of them, so that memory does not grow with their number.
+    /// Forgets what was read of every session file.
     void forgetFiles();
+
+    /// Forgets what was read of this task. Whoever asks once about each of many tasks calls this
+    /// after each, so that memory does not grow with their number.
+    void forget(const ORVTask& task);
 
     /// Returns what happened in the task from its beginning to its last snapshot, the oldest file's
     /// events first; null when no snapshot was made since forgetFiles, or when histories are not
@@ -122,7 +127,7 @@ public:
     bool updateState(ORVSessionParseState& state, const std::string& path, std::uint64_t fileSize,
                      ORVErrorSlot* error) const {
         ORVReadingMemory memory;
-        return reader_.updateState(state, path, fileSize, memory, error);
+        return reader_.updateState(state, path, fileSize, memory, {}, error);
     }
     void consumeLine(std::string_view line, ORVSessionParseState& state) const {
         ORVJSONReader json;
@@ -150,9 +155,10 @@ private:
     using States = std::vector<const ORVSessionParseState*>;  ///< Of a task's files, oldest first.
 
     // Snapshots (snapshots.cpp)
+    enum class Titles { refreshed, asTheyAre };
     ORVSessionSnapshot snapshotOfFile(const std::string& path, const ORVSessionReader::File& file);
     std::optional<ORVSessionSnapshot> snapshotOfFiles(const std::vector<std::string>& paths,
-                                                      std::string_view threadID,
+                                                      std::string_view threadID, Titles titles,
                                                       ORVErrorSlot* error);
     void forgetUnasked();
     const Totals& totalsOfTask(const States& states, std::string_view threadID);

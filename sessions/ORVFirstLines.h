@@ -3,12 +3,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "platform/files.h"
+#include "text/json_reading.h"
 
 /// What the first line of a session file says of its task. A text that is empty or longer than
 /// ORVFirstLines::kLongestTextBytes counts as absent.
@@ -57,6 +60,12 @@ public:
     /// Reads what ofFile would of these files, on all processors, when they are many.
     void readAhead(std::span<const ORVWalkedFile* const> files);
 
+    /// Reads the first line from the bytes that the file begins with, if it ends in them: whoever
+    /// reads the whole file spares opening it twice. Returns null if it does not. Several threads
+    /// may call this at once, when none calls anything else.
+    const ORVFirstLine* takeFrom(std::string_view bytes, const ORVWalkedFile& file,
+                                 ORVJSONReader& json);
+
     /// Returns what is known of the path; null when nothing is.
     const Known* knownOf(const std::string& path) const;
 
@@ -65,9 +74,10 @@ public:
 
 private:
     class Reader;
-    bool mustRead(const ORVWalkedFile& file) const;
+    static bool mustRead(const Known& known, const ORVWalkedFile& file);
 
     ORVFiles& files_;
     std::unique_ptr<Reader> reader_;
     std::unordered_map<std::string, Known> known_;  ///< By path.
+    std::mutex taking_;
 };

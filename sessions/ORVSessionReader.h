@@ -47,24 +47,31 @@ public:
     std::optional<File> readFile(const std::string& path, ORVReadingMemory& memory,
                                  ORVErrorSlot* error);
 
+    /// What readAhead calls, by several threads at once but for `progress`. Each may be empty.
+    struct ReadingAhead {
+        /// Is shown the bytes that a file begins with, and returns whether to read the file.
+        std::function<bool(const ORVWalkedFile& file, std::string_view bytes, ORVJSONReader& json)>
+            opening;
+        std::function<void(std::size_t done)> progress;  ///< Is told how many files have been read.
+    };
+
     /// Reads on in the files of these tasks on all processors, up to the sizes that the walk has
-    /// found, so that readFile finds hardly anything new in them. `progress` is told how many files
-    /// have been read, by one thread at a time. A file that cannot be read is left to readFile.
-    /// Throws std::bad_alloc when memory runs out.
-    using Progress = std::function<void(std::size_t done)>;
-    void readAhead(std::span<const ORVTask> tasks, const Progress& progress);
+    /// found, so that readFile finds hardly anything new in them. A file that cannot be read is
+    /// left to readFile. Throws std::bad_alloc when memory runs out.
+    void readAhead(std::span<const ORVTask> tasks, const ReadingAhead& calls);
 
     /// Forgets the figures of files that nobody has asked for in a while.
     void forgetUnaskedFiles(ORVClock::TimePoint now) { states_.age(now); }
 
-    /// Forgets the figures of every file.
     void forgetFiles() { states_.clear(); }
+    void forgetFile(const std::string& path) { states_.erase(path); }
 
     /// Reads what the file holds between the state's offset and `fileSize`, and interprets the
     /// complete lines in it. Returns false, with the system's error, when the file cannot be opened
     /// or read. A file that turns out to be shorter is no failure: the next call tries again.
     bool updateState(ORVSessionParseState& state, const std::string& path, std::uint64_t fileSize,
-                     ORVReadingMemory& memory, ORVErrorSlot* error) const;
+                     ORVReadingMemory& memory, const ORVFileFollower::Opening& opening,
+                     ORVErrorSlot* error) const;
 
     // Interpretation (interpretation.cpp)
 
@@ -127,7 +134,8 @@ public:
 private:
     // Reading (reading.cpp)
     bool readOn(ORVSessionParseState& state, const std::string& path,
-                const ORVFileAttributes& attributes, ORVReadingMemory& memory, ORVErrorSlot* error);
+                const ORVFileAttributes& attributes, ORVReadingMemory& memory,
+                const ORVFileFollower::Opening& opening, ORVErrorSlot* error);
 
     // Interpretation (interpretation.cpp)
     void consumeFigures(std::span<const std::string_view> lines, ORVSessionParseState& state,

@@ -116,6 +116,9 @@ public:
     /// All session files.
     const ORVSessionTree& tree() const { return tree_; }
 
+    /// Their first lines, as far as they were wanted. Whoever reads whole files puts in theirs.
+    ORVFirstLines& firstLines() { return firstLines_; }
+
     /// Returns the folders and files that could not be read, by path: files among those whose first
     /// lines were wanted so far.
     std::vector<ORVUnreadable> unreadable() const;

@@ -41,9 +41,15 @@ std::optional<std::string> shortText(const ORVJSONValue& value) {
                                                                 : std::nullopt;
 }
 
-ORVFirstLine lineOf(const ORVJSONValue& record) {
+/// `bytes` are a complete line, behind which ORVByteBuffer::kReadableBytesBeyond can be read.
+ORVFirstLine lineOf(std::string_view bytes, ORVJSONReader& json) {
     ORVFirstLine line;
     line.isComplete = true;
+    const auto parsed = json.readObject(bytes, recordShape());
+    if (!parsed) {
+        return line;
+    }
+    const ORVJSONValue& record = *parsed;
     const ORVJSONValue& payload = record["payload"];
     if (record["type"].text != "session_meta") {
         return line;
@@ -68,6 +74,14 @@ ORVFirstLine lineOf(const ORVJSONValue& record) {
     return line;
 }
 
+ORVFirstLines::Known nothingOf(const ORVWalkedFile& file) {
+    ORVFirstLines::Known known;
+    known.fileIdentifier = file.fileIdentifier;
+    known.size = file.size;
+    known.modifiedAt = file.modifiedAt;
+    return known;
+}
+
 }  // namespace
 
 /// Reads first lines one after the other. Each thread has a reader of its own.
@@ -76,19 +90,14 @@ public:
     explicit Reader(ORVFiles& files) : files_(files) {}
 
     Known read(const ORVWalkedFile& file) {
-        Known known;
-        known.fileIdentifier = file.fileIdentifier;
-        known.size = file.size;
-        known.modifiedAt = file.modifiedAt;
+        Known known = nothingOf(file);
         ORVErrorSlot error;
         ORVByteBuffer bytes;
         const std::size_t length = readLine(file.path, bytes, &error);
         known.error = error ? static_cast<int>(error->code) : 0;
         known.line.isComplete = !error && (length <= bytes.size() || isTooLong(bytes.size()));
         if (known.line.isComplete && !isTooLong(length)) {
-            const auto record =
-                jsonReader_.readObject(bytes.bytes().substr(0, length), recordShape());
-            known.line = record ? lineOf(*record) : known.line;
+            known.line = lineOf(bytes.bytes().substr(0, length), jsonReader_);
         }
         return known;
     }
@@ -130,26 +139,36 @@ const ORVFirstLines::Known* ORVFirstLines::knownOf(const std::string& path) cons
     return found == known_.end() ? nullptr : &found->second;
 }
 
-bool ORVFirstLines::mustRead(const ORVWalkedFile& file) const {
-    const Known* known = knownOf(file.path);
-    return !known || known->isOfAnother(file) ||
-           (!known->line.isComplete &&
-            (known->modifiedAt != file.modifiedAt || known->size != file.size));
+/// A file of which nothing is known yet counts as another one.
+bool ORVFirstLines::mustRead(const Known& known, const ORVWalkedFile& file) {
+    return known.isOfAnother(file) ||
+           (!known.line.isComplete &&
+            (known.modifiedAt != file.modifiedAt || known.size != file.size));
 }
 
 const ORVFirstLines::Known& ORVFirstLines::ofFile(const ORVWalkedFile& file) {
-    return mustRead(file) ? known_[file.path] = reader_->read(file) : known_[file.path];
+    Known& known = known_[file.path];
+    if (mustRead(known, file)) {
+        known = reader_->read(file);
+    }
+    return known;
 }
 
 const ORVFirstLines::Known& ORVFirstLines::tryAgain(const ORVWalkedFile& file) {
-    const Known& known = ofFile(file);
-    return known.error == 0 ? known : known_[file.path] = reader_->read(file);
+    Known& known = known_[file.path];
+    if (mustRead(known, file) || known.error != 0) {
+        known = reader_->read(file);
+    }
+    return known;
 }
 
 void ORVFirstLines::readAhead(std::span<const ORVWalkedFile* const> files) {
     std::vector<const ORVWalkedFile*> wanted;
     std::copy_if(files.begin(), files.end(), std::back_inserter(wanted),
-                 [&](const ORVWalkedFile* file) { return mustRead(*file); });
+                 [&](const ORVWalkedFile* file) {
+                     const Known* const known = knownOf(file->path);
+                     return !known || mustRead(*known, *file);
+                 });
     if (wanted.size() < kWorthThreads) {
         return;
     }
@@ -162,4 +181,16 @@ void ORVFirstLines::readAhead(std::span<const ORVWalkedFile* const> files) {
     for (std::size_t i = 0; i < wanted.size(); ++i) {
         known_[wanted[i]->path] = std::move(results[i]);
     }
+}
+
+const ORVFirstLine* ORVFirstLines::takeFrom(std::string_view bytes, const ORVWalkedFile& file,
+                                            ORVJSONReader& json) {
+    const std::size_t length = bytes.find('\n');
+    if (length == std::string_view::npos) {
+        return nullptr;
+    }
+    Known known = nothingOf(file);
+    known.line = lineOf(bytes.substr(0, length), json);
+    const std::lock_guard<std::mutex> lock(taking_);
+    return &(known_[file.path] = std::move(known)).line;
 }

@@ -65,7 +65,7 @@ std::optional<ORVRecordedFacts> ORVSessionReader::lastRateLimits(const ORVWalked
         tail.offset = file.size - length;
         tail.isPassingOverLine = tail.offset > 0;  // The look may begin within a line.
         const auto result = follower_.readOn(
-            tail, file.path, file.size, memory,
+            tail, file.path, file.size, memory, {},
             [&](auto lines) { takeFacts(lines, found, memory.json); }, error);
         if (result == ORVFileFollower::Result::failed) {
             return std::nullopt;

@@ -44,7 +44,7 @@ std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const std::stri
         return std::nullopt;
     }
     ORVSessionParseState& state = states_[path];
-    if (!readOn(state, path, *attributes, memory, error)) {
+    if (!readOn(state, path, *attributes, memory, {}, error)) {
         return std::nullopt;
     }
     return File{state, *attributes->modifiedAt};
@@ -52,26 +52,27 @@ std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const std::stri
 
 bool ORVSessionReader::readOn(ORVSessionParseState& state, const std::string& path,
                               const ORVFileAttributes& attributes, ORVReadingMemory& memory,
-                              ORVErrorSlot* error) {
+                              const ORVFileFollower::Opening& opening, ORVErrorSlot* error) {
     ORVFileFollower::begin(state, attributes);
     if (state.revision == 0 || state.offset != *attributes.size) {
         state.revision = ++lastRevision_;
     }
-    return updateState(state, path, *attributes.size, memory, error);
+    return updateState(state, path, *attributes.size, memory, opening, error);
 }
 
 bool ORVSessionReader::updateState(ORVSessionParseState& state, const std::string& path,
                                    std::uint64_t fileSize, ORVReadingMemory& memory,
+                                   const ORVFileFollower::Opening& opening,
                                    ORVErrorSlot* error) const {
     const auto result = follower_.readOn(
-        state, path, fileSize, memory, [&](auto lines) { consumeLines(lines, state, memory.json); },
-        error);
+        state, path, fileSize, memory, opening,
+        [&](auto lines) { consumeLines(lines, state, memory.json); }, error);
     state.pendingScanOffset = state.pendingData.size();
     // Unlike a log file, a session file that ends early counts as read.
     return result != ORVFileFollower::Result::failed;
 }
 
-void ORVSessionReader::readAhead(std::span<const ORVTask> tasks, const Progress& progress) {
+void ORVSessionReader::readAhead(std::span<const ORVTask> tasks, const ReadingAhead& calls) {
     struct Unread {
         const ORVWalkedFile& file;
         ORVSessionParseState& state;
@@ -91,9 +92,14 @@ void ORVSessionReader::readAhead(std::span<const ORVTask> tasks, const Progress&
     platform::inParallel(unread.size(), [&] {
         return [&, memory = std::make_shared<ORVReadingMemory>()](std::size_t i) {
             const auto& [file, state] = unread[i];
-            readOn(state, file.path, attributesOf(file), *memory, nullptr);
+            const auto opening = [&](std::string_view bytes) {
+                return !calls.opening || calls.opening(unread[i].file, bytes, memory->json);
+            };
+            readOn(state, file.path, attributesOf(file), *memory, opening, nullptr);
             const std::lock_guard<std::mutex> lock(mutex);
-            progress(++done);
+            if (calls.progress) {
+                calls.progress(++done);
+            }
         };
     });
 }

@@ -47,12 +47,15 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForSessionURL(
     forgetUnasked();
     ORVReadingMemory memory;
     const auto file = reader_.readFile(path, memory, error);
-    return file ? std::optional(snapshotOfFile(path, *file)) : std::nullopt;
+    if (!file) {
+        return std::nullopt;
+    }
+    titles_.refreshIfNeeded();
+    return snapshotOfFile(path, *file);
 }
 
 ORVSessionSnapshot ORVCodexSessionSource::snapshotOfFile(const std::string& path,
                                                          const ORVSessionReader::File& file) {
-    titles_.refreshIfNeeded();
     std::string threadID =
         threadIDFromSessionURL(path).value_or(std::string(text::lastPathComponent(path)));
     std::string title = titles_.titleOf(threadID);
@@ -69,7 +72,7 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForThreadID(
         storeErrorIfEmpty(error, sessions::threadSessionMissing());
         return std::nullopt;
     }
-    return snapshotOfFiles(paths, threadID, error);
+    return snapshotOfFiles(paths, threadID, Titles::refreshed, error);
 }
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForTask(const ORVTask& task,
@@ -78,11 +81,12 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForTask(const O
     for (const ORVWalkedFile& file : task.files) {
         paths.push_back(file.path);
     }
-    return snapshotOfFiles(paths, task.threadID, error);
+    return snapshotOfFiles(paths, task.threadID, Titles::asTheyAre, error);
 }
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotOfFiles(
-    const std::vector<std::string>& paths, std::string_view threadID, ORVErrorSlot* error) {
+    const std::vector<std::string>& paths, std::string_view threadID, Titles titles,
+    ORVErrorSlot* error) {
     forgetUnasked();
     ORVReadingMemory memory;
     States states;
@@ -94,6 +98,9 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotOfFiles(
         }
         states.push_back(&file->state);
         lastUpdated = file->modifiedAt;
+    }
+    if (titles == Titles::refreshed) {
+        titles_.refreshIfNeeded();
     }
     const ORVSessionSnapshot newest = snapshotOfFile(paths.back(), {*states.back(), *lastUpdated});
     const Totals& totals = totalsOfTask(states, threadID);
@@ -147,8 +154,9 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::latestSnapshotWithError
         return std::nullopt;
     }
     const auto threadID = threadIDFromSessionURL(*path);
-    return threadID ? snapshotForThreadID(*threadID, error)
-                    : snapshotOfFiles({*path}, text::lastPathComponent(*path), error);
+    return threadID
+               ? snapshotForThreadID(*threadID, error)
+               : snapshotOfFiles({*path}, text::lastPathComponent(*path), Titles::refreshed, error);
 }
 
 std::shared_ptr<const ORVHistory> ORVCodexSessionSource::historyForThreadID(
@@ -172,4 +180,11 @@ void ORVCodexSessionSource::forgetUnasked() {
 void ORVCodexSessionSource::forgetFiles() {
     reader_.forgetFiles();
     totals_.clear();
+}
+
+void ORVCodexSessionSource::forget(const ORVTask& task) {
+    for (const ORVWalkedFile& file : task.files) {
+        reader_.forgetFile(file.path);
+    }
+    totals_.erase(task.threadID);
 }

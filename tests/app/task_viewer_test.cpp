@@ -241,7 +241,7 @@ TEST(ListedTasksTest, RowsAreReadInPiecesAndKept) {
     const auto rows = [&](const ORVListRequest& request) {
         std::string text;
         tasks.clock.time += std::chrono::seconds(2);
-        const auto list = tasks.viewer.list(request, ORVTaskViewer::Memory::kept, {});
+        const auto list = tasks.viewer.list(request);
         for (const ORVTaskView& row : list->tasks) {
             text += row.threadID.back();
             text += row.isRead ? (row.snapshot ? "" : "!") : "?";
@@ -262,8 +262,7 @@ TEST(ListedTasksTest, RowsAreReadInPiecesAndKept) {
     }
     EXPECT_EQ("badc", rows(request));
     EXPECT_EQ(opened + 1, tasks.disk.opened);
-    EXPECT_EQ(tasks.viewer.list(request, ORVTaskViewer::Memory::kept, {}),
-              tasks.viewer.list(request, ORVTaskViewer::Memory::kept, {}))
+    EXPECT_EQ(tasks.viewer.list(request), tasks.viewer.list(request))
         << "the same list while nothing changes";
     request.limit = 1;
     request.showsHelpers = false;

@@ -105,7 +105,7 @@ TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
         const auto latest = sessions.latestSnapshotWithError(&slot);
         const auto found = sessions.snapshotForThreadID(kTask, &slot);
         const ORVTask task{kTask, {{fileOf(kTask, "b"), {}, 0, 100}}};
-        sessions.readAhead({&task, 1}, [](std::size_t) {});
+        sessions.readAhead({&task, 1}, {});
         (void)sessions.snapshotForTask(task, &slot);
         (void)sessions.accountLimits(task.files, nullptr);
         const auto facts = sessions.agentFactsForThreadID(kTask);
