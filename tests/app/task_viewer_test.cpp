@@ -271,6 +271,25 @@ TEST(ListedTasksTest, RowsAreReadInPiecesAndKept) {
     EXPECT_EQ("", rows(request));
 }
 
+TEST(ListedTasksTest, WhoAsksOnceOpensEachFileOnce) {
+    Tasks tasks;
+    tasks.begin('a');
+    tasks.begin('b', Tasks::idOf('a'));
+    tasks.begin('c');
+    const auto rows = [&](const ORVListRequest& request) {
+        const int before = tasks.disk.opened;
+        std::string text;
+        for (const ORVTaskView& row :
+             tasks.viewer.listOnce(request, [](std::size_t, std::size_t) {}).tasks) {
+            text += row.threadID.back();
+            text += row.snapshot && row.isHelper == (row.threadID.back() == 'b') ? "" : "!";
+        }
+        return text + ' ' + std::to_string(tasks.disk.opened - before);
+    };
+    EXPECT_EQ("ca 3", rows({.limit = 0})) << "a helper's only for its first line";
+    EXPECT_EQ("cab 3", rows({.limit = 0, .showsHelpers = true})) << "nothing was kept but those";
+}
+
 TEST(FaultsTest, AnyFaultIsMadeUpForByTheNextRefresh) {
     for (const Case& c : kCases) {
         SCOPED_TRACE(static_cast<int>(c.fault));
