@@ -97,13 +97,14 @@ ORVTaskListView ORVTaskViewer::listOnce(const ORVListRequest& request, const Pro
 /// Reads all files, and takes their first lines from the same reads, so that none is opened twice.
 /// Passes over those that prove to be helpers', unless helpers are shown.
 void ORVTaskViewer::readEverything(const ORVListRequest& request, const Progress& progress) {
-    const std::vector<ORVTask> tasks = tasks_.matching("");
+    std::vector<const ORVWalkedFile*> files;
+    tasks_.tree().forEachFile([&](const ORVWalkedFile& file) { files.push_back(&file); });
     sessions_.readAhead(
-        tasks, {[&](const ORVWalkedFile& file, std::string_view bytes, ORVJSONReader& json) {
+        files, {[&](const ORVWalkedFile& file, std::string_view bytes, ORVJSONReader& json) {
                     const auto* const line = tasks_.firstLines().takeFrom(bytes, file, json);
                     return request.showsHelpers || !line || !line->isHelper;
                 },
-                [&](std::size_t done) { progress(std::min(done, tasks.size()), tasks.size()); }});
+                [&](std::size_t done) { progress(done, files.size()); }});
 }
 
 /// Makes a row of each task, and returns the places of those that must be read.
@@ -144,11 +145,13 @@ void ORVTaskViewer::keep(const std::shared_ptr<const ORVTaskListView>& list,
 void ORVTaskViewer::readTasks(std::vector<ORVTaskView>& rows,
                               const std::vector<ORVListedTask>& tasks,
                               std::span<const std::size_t> places, Memory memory) {
-    std::vector<ORVTask> unread;
+    std::vector<const ORVWalkedFile*> files;
     for (const std::size_t place : places) {
-        unread.push_back(tasks[place].task);
+        for (const ORVWalkedFile& file : tasks[place].task.files) {
+            files.push_back(&file);
+        }
     }
-    sessions_.readAhead(unread, {});
+    sessions_.readAhead(files, {});
     for (const std::size_t place : places) {
         rows[place] = viewOfTask(tasks[place].task);
         placeInFamily(rows[place], tasks[place]);

@@ -53,11 +53,12 @@ public:
     /// would be felt.
     std::optional<ORVSessionSnapshot> snapshotForTask(const ORVTask& task, ORVErrorSlot* error);
 
-    /// Reads on in the files of these tasks as ORVSessionReader does; snapshotForTask then finds
-    /// nothing new in them.
-    void readAhead(std::span<const ORVTask> tasks, const ORVSessionReader::ReadingAhead& calls) {
+    /// Reads on in these files as ORVSessionReader does; snapshotForTask then finds nothing new in
+    /// them.
+    void readAhead(std::span<const ORVWalkedFile* const> files,
+                   const ORVSessionReader::ReadingAhead& calls) {
         forgetUnasked();
-        reader_.readAhead(tasks, calls);
+        reader_.readAhead(files, calls);
     }
 
     /// Forgets what was read of every session file.

@@ -50,8 +50,10 @@ public:
         }
     };
 
+    // A file is known by its address, which must not be another one's until it is forgotten.
+
     /// Returns what the file's first line says, and opens the file only if needed. The reference is
-    /// valid until the path is forgotten.
+    /// valid until the file is forgotten.
     const Known& ofFile(const ORVWalkedFile& file);
 
     /// Does the same, and tries again to read what could not be read.
@@ -66,10 +68,10 @@ public:
     const ORVFirstLine* takeFrom(std::string_view bytes, const ORVWalkedFile& file,
                                  ORVJSONReader& json);
 
-    /// Returns what is known of the path; null when nothing is.
-    const Known* knownOf(const std::string& path) const;
+    /// Returns what is known of the file; null when nothing is.
+    const Known* knownOf(const ORVWalkedFile& file) const;
 
-    void forget(const std::string& path) { known_.erase(path); }
+    void forget(const ORVWalkedFile& file) { known_.erase(&file); }
     void forgetAll() { known_.clear(); }
 
 private:
@@ -78,6 +80,6 @@ private:
 
     ORVFiles& files_;
     std::unique_ptr<Reader> reader_;
-    std::unordered_map<std::string, Known> known_;  ///< By path.
+    std::unordered_map<const ORVWalkedFile*, Known> known_;
     std::mutex taking_;
 };

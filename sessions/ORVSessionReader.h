@@ -13,7 +13,6 @@
 #include "platform/ORVFollowedFile.h"
 #include "sessions/ORVFadingTable.h"
 #include "sessions/ORVSessionParseState.h"
-#include "sessions/ORVTask.h"
 
 /// What is wanted of every session file beside its figures.
 struct ORVSessionWants {
@@ -55,10 +54,10 @@ public:
         std::function<void(std::size_t done)> progress;  ///< Is told how many files have been read.
     };
 
-    /// Reads on in the files of these tasks on all processors, up to the sizes that the walk has
-    /// found, so that readFile finds hardly anything new in them. A file that cannot be read is
-    /// left to readFile. Throws std::bad_alloc when memory runs out.
-    void readAhead(std::span<const ORVTask> tasks, const ReadingAhead& calls);
+    /// Reads on in these files on all processors, up to the sizes that the walk has found, so that
+    /// readFile finds hardly anything new in them. A file that cannot be read is left to readFile.
+    /// Throws std::bad_alloc when memory runs out.
+    void readAhead(std::span<const ORVWalkedFile* const> files, const ReadingAhead& calls);
 
     /// Forgets the figures of files that nobody has asked for in a while.
     void forgetUnaskedFiles(ORVClock::TimePoint now) { states_.age(now); }

@@ -134,8 +134,8 @@ ORVFirstLines::ORVFirstLines(ORVFiles& files)
 
 ORVFirstLines::~ORVFirstLines() = default;
 
-const ORVFirstLines::Known* ORVFirstLines::knownOf(const std::string& path) const {
-    const auto found = known_.find(path);
+const ORVFirstLines::Known* ORVFirstLines::knownOf(const ORVWalkedFile& file) const {
+    const auto found = known_.find(&file);
     return found == known_.end() ? nullptr : &found->second;
 }
 
@@ -147,7 +147,7 @@ bool ORVFirstLines::mustRead(const Known& known, const ORVWalkedFile& file) {
 }
 
 const ORVFirstLines::Known& ORVFirstLines::ofFile(const ORVWalkedFile& file) {
-    Known& known = known_[file.path];
+    Known& known = known_[&file];
     if (mustRead(known, file)) {
         known = reader_->read(file);
     }
@@ -155,7 +155,7 @@ const ORVFirstLines::Known& ORVFirstLines::ofFile(const ORVWalkedFile& file) {
 }
 
 const ORVFirstLines::Known& ORVFirstLines::tryAgain(const ORVWalkedFile& file) {
-    Known& known = known_[file.path];
+    Known& known = known_[&file];
     if (mustRead(known, file) || known.error != 0) {
         known = reader_->read(file);
     }
@@ -166,7 +166,7 @@ void ORVFirstLines::readAhead(std::span<const ORVWalkedFile* const> files) {
     std::vector<const ORVWalkedFile*> wanted;
     std::copy_if(files.begin(), files.end(), std::back_inserter(wanted),
                  [&](const ORVWalkedFile* file) {
-                     const Known* const known = knownOf(file->path);
+                     const Known* const known = knownOf(*file);
                      return !known || mustRead(*known, *file);
                  });
     if (wanted.size() < kWorthThreads) {
@@ -179,7 +179,7 @@ void ORVFirstLines::readAhead(std::span<const ORVWalkedFile* const> files) {
         };
     });
     for (std::size_t i = 0; i < wanted.size(); ++i) {
-        known_[wanted[i]->path] = std::move(results[i]);
+        known_[wanted[i]] = std::move(results[i]);
     }
 }
 
@@ -192,5 +192,5 @@ const ORVFirstLine* ORVFirstLines::takeFrom(std::string_view bytes, const ORVWal
     Known known = nothingOf(file);
     known.line = lineOf(bytes.substr(0, length), json);
     const std::lock_guard<std::mutex> lock(taking_);
-    return &(known_[file.path] = std::move(known)).line;
+    return &(known_[&file] = std::move(known)).line;
 }

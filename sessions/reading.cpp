@@ -72,19 +72,18 @@ bool ORVSessionReader::updateState(ORVSessionParseState& state, const std::strin
     return result != ORVFileFollower::Result::failed;
 }
 
-void ORVSessionReader::readAhead(std::span<const ORVTask> tasks, const ReadingAhead& calls) {
+void ORVSessionReader::readAhead(std::span<const ORVWalkedFile* const> files,
+                                 const ReadingAhead& calls) {
     struct Unread {
         const ORVWalkedFile& file;
         ORVSessionParseState& state;
     };
     std::vector<Unread> unread;
-    std::unordered_set<std::string_view> seen;  // A file may belong to several tasks.
-    for (const ORVTask& task : tasks) {
-        for (const ORVWalkedFile& file : task.files) {
-            ORVSessionParseState& state = states_[file.path];
-            if (state.offset < file.size && seen.insert(file.path).second) {
-                unread.push_back({file, state});
-            }
+    std::unordered_set<const ORVSessionParseState*> seen;  // A file may belong to several tasks.
+    for (const ORVWalkedFile* file : files) {
+        ORVSessionParseState& state = states_[file->path];
+        if (state.offset < file->size && seen.insert(&state).second) {
+            unread.push_back({*file, state});
         }
     }
     std::mutex mutex;

@@ -140,7 +140,7 @@ void ORVTaskList::apply(const ORVSessionTree::Change& change, bool places) {
     }
     if (change.kind == Kind::vanished) {
         incomplete_.erase(file);
-        firstLines_.forget(file->path);
+        firstLines_.forget(*file);
     }
 }
 
@@ -347,7 +347,7 @@ std::string ORVTaskList::shortIdentifier(const ORVTask& task) {
 std::vector<ORVUnreadable> ORVTaskList::unreadable() const {
     std::vector<ORVUnreadable> all = tree_.unreadable();
     for (const ORVWalkedFile* file : incomplete_) {
-        const ORVFirstLines::Known* known = firstLines_.knownOf(file->path);
+        const ORVFirstLines::Known* known = firstLines_.knownOf(*file);
         if (known && known->error != 0 && known->error != ENOENT) {
             all.push_back({file->path, platform::posixError(known->error), false});
         }

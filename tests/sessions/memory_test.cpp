@@ -105,7 +105,8 @@ TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
         const auto latest = sessions.latestSnapshotWithError(&slot);
         const auto found = sessions.snapshotForThreadID(kTask, &slot);
         const ORVTask task{kTask, {{fileOf(kTask, "b"), {}, 0, 100}}};
-        sessions.readAhead({&task, 1}, {});
+        const ORVWalkedFile* const file = &task.files.front();
+        sessions.readAhead({&file, 1}, {});
         (void)sessions.snapshotForTask(task, &slot);
         (void)sessions.accountLimits(task.files, nullptr);
         const auto facts = sessions.agentFactsForThreadID(kTask);
