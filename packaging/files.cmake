@@ -16,7 +16,7 @@ install(DIRECTORY ../recipes DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERM
 install(FILES ../README.md ../CHANGELOG.md ../LICENSE.md ../SECURITY.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 if(NOT APPLE)
-    foreach(LIBRARY c6 ncurses pugixml seccomp)  # c6 is the C library, in a static program.
+    foreach(LIBRARY c6 ncurses pugixml)  # c6 is the C library, in a static program.
         install(FILES /usr/share/doc/lib${LIBRARY}-dev/copyright OPTIONAL
                 DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${LIBRARY}.txt)
     endforeach()

@@ -1,5 +1,5 @@
 // Limits what the program can ask of the kernel. This file holds first the list of allowed system
-// calls, of which libseccomp makes a filter, and then the use of Landlock for the places where
+// calls, of which it makes a filter, and then the use of Landlock for the places where
 // files may be read and changed. A call that is not on the list fails as on a kernel that does not
 // know it, so that a C library uses its predecessor: clone, whose flags a filter can see, instead
 // of clone3.
@@ -13,9 +13,10 @@
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
 #include <fcntl.h>
+#include <linux/audit.h>
+#include <linux/filter.h>
 #include <linux/sched.h>
 #include <linux/seccomp.h>
-#include <seccomp.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -27,8 +28,7 @@
 #include <cstdint>
 #include <ctime>
 #include <initializer_list>
-#include <memory>
-#include <new>
+#include <vector>
 
 #include "platform/confinement.h"
 #include "platform/descriptors.h"
@@ -36,10 +36,12 @@
 namespace platform {
 namespace {
 
-#if (defined(__x86_64__) || defined(__aarch64__)) && defined(__LP64__)
-constexpr bool kListIsRightHere = true;
+#if defined(__x86_64__) && defined(__LP64__)
+constexpr std::uint32_t kProcessor = AUDIT_ARCH_X86_64;
+#elif defined(__aarch64__) && defined(__LP64__) && defined(__AARCH64EL__)
+constexpr std::uint32_t kProcessor = AUDIT_ARCH_AARCH64;
 #else
-constexpr bool kListIsRightHere = false;  // C libraries use other calls on other processors.
+constexpr std::uint32_t kProcessor = 0;  // C libraries use other calls on other processors.
 #endif
 
 // Calls that the headers may be too old to name. They have the same number on every processor.
@@ -91,35 +93,50 @@ constexpr int kCallsForStoring[] = {
 constexpr int kCallsForConfining[] = {kLandlockCreateRuleset, kLandlockAddRule,
                                       kLandlockRestrictSelf};
 
-/// Conditions on an argument, counted from 0. A value is compared with the lower half of the
-/// register, which is all that the kernel uses of an int.
-scmp_arg_cmp isValue(unsigned argument, std::uint32_t value) {
-    return {argument, SCMP_CMP_MASKED_EQ, 0xFFFFFFFF, value};
+/// A condition on an argument, counted from 0: these bits of it have this value.
+struct Condition {
+    unsigned argument;
+    std::uint64_t bits;
+    std::uint64_t value;
+};
+/// The lower half of the register is all that the kernel uses of an int.
+Condition isValue(unsigned argument, std::uint32_t value) {
+    return {argument, 0xFFFFFFFF, value};
 }
-scmp_arg_cmp hasNoneOf(unsigned argument, std::uint64_t bits) {
-    return {argument, SCMP_CMP_MASKED_EQ, bits, 0};
+Condition hasNoneOf(unsigned argument, std::uint64_t bits) {
+    return {argument, bits, 0};
 }
 
-/// A filter that refuses every call for which no rule was added.
+/// A filter that refuses every call for which no rule was added, as a program for the kernel.
 class CallFilter {
 public:
-    CallFilter() : filter_(seccomp_init(SCMP_ACT_ERRNO(ENOSYS)), &seccomp_release) {
-        // Neither this program nor a library calls the kernel in the way of another processor
-        // (int 0x80). Only an attacker's code would, so the process ends.
-        require(filter_ ? seccomp_attr_set(filter_.get(), SCMP_FLTATR_ACT_BADARCH,
-                                           SCMP_ACT_KILL_PROCESS)
-                        : -ENOMEM);
-        // A binary search among the calls: when a filter is installed, the kernel runs it once for
-        // every number, to find the calls that are always allowed.
-        require(seccomp_attr_set(filter_.get(), SCMP_FLTATR_CTL_OPTIMIZE, 2));
-        require(seccomp_attr_set(filter_.get(), SCMP_FLTATR_CTL_NNP, 0));  // It is set already.
+    CallFilter() {
+        // Neither this program nor a library calls the kernel in the way of another processor, by
+        // int 0x80 or with the numbers of x32. Only an attacker's code would, so the process ends.
+        constexpr std::uint32_t kFirstOfX32 = 0x40000000;
+        load(offsetof(seccomp_data, arch));
+        skipUnless(BPF_JEQ, kProcessor, 2);
+        load(offsetof(seccomp_data, nr));
+        skipUnless(BPF_JGE, kFirstOfX32, 1);
+        answer(SECCOMP_RET_KILL_PROCESS);
     }
 
     /// Allows the call if all conditions hold. One call may have several rules.
-    void allow(int call, std::initializer_list<scmp_arg_cmp> conditions = {}) {
-        require(seccomp_rule_add_array(filter_.get(), SCMP_ACT_ALLOW, call,
-                                       static_cast<unsigned>(conditions.size()),
-                                       conditions.begin()));
+    void allow(int call, std::initializer_list<Condition> conditions) {
+        constexpr std::size_t kPerHalf = 3;  // Instructions.
+        std::size_t rest = conditions.size() * 2 * kPerHalf + 1;
+        load(offsetof(seccomp_data, nr));
+        skipUnless(BPF_JEQ, static_cast<std::uint32_t>(call), rest);
+        for (const auto& [argument, bits, value] : conditions) {
+            for (const unsigned half : {0U, 32U}) {
+                rest -= kPerHalf;
+                load(offsetof(seccomp_data, args) + argument * sizeof value + half / 8);
+                program_.push_back(
+                    BPF_STMT(BPF_ALU | BPF_AND | BPF_K, static_cast<std::uint32_t>(bits >> half)));
+                skipUnless(BPF_JEQ, static_cast<std::uint32_t>(value >> half), rest);
+            }
+        }
+        answer(SECCOMP_RET_ALLOW);
     }
 
     void allowOneOf(int call, unsigned argument, std::initializer_list<std::uint32_t> values) {
@@ -128,18 +145,33 @@ public:
         }
     }
 
-    /// Returns whether the kernel has filters, and so uses this one.
-    bool load() const { return seccomp_load(filter_.get()) == 0; }
-
-private:
-    /// The library fails only for want of memory, since it knows all these calls.
-    static void require(int result) {
-        if (result != 0) {
-            throw std::bad_alloc();
+    template <std::size_t kCount>
+    void allowAll(const int (&calls)[kCount]) {
+        load(offsetof(seccomp_data, nr));
+        for (const int call : calls) {
+            skipUnless(BPF_JEQ, static_cast<std::uint32_t>(call), 1);
+            answer(SECCOMP_RET_ALLOW);
         }
     }
 
-    const std::unique_ptr<void, decltype(&seccomp_release)> filter_;
+    /// Returns whether the kernel has filters, and so uses this one.
+    bool install() {
+        answer(SECCOMP_RET_ERRNO | ENOSYS);
+        sock_fprog program{static_cast<unsigned short>(program_.size()), program_.data()};
+        return syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, 0, &program) == 0;
+    }
+
+private:
+    void load(std::size_t offset) {
+        program_.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset)));
+    }
+    void skipUnless(unsigned comparison, std::uint32_t value, std::size_t instructions) {
+        program_.push_back(BPF_JUMP(static_cast<std::uint16_t>(BPF_JMP | BPF_K | comparison), value,
+                                    0, static_cast<std::uint8_t>(instructions)));
+    }
+    void answer(std::uint32_t action) { program_.push_back(BPF_STMT(BPF_RET | BPF_K, action)); }
+
+    std::vector<sock_filter> program_;
 };
 
 /// Opening a file without any of these flags changes nothing. O_TMPFILE takes effect only with an
@@ -154,24 +186,17 @@ void addRulesForReading(CallFilter& filter) {
 }
 
 void addRulesForStoring(CallFilter& filter) {
-    for (const int call : kCallsForStoring) {
-        filter.allow(call);
-    }
+    filter.allowAll(kCallsForStoring);
     // Landlock does not cover this call. These bits would make a file run with its owner's rights.
     filter.allow(SYS_fchmod, {hasNoneOf(1, 07000)});
 }
 
 void addRulesForConfining(CallFilter& filter) {
-    for (const int call : kCallsForConfining) {
-        filter.allow(call);
-    }
+    filter.allowAll(kCallsForConfining);
     filter.allow(SYS_seccomp, {isValue(0, SECCOMP_SET_MODE_FILTER)});
 }
 
 void addRulesForAll(CallFilter& filter) {
-    for (const int call : kCalls) {
-        filter.allow(call);
-    }
     constexpr std::uint64_t kAllBits = ~std::uint64_t{0};
     constexpr std::uint32_t kThread = CLONE_VM | CLONE_FS | CLONE_FILES | CLONE_SIGHAND |
                                       CLONE_THREAD | CLONE_SYSVSEM | CLONE_SETTLS |
@@ -202,19 +227,20 @@ void addRulesForAll(CallFilter& filter) {
     for (const std::uint32_t process : {0U, ourselves}) {
         filter.allow(SYS_prlimit64, {isValue(0, process), hasNoneOf(2, kAllBits)});
     }
+    filter.allowAll(kCalls);
 }
 
 bool filterCalls(const ORVFileRights& rights) {
-    if (!kListIsRightHere) {
+    if (kProcessor == 0) {
         return false;
     }
     CallFilter filter;
-    addRulesForAll(filter);
     rights.foldersToWriteIn.empty() ? addRulesForReading(filter) : addRulesForStoring(filter);
     if (!rights.placesToRead) {
         addRulesForConfining(filter);
     }
-    return filter.load();
+    addRulesForAll(filter);
+    return filter.install();
 }
 
 // These are declarations of <linux/landlock.h>, which older headers lack.
