@@ -31,12 +31,13 @@ expect() { # EXPECTED COMMAND...
             ;;
     esac
 }
-machine() { # What uname answers.
+tool() { # NAME WHAT-IT-ANSWERS
     mkdir -p "$top/tools"
-    printf '#!/bin/sh\necho %s\n' "$1" >"$top/tools/uname"
-    chmod +x "$top/tools/uname"
+    printf '#!/bin/sh\necho %s\n' "$2" >"$top/tools/$1"
+    chmod +x "$top/tools/$1"
 }
-machine 'must-not-be-asked'
+tool uname must-not-be-asked
+tool readlink must-not-be-asked
 
 # npm -g: the program's package lies inside, and prefix/bin has a relative link.
 launcher "$top/global/lib/node_modules/brimlet"
@@ -45,7 +46,6 @@ mkdir -p "$top/global/bin"
 ln -s ../lib/node_modules/brimlet/bin/brimletctl "$top/global/bin/brimletctl"
 ln -s "$top/global/bin/brimletctl" "$top/an absolute link"
 expect 'linux-arm64:a  b c' "$top/global/bin/brimletctl" 'a  b' c
-expect 'linux-arm64:' "$top/an absolute link"
 # shellcheck disable=SC2016
 expect 'linux-arm64:x' sh -c 'cd "$1/global/bin" && sh brimletctl x' sh "$top"
 
@@ -55,6 +55,8 @@ program "$top/project/node_modules" linux-x64
 mkdir -p "$top/project/node_modules/.bin"
 ln -s ../brimlet/bin/brimletctl "$top/project/node_modules/.bin/brimletctl"
 expect 'linux-x64:' "$top/project/node_modules/.bin/brimletctl"
+rm "$top/tools/readlink"
+expect 'linux-arm64:' "$top/an absolute link"
 
 # pnpm: folders that are links into a store, and a script in .bin that starts the launcher through one.
 store="$top/pnpm/node_modules/.pnpm"
@@ -69,7 +71,7 @@ expect 'darwin:' sh "$top/pnpm/node_modules/.bin/../brimlet/bin/brimletctl"
 program "$top/project/node_modules" linux-arm64
 launcher "$top/none/node_modules/brimlet"
 while IFS='|' read -r name where expected; do
-    machine "$name"
+    tool uname "$name"
     expect "$expected" "$top/$where/node_modules/brimlet/bin/brimletctl"
 done <<END
 Linux aarch64|project|linux-arm64:
