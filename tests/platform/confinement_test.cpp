@@ -8,7 +8,9 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
 #include <linux/sched.h>
+#include <linux/seccomp.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
@@ -21,6 +23,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <ctime>
 #include <functional>
 #include <thread>
@@ -225,6 +228,22 @@ TEST_F(ConfinementTest, ACallInTheMannerOfAnotherProcessorEndsTheProcess) {
 }
 
 #endif
+
+// As on kernels before 3.17, and under emulators of system calls.
+TEST_F(ConfinementTest, WithoutTheCallForFiltersTheProgramStillRuns) {
+    sock_filter code[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                          BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_seccomp, 0, 1),
+                          BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+                          BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+    const sock_fprog filter{4, code};
+    const auto confine = [&] {
+        prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+        prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter);
+        platform::confineProcess(storing);
+        _exit(home.content("open/old") == "old" ? 0 : 1);
+    };
+    EXPECT_EXIT(confine(), testing::ExitedWithCode(0), "");
+}
 
 TEST_F(ConfinementTest, WritingIsRefusedButInTheFolderGiven) {
     if (!confined(storing, [&] { expect(confinement.limitsFiles, "Landlock"); }).empty()) {
