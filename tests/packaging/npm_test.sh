@@ -16,7 +16,7 @@ program() { # PACKAGES-FOLDER PLATFORM
 }
 launcher() { # PACKAGE-FOLDER
     mkdir -p "$1/bin"
-    cp "$root/packaging/npm/brimletctl" "$1/bin"
+    cp "$root/packaging/npm/brimletctl.bin" "$1/bin"
 }
 expect() { # EXPECTED COMMAND...
     expected=$1
@@ -43,7 +43,7 @@ tool readlink must-not-be-asked
 launcher "$top/global/lib/node_modules/brimlet"
 program "$top/global/lib/node_modules/brimlet/node_modules" linux-arm64
 mkdir -p "$top/global/bin"
-ln -s ../lib/node_modules/brimlet/bin/brimletctl "$top/global/bin/brimletctl"
+ln -s ../lib/node_modules/brimlet/bin/brimletctl.bin "$top/global/bin/brimletctl"
 ln -s "$top/global/bin/brimletctl" "$top/an absolute link"
 expect 'linux-arm64:a  b c' "$top/global/bin/brimletctl" 'a  b' c
 # shellcheck disable=SC2016
@@ -53,7 +53,7 @@ expect 'linux-arm64:x' sh -c 'cd "$1/global/bin" && sh brimletctl x' sh "$top"
 launcher "$top/project/node_modules/brimlet"
 program "$top/project/node_modules" linux-x64
 mkdir -p "$top/project/node_modules/.bin"
-ln -s ../brimlet/bin/brimletctl "$top/project/node_modules/.bin/brimletctl"
+ln -s ../brimlet/bin/brimletctl.bin "$top/project/node_modules/.bin/brimletctl"
 expect 'linux-x64:' "$top/project/node_modules/.bin/brimletctl"
 rm "$top/tools/readlink"
 expect 'linux-arm64:' "$top/an absolute link"
@@ -65,14 +65,23 @@ program "$store/brimlet-darwin@1/node_modules" darwin
 ln -s ../../brimlet-darwin@1/node_modules/brimlet-darwin "$store/brimlet@1/node_modules/brimlet-darwin"
 ln -s .pnpm/brimlet@1/node_modules/brimlet "$top/pnpm/node_modules/brimlet"
 mkdir "$top/pnpm/node_modules/.bin"
-expect 'darwin:' sh "$top/pnpm/node_modules/.bin/../brimlet/bin/brimletctl"
+expect 'darwin:' sh "$top/pnpm/node_modules/.bin/../brimlet/bin/brimletctl.bin"
+
+# yarn's manner of pnpm, and yarn without node_modules.
+launcher "$top/store/brimlet-npm-1/package"
+program "$top/store/brimlet-npm-1/node_modules" linux-x64
+expect 'linux-x64:' "$top/store/brimlet-npm-1/package/bin/brimletctl.bin"
+unplugged="$top/.yarn/unplugged"
+launcher "$unplugged/brimlet-npm-1/node_modules/brimlet"
+program "$unplugged/brimlet-linux-x64-npm-1/node_modules" linux-x64
+expect 'linux-x64:' "$unplugged/brimlet-npm-1/node_modules/brimlet/bin/brimletctl.bin"
 
 # A folder that is shared between machines, and machines without a program.
 program "$top/project/node_modules" linux-arm64
 launcher "$top/none/node_modules/brimlet"
 while IFS='|' read -r name where expected; do
     tool uname "$name"
-    expect "$expected" "$top/$where/node_modules/brimlet/bin/brimletctl"
+    expect "$expected" "$top/$where/node_modules/brimlet/bin/brimletctl.bin"
 done <<END
 Linux aarch64|project|linux-arm64:
 Linux x86_64|project|linux-x64:
