@@ -175,8 +175,8 @@ private:
 };
 
 /// Opening a file without any of these flags changes nothing. O_TMPFILE takes effect only with an
-/// access mode for writing.
-constexpr std::uint64_t kToWrite = O_ACCMODE | O_CREAT | O_TRUNC;
+/// access mode for writing. O_ACCMODE would hold O_PATH, too, with musl.
+constexpr std::uint64_t kToWrite = O_WRONLY | O_RDWR | O_CREAT | O_TRUNC;
 
 void addRulesForReading(CallFilter& filter) {
     filter.allow(SYS_openat, {hasNoneOf(2, kToWrite)});
