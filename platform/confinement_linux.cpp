@@ -32,6 +32,7 @@
 
 #include "platform/confinement.h"
 #include "platform/descriptors.h"
+#include "platform/program.h"
 
 namespace platform {
 namespace {
@@ -317,6 +318,7 @@ bool limitFiles(const ORVFileRights& rights) {
         for (const char* place : kSystemPlaces) {
             addRule(ruleset, place, kToRead);
         }
+        addRule(ruleset, localesOfProgram(), kToRead);
     }
     return syscall(kLandlockRestrictSelf, ruleset.number(), 0) == 0;
 }

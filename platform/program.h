@@ -9,6 +9,14 @@ namespace platform {
 /// it.
 std::string programPath();
 
+/// Returns the folder in which a release for Linux brings the characters of UTF-8. Its C library,
+/// which is linked statically, finds none on a system with another C library. There may be no such
+/// folder.
+inline std::string localesOfProgram() {
+    const std::string path = programPath();
+    return path.substr(0, path.rfind('/')) + "/../share/brimlet/locale";
+}
+
 /// What is known of the program in a Mac's menu bar, as far as this user runs it.
 struct MenuBarProgram {
     std::optional<std::string> place;  ///< Of its bundle; none while it does not run.

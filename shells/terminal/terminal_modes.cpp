@@ -23,6 +23,7 @@
 #include <string_view>
 
 #include "platform/descriptors.h"
+#include "platform/program.h"
 #include "text/bytes.h"
 
 namespace terminal {
@@ -157,9 +158,15 @@ bool setUpCharacters() {
     std::transform(name.begin(), name.end(), name.begin(), text::lowerCasedASCII);
     const bool namesUTF8 =
         name.find("utf-8") != std::string::npos || name.find("utf8") != std::string::npos;
+    if (!namesUTF8) {
+        return false;
+    }
     // The second name is that of a Mac.
-    return namesUTF8 && (setlocale(LC_CTYPE, "C.UTF-8") || setlocale(LC_CTYPE, "UTF-8")) &&
-           isUTF8();
+    if (!setlocale(LC_CTYPE, "C.UTF-8") && !setlocale(LC_CTYPE, "UTF-8")) {
+        setenv("LOCPATH", platform::localesOfProgram().c_str(), 1);
+        setlocale(LC_CTYPE, "C.UTF-8");
+    }
+    return isUTF8();
 }
 
 void takeOver() {
