@@ -51,7 +51,8 @@ private:
 };
 
 /// Sleeps until one of the descriptors is ready, a signal arrives, or the time is over (never, for
-/// -1), and marks the descriptors that are ready. Returns 0, or the errno when the system cannot
+/// -1), and marks the descriptors that are ready. It may also end without a reason, but not more
+/// often than once a second. Returns 0, or the errno when the system cannot
 /// wait for them: who went on then would turn in circles.
 [[nodiscard]] int waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds);
 

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdint>
+#include <span>
 
 #include "platform/descriptors.h"
 
@@ -36,12 +38,12 @@ bool hasReader(int descriptor) {
            (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
 }
 
-/// A kernel queue for outputs whose reader closes its end. Data that a socket's reader sends is not
-/// reported, because it never reaches the demanded number of bytes. The end of a named pipe's
-/// reader is not reported either; it shows at the next write.
+/// A kernel queue for outputs whose reader closes its end. The end of a named pipe's reader is not
+/// reported; it shows at the next write.
 class HangUpQueue {
 public:
-    explicit HangUpQueue(const std::vector<ORVWatchedDescriptor>& watched) {
+    explicit HangUpQueue(const std::vector<ORVWatchedDescriptor>& watched)
+        : events_(watched.size()) {
         for (const ORVWatchedDescriptor& watch : watched) {
             if (watch.interest != Interest::hangUpOnly || !hasReader(watch.descriptor)) {
                 continue;
@@ -49,39 +51,63 @@ public:
             if (descriptor() < 0) {
                 queue_ = FileDescriptor(kqueue());
             }
-            struct kevent change;
-            EV_SET(&change, watch.descriptor, EVFILT_READ, EV_ADD, NOTE_LOWAT, INT_MAX, nullptr);
-            kevent(descriptor(), &change, 1, nullptr, 0, nullptr);
+            change(static_cast<uintptr_t>(watch.descriptor), EV_ADD);
+        }
+        for (const struct kevent& event : events()) {
+            if (!isHangUp(event)) {
+                change(event.ident, EV_DELETE);
+                isBlind_ = true;
+            }
         }
     }
 
     int descriptor() const { return queue_.number(); }
 
-    void mark(std::vector<ORVWatchedDescriptor>& watched) const {
-        const timespec atOnce{0, 0};
-        struct kevent event;
-        while (kevent(descriptor(), nullptr, 0, &event, 1, &atOnce) == 1) {
-            const bool hasHungUp = (event.flags & EV_EOF) != 0;
+    /// Whether a descriptor is left out because it would end every wait at once. What a reader has
+    /// sent, and nobody here reads, is reported from a number of bytes on. None reaches the
+    /// demanded one, but the system bounds it by the size of a socket's buffer, and may report a
+    /// named pipe from its first byte on.
+    bool isBlind() const { return isBlind_; }
+
+    void mark(std::vector<ORVWatchedDescriptor>& watched) {
+        for (const struct kevent& event : events()) {
             for (ORVWatchedDescriptor& watch : watched) {
                 watch.isReady =
-                    watch.isReady || (hasHungUp && watch.interest == Interest::hangUpOnly &&
+                    watch.isReady || (isHangUp(event) && watch.interest == Interest::hangUpOnly &&
                                       static_cast<uintptr_t>(watch.descriptor) == event.ident);
             }
-            // Without this the queue would return the same event again, and the loop would not end.
-            struct kevent removal;
-            EV_SET(&removal, event.ident, EVFILT_READ, EV_DELETE, 0, 0, nullptr);
-            kevent(descriptor(), &removal, 1, nullptr, 0, nullptr);
         }
     }
 
 private:
+    static bool isHangUp(const struct kevent& event) { return (event.flags & EV_EOF) != 0; }
+
+    void change(uintptr_t identifier, std::uint16_t flags) const {
+        struct kevent change;
+        EV_SET(&change, identifier, EVFILT_READ, flags, NOTE_LOWAT, INT_MAX, nullptr);
+        kevent(descriptor(), &change, 1, nullptr, 0, nullptr);
+    }
+
+    std::span<const struct kevent> events() {
+        const timespec atOnce{0, 0};
+        const int count = kevent(descriptor(), nullptr, 0, events_.data(),
+                                 static_cast<int>(events_.size()), &atOnce);
+        return {events_.data(), static_cast<std::size_t>(std::max(count, 0))};
+    }
+
     FileDescriptor queue_;
+    std::vector<struct kevent> events_;
+    bool isBlind_ = false;
 };
 
 }  // namespace
 
 int waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseconds) {
-    const HangUpQueue hangUps(watched);
+    constexpr int kNextLook = 1'000;
+    HangUpQueue hangUps(watched);
+    if (hangUps.isBlind()) {
+        milliseconds = milliseconds < 0 ? kNextLook : std::min(milliseconds, kNextLook);
+    }
     fd_set readable;
     fd_set writable;
     FD_ZERO(&readable);
@@ -117,9 +143,7 @@ int waitForDescriptors(std::vector<ORVWatchedDescriptor>& watched, int milliseco
                          watch.interest == Interest::readable ? &readable : &writable) != 0;
         }
     }
-    if (hangUps.descriptor() >= 0 && FD_ISSET(hangUps.descriptor(), &readable)) {
-        hangUps.mark(watched);
-    }
+    hangUps.mark(watched);
     return 0;
 }
 

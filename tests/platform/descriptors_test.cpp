@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 
 #include "tests/support/TemporaryHome.h"
 
@@ -70,6 +71,11 @@ TEST_F(DescriptorsTest, AReaderThatLeavesIsAHangUp) {
     EXPECT_TRUE(isReady(pipe_[1], Interest::writable, kSoon)) << "the write tells";
     EXPECT_EQ(1, write(sockets_[1], "x", 1));
     EXPECT_FALSE(isReady(sockets_[0], Interest::hangUpOnly, kNotAtAll)) << "the other side writes";
+    const std::string much(8'192, 'x');
+    EXPECT_EQ(8'192, write(sockets_[1], much.data(), much.size()));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(isReady(sockets_[0], Interest::hangUpOnly, kNotAtAll));
+    EXPECT_LE(std::chrono::milliseconds(kNotAtAll), std::chrono::steady_clock::now() - start);
     close(sockets_[1]);
     EXPECT_TRUE(isReady(sockets_[0], Interest::hangUpOnly, kSoon));
     pipe_[0] = sockets_[1] = -1;

@@ -4,8 +4,10 @@
 // which always reports a hang-up.
 
 #include <sys/epoll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <ctime>
 
@@ -36,20 +38,27 @@ inline int kqueue() {
     return epoll_create1(EPOLL_CLOEXEC);
 }
 
-/// Takes either one change or one place for an event.
-inline int kevent(int queue, const struct kevent* change, int, struct kevent* event, int,
+/// As many waiting bytes as this are reported, whatever number was demanded.
+constexpr int kORVStandInBound = 4'096;
+
+/// Takes either one change or places for events.
+inline int kevent(int queue, const struct kevent* change, int, struct kevent* events, int places,
                   const timespec*) {
     if (change) {
         epoll_event wanted{};
         wanted.data.fd = static_cast<int>(change->ident);
+        int waiting = 0;
+        if (ioctl(wanted.data.fd, FIONREAD, &waiting) == 0 && waiting >= kORVStandInBound) {
+            wanted.events = EPOLLIN;
+        }
         const int operation = change->flags == EV_ADD ? EPOLL_CTL_ADD : EPOLL_CTL_DEL;
         return epoll_ctl(queue, operation, wanted.data.fd, &wanted);
     }
-    epoll_event found{};
-    const int count = epoll_wait(queue, &found, 1, 0);
-    if (count == 1) {
-        EV_SET(event, static_cast<std::uintptr_t>(found.data.fd), EVFILT_READ, EV_EOF, 0, 0,
-               nullptr);
+    epoll_event found[8];
+    const int count = epoll_wait(queue, found, std::min(places, 8), 0);
+    for (int i = 0; i < count; ++i) {
+        EV_SET(&events[i], static_cast<std::uintptr_t>(found[i].data.fd), EVFILT_READ,
+               found[i].events & (EPOLLHUP | EPOLLERR) ? EV_EOF : 0, 0, 0, nullptr);
     }
     return count;
 }
