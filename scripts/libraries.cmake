@@ -23,11 +23,20 @@ if(BRIMLET_PINNED_LIBRARIES)
     set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)  # Nothing is gained for a single source file.
     set(UTF8PROC_INSTALL OFF)
     set(UTF8PROC_ENABLE_TESTING OFF)
-    # SYSTEM keeps warnings to this project's own code.
-    FetchContent_Declare(simdjson SYSTEM
+    # FetchContent by itself would clone the whole history. SYSTEM keeps warnings to this project's
+    # own code.
+    function(declare_library NAME)
+        cmake_parse_arguments(PARSE_ARGV 1 SOURCE "" "GIT_REPOSITORY;GIT_TAG" "")
+        FetchContent_Declare(${NAME} SYSTEM
+            DOWNLOAD_COMMAND git init --quiet <SOURCE_DIR>
+            COMMAND git -C <SOURCE_DIR> fetch --quiet --depth 1 ${SOURCE_GIT_REPOSITORY}
+                    ${SOURCE_GIT_TAG}
+            COMMAND git -C <SOURCE_DIR> checkout --quiet FETCH_HEAD)
+    endfunction()
+    declare_library(simdjson
         GIT_REPOSITORY https://github.com/simdjson/simdjson.git
         GIT_TAG cdeb069ad1e8cb2fb479cbb22695cb666cea99ac)  # 4.6.7
-    FetchContent_Declare(utf8proc SYSTEM
+    declare_library(utf8proc
         GIT_REPOSITORY https://github.com/JuliaStrings/utf8proc.git
         GIT_TAG e5e799221b45bbb90f5fdc5c69b6b8dfbf017e78)  # 2.11.3
     FetchContent_MakeAvailable(simdjson utf8proc)

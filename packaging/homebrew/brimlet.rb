@@ -12,17 +12,15 @@ class Brimlet < Formula
   depends_on macos: :ventura
 
   # These are linked statically, so that the programs load only macOS's own libraries. The commits are
-  # those in scripts/libraries.cmake.
+  # those in scripts/libraries.cmake; with a tag, brew fetches no history.
   resource "simdjson" do
     url "https://github.com/simdjson/simdjson.git",
-        revision: "cdeb069ad1e8cb2fb479cbb22695cb666cea99ac"
-    version "4.6.7"
+        tag: "v4.6.7", revision: "cdeb069ad1e8cb2fb479cbb22695cb666cea99ac"
   end
 
   resource "utf8proc" do
     url "https://github.com/JuliaStrings/utf8proc.git",
-        revision: "e5e799221b45bbb90f5fdc5c69b6b8dfbf017e78"
-    version "2.11.3"
+        tag: "v2.11.3", revision: "e5e799221b45bbb90f5fdc5c69b6b8dfbf017e78"
   end
 
   def install

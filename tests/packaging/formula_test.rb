@@ -79,7 +79,7 @@ pins = ROOT.join("scripts/libraries.cmake").read
 expect(2, pins.size, "the libraries that a Mac builds")
 expect(pins, Brimlet.resources.map { |resource|
   url, options = resource.said[:url]
-  [url, options[:revision], *resource.said[:version]]
+  [url, options[:revision], options[:tag].delete_prefix("v")]
 }, "resources")
 
 formula = Brimlet.new
