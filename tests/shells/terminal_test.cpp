@@ -459,8 +459,9 @@ TEST_F(TerminalTest, TopHasItsHeadTheSelectionAndTheKeysAtEverySize) {
         const int rows = size.second;
         t.resize(size.first, rows);
         EXPECT_TRUE(t.waitUntil([&] {
-            return t.row(0).find("STATUS") != std::string::npos &&
-                   t.row(rows - 1).find("Move") != std::string::npos &&
+            return t.row(0).find_first_not_of(' ') != std::string::npos &&
+                   t.row(0).find('%') == std::string::npos &&
+                   t.row(rows - 1).find("↑↓") != std::string::npos &&
                    t.reversed().find("C") != std::string::npos;
         })) << t.screen();
     }
