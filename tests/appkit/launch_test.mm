@@ -81,9 +81,16 @@ __attribute__((constructor)) void prepareHome() {
     [timer invalidate];
     expect([NSApp activationPolicy] == NSApplicationActivationPolicyAccessory,
            "no icon in the Dock");
+    expect(NSGetUncaughtExceptionHandler() != nullptr, "an uncaught exception is logged");
+#ifdef GNUSTEP  // The log of a Mac cannot be read from here.
+    expect(ORVStandIn.log.front().starts_with("com.orvellan.brimlet: Version "),
+           "it logs its start");
+#endif
     setenv(kSecondCopy, "1", 1);
     const std::string program = [[NSBundle mainBundle] executablePath].UTF8String;
     expect(std::system(("'" + program + "'").c_str()) == 0, "a second copy ends at once");
+    expect(std::system(("HOME=/dev/null '" + program + "' 2>/dev/null").c_str()) != 0,
+           "where nothing can be locked, it launches");
     unsetenv(kSecondCopy);
     NSMenu* menu = statusItem.menu;
     [[menu itemAtIndex:10].submenu performActionForItemAtIndex:2];
