@@ -25,15 +25,6 @@ NSString* stringOf(const std::string& text) {
     return platform::foundationString(text::forTerminal(text::shortened(text, kMostCharacters)));
 }
 
-/// From macOS 27 on the system hides the images of menus that do not ask for them. Older systems,
-/// and the headers for them, lack the property.
-void askToShowImage(NSMenuItem* item) {
-    constexpr int kVisible = 1;  // 0 leaves it to the system.
-    if ([item respondsToSelector:NSSelectorFromString(@"setPreferredImageVisibility:")]) {
-        [item setValue:@(kVisible) forKey:@"preferredImageVisibility"];
-    }
-}
-
 SEL _Nullable selectorOf(ORVMenuAction action) {
     switch (action) {
         case ORVMenuAction::none:
@@ -125,7 +116,6 @@ void updateItem(ORVShownMenuItem& pair) {
     } else if (item.action != ORVMenuAction::none) {
         shown.target = self;
     }
-    askToShowImage(shown);
     shown.tag = static_cast<NSInteger>(item.tag.value_or(0));
     if (item.submenu) {
         shown.submenu = [self menuShowing:*item.submenu];

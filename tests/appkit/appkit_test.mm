@@ -113,7 +113,6 @@ protected:
             EXPECT_EQ(item.state ? NSControlStateValueOn : NSControlStateValueOff, native.state);
             EXPECT_EQ(item.keyEquivalent, text(native.keyEquivalent));
             EXPECT_EQ(NSEventModifierFlagCommand, native.keyEquivalentModifierMask);
-            EXPECT_EQ(1, ((ORVStandInMenuItem*)native).preferredImageVisibility);
             const bool isTerminate = item.action == ORVMenuAction::terminate;
             const id handler = isTerminate ? (id)NSApp : (id)delegate.controller;
             if (!item.submenu) {  // GNUstep sets the target of an item with a submenu.

@@ -36,10 +36,8 @@ bool CFPreferencesAppSynchronize(CFStringRef domain);
 
 @interface ORVStandInMenuItem : NSMenuItem {
     BOOL hidden_;
-    NSInteger preferredImageVisibility_;
 }
 @property(nonatomic, getter=isHidden) BOOL hidden;
-@property(nonatomic) NSInteger preferredImageVisibility;
 @end
 
 @interface ORVStandInSymbol : NSImage {

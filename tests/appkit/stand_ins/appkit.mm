@@ -94,7 +94,6 @@ COUNTED_SETTER(State, NSInteger)
 COUNTED_SETTER(Image, NSImage*)
 
 @synthesize hidden = hidden_;
-@synthesize preferredImageVisibility = preferredImageVisibility_;
 
 - (void)setHidden:(BOOL)hidden {
     ++ORVStandIn.setterCalls;
