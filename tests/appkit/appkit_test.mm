@@ -315,11 +315,6 @@ TEST_F(AppKitTest, TheLogTellsOfTheFirstRefreshAndOfChanges) {
 
 TEST_F(AppKitTest, NothingWaitsForTheMenuToClose) {
     launch();
-    [[NSNotificationCenter defaultCenter] postNotificationName:NSMenuDidBeginTrackingNotification
-                                                        object:menu()];
-    if ([menu().delegate respondsToSelector:@selector(menuWillOpen:)]) {
-        [menu().delegate menuWillOpen:menu()];
-    }
     const auto expectTitle = [this](const char* title) {
         runWhileMenuIsOpenUntil([&] { return text(button().title) == title; });
         EXPECT_EQ(title, text(button().title));

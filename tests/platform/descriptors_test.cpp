@@ -27,13 +27,19 @@ protected:
     DescriptorsTest() {
         EXPECT_EQ(0, pipe(pipe_.data()));
         EXPECT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, sockets_.data()));
-        for (const int end : pipe_) {
+        for (const int end : {pipe_[1], sockets_[1]}) {
             fcntl(end, F_SETFL, O_NONBLOCK);
         }
     }
     ~DescriptorsTest() override {
         for (const int descriptor : {pipe_[0], pipe_[1], sockets_[0], sockets_[1]}) {
             close(descriptor);
+        }
+    }
+
+    static void fill(int descriptor) {
+        const std::string much(4'096, 'x');
+        while (write(descriptor, much.data(), much.size()) > 0) {
         }
     }
 
@@ -58,9 +64,7 @@ TEST_F(DescriptorsTest, ReadyOnesAreToldFromTheOthers) {
     EXPECT_FALSE(watched[0].isReady);
     EXPECT_TRUE(watched[1].isReady);
     EXPECT_FALSE(watched[2].isReady);
-    const std::string much(4'096, 'x');
-    while (write(pipe_[1], much.data(), much.size()) > 0) {
-    }
+    fill(pipe_[1]);
     EXPECT_FALSE(platform::isWritable(pipe_[1], kNotAtAll));
     EXPECT_TRUE(platform::isWritable(sockets_[0], 0));
 }
@@ -72,9 +76,7 @@ TEST_F(DescriptorsTest, AReaderThatLeavesIsAHangUp) {
     EXPECT_TRUE(isReady(pipe_[1], Interest::writable, kSoon)) << "the write tells";
     EXPECT_EQ(1, write(sockets_[1], "x", 1));
     EXPECT_FALSE(isReady(sockets_[0], Interest::hangUpOnly, kNotAtAll)) << "the other side writes";
-    const std::string much(4'096, 'x');
-    while (send(sockets_[1], much.data(), much.size(), MSG_DONTWAIT) > 0) {
-    }
+    fill(sockets_[1]);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_FALSE(isReady(sockets_[0], Interest::hangUpOnly, kNotAtAll));
     EXPECT_LE(std::chrono::milliseconds(kNotAtAll), std::chrono::steady_clock::now() - start);
