@@ -219,10 +219,10 @@ TEST_F(AppKitTest, TheStatusItemFromLaunchToTheEnd) {
     EXPECT_EQ("C1 · 47%", text(button().title));
     expectEverythingShown();
     @autoreleasepool {
-        ASSERT_EQ(1U, ORVStandIn.statusItems.size());
+        ASSERT_EQ(2, ORVStandIn.statusItems);
         [delegate release];
         delegate = nil;
-        EXPECT_EQ(0U, ORVStandIn.statusItems.size());
+        EXPECT_EQ(0, ORVStandIn.statusItems);
     }
     EXPECT_EQ(0U, ORVStandIn.activity);
     EXPECT_EQ(0, ORVStandIn.symbols);

@@ -70,10 +70,10 @@ bool CFPreferencesAppSynchronize(CFStringRef domain);
 
 /// Everything that the shell has asked of the system.
 inline struct ORVStandInRecord {
-    std::vector<NSStatusItem*> statusItems;  ///< In the menu bar, which does not keep them alive.
-    int setterCalls = 0;                     ///< On the status item's button and on menu items.
-    int symbols = 0;                         ///< Images that are alive.
-    NSActivityOptions activity = 0;          ///< The options of the activity; 0 for none.
+    int statusItems = 0;             ///< Those in the menu bar, and once more those that are alive.
+    int setterCalls = 0;             ///< On the status item's button and on menu items.
+    int symbols = 0;                 ///< Images that are alive.
+    NSActivityOptions activity = 0;  ///< The options of the activity; 0 for none.
     NSApplicationActivationPolicy activationPolicy = NSApplicationActivationPolicyRegular;
     NSTimeInterval tolerance = 0;  ///< Of the timer that was made last.
     std::string suiteName;         ///< The name of the user defaults that were opened last.

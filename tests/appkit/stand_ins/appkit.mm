@@ -45,7 +45,7 @@ COUNTED_SETTER(Font, NSFont*)
 @synthesize visible = visible_;
 
 - (void)dealloc {
-    std::erase(ORVStandIn.statusItems, self);
+    --ORVStandIn.statusItems;
     [button_ release];
     [menu_ release];
     [super dealloc];
@@ -76,12 +76,12 @@ COUNTED_SETTER(Font, NSFont*)
                                                          backing:NSBackingStoreBuffered
                                                            defer:NO];
     [bar.contentView addSubview:item.button];
-    ORVStandIn.statusItems.push_back(item);
+    ORVStandIn.statusItems += 2;
     return item;
 }
 
 - (void)removeStatusItem:(NSStatusItem*)item {
-    std::erase(ORVStandIn.statusItems, item);
+    --ORVStandIn.statusItems;
 }
 
 @end
