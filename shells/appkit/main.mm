@@ -16,7 +16,7 @@ namespace {
 
 /// Logs the exception's name; its reason might hold a title.
 void logException(NSException* exception) {
-    appkit::logFailure("Ends by an uncaught exception: " + std::string(exception.name.UTF8String));
+    appkit::logFailure("Uncaught exception: " + std::string(exception.name.UTF8String));
 }
 
 /// Whether this process is the one that shows the status item. One is enough in a menu bar, and
@@ -40,6 +40,17 @@ bool mayRun() {
 
 }  // namespace
 
+/// AppKit itself catches what is thrown while it handles an event or a timer, and goes on.
+@interface ORVApplication : NSApplication
+@end
+
+@implementation ORVApplication
+- (void)reportException:(NSException*)exception {
+    logException(exception);
+    [super reportException:exception];
+}
+@end
+
 /// Arguments mean nothing, except "--self-test".
 int main(int count, char** values) {
     @autoreleasepool {
@@ -48,11 +59,11 @@ int main(int count, char** values) {
         }
         appkit::log("Version " BRIMLET_VERSION " starts as process " +
                     std::to_string([NSProcessInfo processInfo].processIdentifier));
-        NSSetUncaughtExceptionHandler(logException);
         if (!mayRun()) {
             return 0;
         }
-        NSApplication* application = [NSApplication sharedApplication];
+        NSApplication* application = [ORVApplication sharedApplication];
+        NSSetUncaughtExceptionHandler(logException);  // AppKit may have set one of its own.
         ORVApplicationDelegate* delegate = [[ORVApplicationDelegate alloc]
             initWithUserDefaults:platform::standardUserDefaults([](const ORVStoringFailure&) {})];
         application.delegate = delegate;

@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -81,10 +82,15 @@ __attribute__((constructor)) void prepareHome() {
     [timer invalidate];
     expect([NSApp activationPolicy] == NSApplicationActivationPolicyAccessory,
            "no icon in the Dock");
-    expect(NSGetUncaughtExceptionHandler() != nullptr, "an uncaught exception is logged");
 #ifdef GNUSTEP  // The log of a Mac cannot be read from here.
     expect(ORVStandIn.log.front().starts_with("com.orvellan.brimlet: Version "),
-           "it logs its start");
+           "the start is logged");
+    NSException* exception = [NSException exceptionWithName:@"A" reason:@"B" userInfo:nil];
+    NSGetUncaughtExceptionHandler()(exception);
+    [NSApp reportException:exception];
+    const std::string logged = "com.orvellan.brimlet error: Uncaught exception: A";
+    expect(std::count(ORVStandIn.log.begin(), ORVStandIn.log.end(), logged) == 2,
+           "exceptions are logged, without their reasons");
 #endif
     setenv(kSecondCopy, "1", 1);
     const std::string program = [[NSBundle mainBundle] executablePath].UTF8String;
