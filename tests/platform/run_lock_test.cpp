@@ -67,6 +67,9 @@ TEST(RunLockTest, WhereNothingCanBeLockedItSaysWhy) {
     ORVErrorSlot error;
     EXPECT_EQ(RunLock::unknown, platform::lockForRun(home.path("file/folder"), &error));
     EXPECT_EQ(ENOTDIR, error.value().code);
+    ASSERT_EQ(0, symlink("file", home.path("running.lock").c_str()));
+    EXPECT_EQ(RunLock::unknown, platform::lockForRun(home.root(), &error));
+    EXPECT_EQ(ELOOP, error.value().code);
 }
 
 }  // namespace
