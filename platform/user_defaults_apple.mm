@@ -15,9 +15,9 @@ public:
     explicit DomainDefaults(NSString* domain) : domain_([domain copy]) {
         @autoreleasepool {
             // A program must not open its own domain by name.
-            isOwnDomain_ = [[[NSBundle mainBundle] bundleIdentifier] isEqualToString:domain];
-            defaults_ = isOwnDomain_ ? [[NSUserDefaults standardUserDefaults] retain]
-                                     : [[NSUserDefaults alloc] initWithSuiteName:domain];
+            defaults_ = [[[NSBundle mainBundle] bundleIdentifier] isEqualToString:domain]
+                            ? [[NSUserDefaults standardUserDefaults] retain]
+                            : [[NSUserDefaults alloc] initWithSuiteName:domain];
         }
     }
     ~DomainDefaults() override {
@@ -40,16 +40,13 @@ public:
     void setInteger(std::int64_t value, std::string_view key) override {
         @autoreleasepool {
             [defaults_ setInteger:static_cast<NSInteger>(value) forKey:foundationString(key)];
-            if (!isOwnDomain_) {
-                // Else a short-lived tool might end before it is stored.
-                CFPreferencesAppSynchronize((CFStringRef)domain_);
-            }
+            // Else a short-lived tool might end before it is stored.
+            CFPreferencesAppSynchronize((CFStringRef)domain_);
         }
     }
 
 private:
     NSString* domain_;
-    bool isOwnDomain_ = false;
     NSUserDefaults* defaults_ = nil;
 };
 
