@@ -25,9 +25,9 @@ struct ORVUnreadable {
 /// The first refresh walks every folder. Each later one asks the folders for their dates, which
 /// tell that names came or went, and reads those that have changed. That a file has grown only its
 /// own date tells: files written within the last minute and files named by lookAtEveryTime are
-/// asked at every refresh, the others in turn, so that after five refreshes each was asked. Where
-/// the system tells what is written, the others are asked more rarely. One thread at a time uses
-/// the tree.
+/// asked at every refresh. Of the others the newest 5,000 are asked in turn, so that after five
+/// refreshes each was asked. The rest, and files of which the system tells when they are written,
+/// take fifteen. One thread at a time uses the tree.
 class ORVSessionTree {
 public:
     /// `files` and `clock` must outlive the tree.
@@ -73,7 +73,8 @@ private:
         ORVClock::TimePoint noticedAt;  ///< When that status was first met.
         bool isSettled = false;  ///< Whether a further change would have given it another status.
         bool isWatched = false;  ///< Whether the system tells what is written in it.
-        Files files;             ///< By path.
+        bool isAskedOften = false;
+        Files files;  ///< By path.
         std::vector<ORVUnreadable> unreadable;
     };
     using Folders = std::map<std::string, Folder>;
@@ -95,7 +96,8 @@ private:
 
     // When they were written (tree_dates.cpp)
     void lookAtWrittenFiles(const ORVOpenFolder& root);
-    void lookAtFilesInTurn(Turn& turn, bool isWatched, std::size_t refreshes);
+    void chooseFoldersToAskOften();
+    void lookAtFilesInTurn(Turn& turn, bool isOften, std::size_t refreshes);
     std::size_t lookAtFilesOf(Folders::value_type& entry, std::size_t& index, std::size_t limit);
     void lookAtFile(const ORVOpenFolder& root, const std::string& path);
     void take(Folder& folder, ORVWalkedFile& file, const std::optional<ORVItemStatus>& status);
@@ -114,8 +116,8 @@ private:
     std::unique_ptr<ORVFolderWatch> watch_;  ///< From the second refresh on, where there is one.
     std::set<std::string> namedPaths_;
     std::map<std::string, ORVClock::TimePoint> writtenLately_;  ///< By path, when it was noticed.
-    Turn turn_;
-    Turn watchedTurn_;
+    Turn oftenTurn_;
+    Turn seldomTurn_;
     std::vector<Change> changes_;
     Files vanished_;  ///< Those that `changes_` names.
 };

@@ -12,10 +12,13 @@ namespace {
 /// Whoever is being written was written a moment ago: for so long a file is asked at every refresh.
 constexpr std::chrono::minutes kLately(1);
 
-/// At a refresh every two seconds each file is asked within ten seconds, and within a minute where
-/// the system tells what is written.
-constexpr std::size_t kRefreshesForAll = 5;
-constexpr std::size_t kRefreshesForAllWatched = 30;
+/// At a refresh every two seconds each file is asked within ten seconds, or within half a minute.
+constexpr std::size_t kRefreshesIfOften = 5;
+constexpr std::size_t kRefreshesIfSeldom = 15;
+
+/// A file costs two thirds of what a walk costs for it, so that a fifth of very many files would
+/// take more than a tenth of a walk. Folders are named by their days: the newest files come last.
+constexpr std::size_t kNewest = 5'000;
 
 /// So few files are asked at every refresh, because it costs nothing that could be felt.
 constexpr std::size_t kLeast = 64;
@@ -42,6 +45,7 @@ void ORVSessionTree::lookAtWrittenFiles(const ORVOpenFolder& root) {
             folder.isWatched = false;
         }
     }
+    chooseFoldersToAskOften();
     std::erase_if(writtenLately_, [&](const auto& entry) { return !isLately(entry.second, now_); });
     for (const auto& [path, noticedAt] : writtenLately_) {
         paths.insert(path);
@@ -54,8 +58,17 @@ void ORVSessionTree::lookAtWrittenFiles(const ORVOpenFolder& root) {
             lookAtFile(root, path);
         }
     }
-    lookAtFilesInTurn(turn_, false, kRefreshesForAll);
-    lookAtFilesInTurn(watchedTurn_, true, kRefreshesForAllWatched);
+    lookAtFilesInTurn(oftenTurn_, true, kRefreshesIfOften);
+    lookAtFilesInTurn(seldomTurn_, false, kRefreshesIfSeldom);
+}
+
+void ORVSessionTree::chooseFoldersToAskOften() {
+    std::size_t newest = 0;
+    for (auto at = folders_.rbegin(); at != folders_.rend(); ++at) {
+        Folder& folder = at->second;
+        folder.isAskedOften = !folder.isWatched && newest < kNewest;
+        newest += folder.isAskedOften ? folder.files.size() : 0;
+    }
 }
 
 void ORVSessionTree::lookAtFile(const ORVOpenFolder& root, const std::string& path) {
@@ -72,12 +85,12 @@ void ORVSessionTree::lookAtFile(const ORVOpenFolder& root, const std::string& pa
     }
 }
 
-/// Goes on where the last call stopped, so far that as many calls reach each of the files in
-/// folders that are watched or not.
-void ORVSessionTree::lookAtFilesInTurn(Turn& turn, bool isWatched, std::size_t refreshes) {
+/// Goes on where the last call stopped, so far that as many calls reach each of the files in the
+/// folders that are asked often, or in those that are not.
+void ORVSessionTree::lookAtFilesInTurn(Turn& turn, bool isOften, std::size_t refreshes) {
     std::size_t total = 0;
     for (const auto& [path, folder] : folders_) {
-        total += folder.isWatched == isWatched ? folder.files.size() : 0;
+        total += folder.isAskedOften == isOften ? folder.files.size() : 0;
     }
     auto at = folders_.lower_bound(turn.folder);
     if (at == folders_.end() || at->first != turn.folder) {
@@ -86,7 +99,7 @@ void ORVSessionTree::lookAtFilesInTurn(Turn& turn, bool isWatched, std::size_t r
     std::size_t left = std::min(total, std::max(kLeast, (total + refreshes - 1) / refreshes));
     while (left > 0) {
         at = at == folders_.end() ? folders_.begin() : at;
-        if (at->second.isWatched == isWatched) {
+        if (at->second.isAskedOften == isOften) {
             left -= std::min(left, lookAtFilesOf(*at, turn.index, left));
             if (turn.index < at->second.files.size()) {
                 break;

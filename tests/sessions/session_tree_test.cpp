@@ -226,11 +226,12 @@ class TellingFiles final : public MemoryFiles {
 public:
     std::set<std::string> watched;
     std::set<std::string> written;
+    bool tellsNothing = false;
     bool losesChanges = false;
     std::string locked;
 
     std::unique_ptr<ORVFolderWatch> makeFolderWatch() override {
-        return std::make_unique<Watch>(*this);
+        return tellsNothing ? nullptr : std::make_unique<Watch>(*this);
     }
     std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
                                               ORVErrorSlot* error) override {
@@ -328,7 +329,7 @@ TEST_F(TreeInMemoryTest, WhatIsWrittenIsNoticedInTurnOrAtOnce) {
     EXPECT_EQ(1, noticedAfter(1)) << "written lately";
     clock.time += 2min;
     disk.append(pathOf(689), "x");
-    EXPECT_LT(5, noticedAfter(31)) << "not told";
+    EXPECT_LT(1, noticedAfter(16)) << "not told";
     disk.losesChanges = true;
     disk.watched.clear();
     disk.append(pathOf(130), "x");
@@ -345,6 +346,25 @@ TEST_F(TreeInMemoryTest, WhatIsWrittenIsNoticedInTurnOrAtOnce) {
     EXPECT_EQ(1, noticedAfter(1));
     EXPECT_TRUE(disk.watched.empty());
     EXPECT_EQ(0U, tree.fileCount());
+}
+
+TEST_F(TreeInMemoryTest, OfVeryManyFilesTheNewestAreAskedMoreOften) {
+    disk.tellsNothing = true;
+    for (int i = 0; i < 5'500; ++i) {
+        const std::string path = (i < 500 ? "/s/0/" : "/s/2/") + std::to_string(i) + ".jsonl";
+        disk.write(path, "");
+        disk.setDate(path, 1'000);
+    }
+    EXPECT_EQ(1, noticedAfter(1));
+    clock.time += 2min;
+    EXPECT_EQ(0, noticedAfter(16));
+    const int calls = disk.calls;
+    EXPECT_EQ(0, noticedAfter(1));
+    EXPECT_GT(calls + 5'000 / 5 + 1'100 / 10, disk.calls) << "a fifth of the newest, few others";
+    for (const auto& [path, most] : {std::pair(pathOf(690), 15), {"/s/2/5000.jsonl", 5}}) {
+        disk.append(path, "x");
+        EXPECT_LT(0, noticedAfter(most)) << path;
+    }
 }
 
 TEST_F(TreeInMemoryTest, AFolderThatMayNotBeReadHoldsNothing) {
