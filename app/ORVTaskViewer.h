@@ -36,6 +36,10 @@ public:
     /// tasks at work do not take turns. A task that has just begun is shown at once.
     ORVTaskView view(const ORVShownTask& task);
 
+    /// Shows identified tasks as this list, which must outlive the viewer, has found them, and lets
+    /// it follow them. Otherwise the folders are searched for their files.
+    void findTasksIn(ORVTaskList& list) { list_ = &list; }
+
     /// Returns why no task is shown when a part of an identifier means several; none when it means
     /// one or none.
     std::optional<ORVTaskView> severalMeantBy(const std::string& part);
@@ -71,6 +75,8 @@ private:
     // One task (shown_task.cpp)
     ORVTaskView viewOfTaskInView();
     ORVTaskView viewOfHead(const ORVShownTask& task);
+    ORVTaskView viewOfListed(const ORVListedTask& listed);
+    ORVTaskView viewOfGiven(const std::string& identifier);
     ORVTaskView viewOfIdentified(const std::string& threadID);
     ORVTaskView viewOfPart(const std::string& part);
     ORVTaskView severalTasks(const std::vector<ORVTask>& tasks);
@@ -79,18 +85,20 @@ private:
     void fill(ORVTaskView& view);
 
     // Lists (task_list.cpp)
-    std::vector<ORVListedTask> listed(const ORVListRequest& request);
+    bool isKept(const ORVListRequest& request, const std::optional<ORVFileDate>& since) const;
+    std::vector<ORVListedTask> listed(const ORVListRequest& request,
+                                      const std::optional<ORVFileDate>& since);
     struct KeptView {
         ORVTaskView view;
         std::vector<ORVWalkedFile> files;  ///< That the view came from.
     };
     using KeptViews = std::unordered_map<std::string, KeptView>;  ///< By identifier.
     ORVTaskListView beginList();
+    std::optional<ORVFileDate> sinceOf(const ORVListRequest& request) const;
     void readEverything(const ORVListRequest& request, const Progress& progress);
     std::vector<std::size_t> placeTasks(std::vector<ORVTaskView>& rows,
                                         const std::vector<ORVListedTask>& tasks, KeptViews& known);
-    void keep(const std::shared_ptr<const ORVTaskListView>& list,
-              const std::vector<ORVListedTask>& tasks, const ORVListRequest& request);
+    bool keep(const ORVTaskListView& list, const std::vector<ORVListedTask>& tasks);
     enum class Memory { kept, freed };  ///< For what was read of the tasks.
     void readTasks(std::vector<ORVTaskView>& rows, const std::vector<ORVListedTask>& tasks,
                    std::span<const std::size_t> places, Memory memory);
@@ -102,6 +110,7 @@ private:
     ORVCodexSessionSource sessions_;
     ORVCodexFocusLogSource focus_;
     ORVTaskList tasks_;
+    ORVTaskList* list_ = nullptr;
 
     std::optional<ORVShownTask> lastTask_;
     std::vector<ORVUnreadable> unreadableForLimits_;
@@ -123,6 +132,7 @@ private:
     struct KeptList {
         std::shared_ptr<const ORVTaskListView> list;
         ORVListRequest request;
+        std::optional<ORVFileDate> since;  ///< The date that the request's age meant then.
         std::uint64_t revision = 0;
     };
     KeptList keptList_;

@@ -29,6 +29,7 @@ void ORVAppDelegate::applicationDidFinishLaunching() {
     if (request_.list) {
         listViewer_ = std::make_unique<ORVTaskViewer>(host_.files(), host_.clock(),
                                                       host_.codexHome(), request_.listWants);
+        viewer_->findTasksIn(listViewer_->tasks());
     }
     refresh(nullptr);
     host_.runLoop().repeat(kRefreshInterval, [this] { refresh(nullptr); });

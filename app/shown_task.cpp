@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
-#include <set>
 #include <utility>
 
 #include "app/ORVTaskViewer.h"
@@ -15,14 +14,6 @@
 namespace {
 
 constexpr std::chrono::seconds kStay(10);
-
-std::set<std::string> pathsOf(const ORVTask& task) {
-    std::set<std::string> paths;
-    for (const ORVWalkedFile& file : task.files) {
-        paths.insert(file.path);
-    }
-    return paths;
-}
 
 ORVAbsence absenceFor(const ORVErrorSlot& error) {
     if (!error || error->domain != sessions::kErrorDomain) {
@@ -73,8 +64,7 @@ ORVTaskView ORVTaskViewer::view(const ORVShownTask& task) {
             case ORVShownTask::Choice::inView:
                 return viewOfTaskInView();
             case ORVShownTask::Choice::identified:
-                return text::isUUID(task.value) ? viewOfIdentified(task.value)
-                                                : viewOfPart(task.value);
+                return viewOfGiven(task.value);
             case ORVShownTask::Choice::latest:
             case ORVShownTask::Choice::inFolder:
                 return viewOfHead(task);
@@ -103,6 +93,14 @@ ORVTaskView ORVTaskViewer::viewOfTaskInView() {
     }
     fill(view);
     return view;
+}
+
+ORVTaskView ORVTaskViewer::viewOfGiven(const std::string& identifier) {
+    if (const auto listed = list_ ? list_->taskWithIdentifier(identifier) : std::nullopt) {
+        list_->follow(listed->task);
+        return viewOfListed(*listed);
+    }
+    return text::isUUID(identifier) ? viewOfIdentified(identifier) : viewOfPart(identifier);
 }
 
 ORVTaskView ORVTaskViewer::viewOfIdentified(const std::string& threadID) {
@@ -171,10 +169,14 @@ ORVTaskView ORVTaskViewer::viewOfHead(const ORVShownTask& task) {
         view.absence = isInFolder ? ORVAbsence::noTaskInFolder : ORVAbsence::noSessionFile;
         return view;
     }
-    tasks_.lookAtEveryTime(pathsOf(head->task));
+    tasks_.follow(head->task);
+    return viewOfListed(*head);
+}
+
+ORVTaskView ORVTaskViewer::viewOfListed(const ORVListedTask& listed) {
     sessions_.refreshTitleIndexIfNeeded();
-    view = viewOfTask(head->task);
-    placeInFamily(view, *head);
+    ORVTaskView view = viewOfTask(listed.task);
+    placeInFamily(view, listed);
     return view;
 }
 

@@ -25,7 +25,12 @@ ORVFileDate before(ORVClock::TimePoint now, std::chrono::seconds age) {
 
 }  // namespace
 
-std::vector<ORVListedTask> ORVTaskViewer::listed(const ORVListRequest& request) {
+std::optional<ORVFileDate> ORVTaskViewer::sinceOf(const ORVListRequest& request) const {
+    return request.since ? std::optional(before(clock_.now(), *request.since)) : std::nullopt;
+}
+
+std::vector<ORVListedTask> ORVTaskViewer::listed(const ORVListRequest& request,
+                                                 const std::optional<ORVFileDate>& since) {
     ORVTaskList::Wanted wanted;
     wanted.limit = request.limit;
     wanted.folder = request.folder;
@@ -33,9 +38,7 @@ std::vector<ORVListedTask> ORVTaskViewer::listed(const ORVListRequest& request) 
     wanted.helpers = request.showsHelpers    ? Helpers::listed
                      : request.countsHelpers ? Helpers::counted
                                              : Helpers::none;
-    if (request.since) {
-        wanted.changedSince = before(clock_.now(), *request.since);
-    }
+    wanted.changedSince = since;
     std::vector<ORVListedTask> tasks;
     for (ORVListedTask& head : tasks_.heads(wanted)) {
         std::vector<ORVListedTask> helpers = std::move(head.helperTasks);
@@ -60,18 +63,19 @@ std::shared_ptr<const ORVTaskListView> ORVTaskViewer::list(const ORVListRequest&
         kept_.clear();
         keptList_ = {};
     }
-    if (keptList_.list && keptList_.request == request && !request.since &&
-        keptList_.revision == tasks_.revision()) {
+    const auto since = sinceOf(request);
+    if (isKept(request, since) && keptList_.list->hasSessionsFolder == view.hasSessionsFolder) {
         return keptList_.list;
     }
-    const std::vector<ORVListedTask> tasks = listed(request);
+    const std::vector<ORVListedTask> tasks = listed(request, since);
     KeptViews known = std::exchange(kept_, {});
     std::vector<std::size_t> unread = placeTasks(view.tasks, tasks, known);
     const std::size_t most = request.readAtOnce > 0 ? request.readAtOnce : unread.size();
     view.isComplete = unread.size() <= most;
     unread.resize(std::min(unread.size(), most));
     readTasks(view.tasks, tasks, unread, Memory::kept);
-    keep(result, tasks, request);
+    const bool isWhole = keep(view, tasks);
+    keptList_ = {isWhole ? result : nullptr, request, since, tasks_.revision()};
     return result;
 }
 
@@ -81,7 +85,7 @@ ORVTaskListView ORVTaskViewer::listOnce(const ORVListRequest& request, const Pro
     if (wantsEverything) {
         readEverything(request, progress);
     }
-    const std::vector<ORVListedTask> tasks = listed(request);
+    const std::vector<ORVListedTask> tasks = listed(request, sinceOf(request));
     KeptViews known;
     const std::vector<std::size_t> unread = placeTasks(view.tasks, tasks, known);
     for (std::size_t first = 0; first < unread.size(); first += kBatch) {
@@ -127,18 +131,33 @@ std::vector<std::size_t> ORVTaskViewer::placeTasks(std::vector<ORVTaskView>& row
     return unread;
 }
 
-/// Remembers what was read. A task that could not be read is tried again at the next list.
-void ORVTaskViewer::keep(const std::shared_ptr<const ORVTaskListView>& list,
-                         const std::vector<ORVListedTask>& tasks, const ORVListRequest& request) {
+/// Whether nothing in the last list can have changed. Time makes tasks too old for a list, but none
+/// young enough unless the clock is set back.
+bool ORVTaskViewer::isKept(const ORVListRequest& request,
+                           const std::optional<ORVFileDate>& since) const {
+    if (!keptList_.list || keptList_.request != request ||
+        keptList_.revision != tasks_.revision()) {
+        return false;
+    }
+    const auto& tasks = keptList_.list->tasks;
+    return !since || (*since >= *keptList_.since &&
+                      std::all_of(tasks.begin(), tasks.end(), [&](const ORVTaskView& task) {
+                          return task.changedAt >= *since;
+                      }));
+}
+
+/// Remembers what was read, and returns whether that is all: a task that could not be read is tried
+/// again at the next list.
+bool ORVTaskViewer::keep(const ORVTaskListView& list, const std::vector<ORVListedTask>& tasks) {
     bool isWhole = true;
     for (std::size_t i = 0; i < tasks.size(); ++i) {
-        const ORVTaskView& row = list->tasks[i];
+        const ORVTaskView& row = list.tasks[i];
         isWhole = isWhole && row.snapshot;
         if (row.snapshot) {
             kept_[tasks[i].task.threadID] = {row, tasks[i].task.files};
         }
     }
-    keptList_ = {isWhole ? list : nullptr, request, tasks_.revision()};
+    return isWhole;
 }
 
 /// Reads the tasks at these places of the list, on all processors.

@@ -59,9 +59,10 @@ public:
     /// same revision need not ask again.
     std::uint64_t revision() const { return revision_; }
 
-    /// Names the files whose growth the next refresh must notice, in place of those named before.
-    /// Others that were not written lately are noticed within five refreshes.
-    void lookAtEveryTime(std::set<std::string> paths) { namedPaths_ = std::move(paths); }
+    /// Lets every refresh notice the growth of this task, in place of the one before, and from the
+    /// second refresh on that of its helpers, as far as their first lines are known. That of others
+    /// which were not written lately is noticed as ORVSessionTree says.
+    void follow(const ORVTask& task);
 
     // Heads and helpers
 
@@ -90,10 +91,6 @@ public:
     /// Returns the head of the family that the task belongs to; none when there is no such task any
     /// more. Reads first lines until it meets the family's newest file.
     std::optional<ORVListedTask> headOfFamily(const ORVTask& task);
-
-    /// Returns all helpers of the head's family, the one that changed last first. Reads all first
-    /// lines.
-    std::vector<ORVListedTask> helpersOf(const ORVTask& head);
 
     /// Returns the task with this whole identifier, letter case disregarded, with its own date;
     /// none when there is no such task.
@@ -143,6 +140,14 @@ private:
         std::uint64_t way = 0;
     };
 
+    /// The head that a question meant, and when.
+    struct FoundHead {
+        std::string question;
+        std::uint64_t revision = 0;
+        const Group* head = nullptr;
+        ORVFileDate changedAt = {};  ///< That of its family.
+    };
+
     struct ChangedLastFirst {
         bool operator()(const Group* a, const Group* b) const;
     };
@@ -186,11 +191,16 @@ private:
     std::optional<ORVListedTask> headOfNewestFile();
     template <typename Visit>
     void visitTasks(Visit visit);
+    template <typename Find>
+    std::optional<ORVListedTask> foundHead(FoundHead& found, const std::string& question,
+                                           Find find);
 
     ORVFiles& files_;
     ORVSessionTree tree_;
     ORVFirstLines firstLines_;
     std::set<std::string> namedPaths_;
+    std::string followedID_;
+    std::uint64_t followedRevision_ = 0;  ///< When the helpers of that task were looked for.
     std::uint64_t revision_ = 0;
     std::uint64_t refreshes_ = 0;
 
@@ -202,6 +212,8 @@ private:
 
     std::uint64_t familyRevision_ = 0;  ///< Changes whenever a head may have become another one.
     std::uint64_t lastWay_ = 0;         ///< The number of the last way from parent to parent.
+    FoundHead headForFolder_;
+    FoundHead headOfFamily_;
     bool identifiersAreMeasured_ = false;
     bool changesWait_ = false;  ///< Whether the tasks do not know yet what the tree noticed.
 };

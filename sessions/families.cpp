@@ -207,58 +207,78 @@ std::optional<ORVListedTask> ORVTaskList::newestHead() {
     return newest.empty() ? std::nullopt : std::optional(std::move(newest.front()));
 }
 
-std::optional<ORVListedTask> ORVTaskList::headForFolder(const std::string& folder) {
+/// Answers a question that is asked at every refresh, and looks for the head only when the answer
+/// may have changed: to go through very many tasks would be felt.
+template <typename Find>
+std::optional<ORVListedTask> ORVTaskList::foundHead(FoundHead& found, const std::string& question,
+                                                    Find find) {
     return answer([&] {
+        if (found.revision != revision_ || found.question != question) {
+            found = {question, revision_};
+            find();
+        }
+        return found.head ? std::optional(listed(*found.head, found.changedAt)) : std::nullopt;
+    });
+}
+
+std::optional<ORVListedTask> ORVTaskList::headForFolder(const std::string& folder) {
+    return foundHead(headForFolder_, folder, [&] {
         readFirstLinesAhead();
         Neighbourhood neighbourhood(files_, folder);
-        const Group* best = nullptr;
         std::optional<std::size_t> bestDepth;
-        ORVFileDate changedAt;
         visitTasks([&](Group& group) {
             const Group& head = headOf(group);
             const auto& path = head.known->line.folder;
             const auto depth = path ? neighbourhood.of(*path).depth : std::nullopt;
             // Families come in the order of their changes, so of equal depths the first one stays.
             if (depth && (!bestDepth || *depth > *bestDepth)) {
-                best = &head;
                 bestDepth = depth;
-                changedAt = group.changedAt;
+                headForFolder_.head = &head;
+                headForFolder_.changedAt = group.changedAt;
             }
             return true;
         });
-        return best ? std::optional(listed(*best, changedAt)) : std::nullopt;
     });
 }
 
 std::optional<ORVListedTask> ORVTaskList::headOfFamily(const ORVTask& task) {
-    return answer([&] {
+    return foundHead(headOfFamily_, task.threadID + '/' + task.newestFile().path, [&] {
         Group* const member = groupOf(task);
         const Group* head = nullptr;
-        std::optional<ORVListedTask> found;
         visitTasks([&](Group& group) {
             if (!head) {
                 head = member && settleFully(*member) ? &headOf(*member) : nullptr;
             }
             if (head == &headOf(group)) {
-                found = listed(*head, group.changedAt);
+                headOfFamily_.head = head;
+                headOfFamily_.changedAt = group.changedAt;
             }
-            return head && !found;
+            return head && !headOfFamily_.head;
         });
-        return found;
     });
 }
 
-std::vector<ORVListedTask> ORVTaskList::helpersOf(const ORVTask& head) {
-    return answer([&] {
-        readFirstLinesAhead();
-        const Group* const wanted = groupOf(head);
-        std::vector<ORVListedTask> helpers;
-        visitTasks([&](Group& group) {
-            if (&group != wanted && &headOf(group) == wanted) {
-                helpers.push_back(listed(group, group.changedAt));
+void ORVTaskList::follow(const ORVTask& task) {
+    answer([&] {
+        if (followedID_ == task.threadID && followedRevision_ == revision_) {
+            return;
+        }
+        namedPaths_.clear();
+        for (const ORVWalkedFile& file : task.files) {
+            namedPaths_.insert(file.path);
+        }
+        if (refreshes_ < 2) {
+            return;  // Whoever asks once follows nothing.
+        }
+        followedID_ = task.threadID;
+        followedRevision_ = revision_;
+        const Group* const followed = groupOf(task);
+        for (auto& [identifier, group] : groups_) {
+            if (group.known && &headOf(group) == followed) {
+                for (const ORVWalkedFile* file : group.files) {
+                    namedPaths_.insert(file->path);
+                }
             }
-            return true;
-        });
-        return helpers;
+        }
     });
 }

@@ -163,7 +163,8 @@ TEST_F(TaskListTest, LimitsAndDatesAreAboutFamilies) {
     EXPECT_EQ("1@60 4@40", described(list.heads(wanted)));
     wanted.helpers = Helpers::counted;
     EXPECT_EQ("1@60+2 4@40", described(list.heads(wanted)));
-    EXPECT_EQ("2@60 3@50", described(list.helpersOf(list.matching("81").front())));
+    wanted.helpers = Helpers::listed;
+    EXPECT_EQ("1@60+2(2@60 3@50) 4@40", described(list.heads(wanted)));
 }
 
 TEST_F(TaskListTest, AnAnswerOpensNoMoreFirstLinesThanItNeeds) {
@@ -200,6 +201,13 @@ TEST_F(TaskListTest, AnAnswerOpensNoMoreFirstLinesThanItNeeds) {
     }
     EXPECT_NE(revision, list.revision());
     EXPECT_EQ(path(6), list.newestHead()->task.newestFile().path);
+    list.follow(list.newestHead()->task);
+    clock.time += 2min;
+    refresh();
+    disk.append(path(7), "more");
+    const auto before = list.revision();
+    refresh();
+    EXPECT_NE(before, list.revision()) << "a helper of the followed task";
     EXPECT_EQ(2 * kFamilies, disk.opened) << "each line is read once";
 }
 
