@@ -28,7 +28,7 @@ std::vector<Compaction> compactionsOf(const ORVHistory& history) {
                 compactions.back().after = event.usage;
             }
             usage = event.usage;
-            ++answers;
+            answers += event.answers;
             continue;
         }
         Compaction compaction;

@@ -24,7 +24,7 @@
 namespace ctl {
 namespace {
 
-/// More events than all but the longest histories have: what is left out, the ledger cannot tell.
+/// More events than all but the longest histories have. Of more the plot shows the highest.
 constexpr std::size_t kEventsOfAPlot = 50'000;
 
 /// So many tasks are read before a list is shown with what is known.

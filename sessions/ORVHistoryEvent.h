@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +17,9 @@ struct ORVHistoryEvent {
 
     /// The usage that the token count gave. None for a compaction.
     std::optional<ORVContextUsage> usage;
+
+    /// How many token counts a usage stands for: in a very long history the highest of several.
+    std::size_t answers = 1;
 
     bool isCompaction() const { return !usage; }
 };

@@ -46,9 +46,8 @@ struct ORVSessionParseState : ORVFollowedFile {
 
     ORVRecordedFacts facts;  ///< Nothing unless they are wanted.
 
-    // When there were too many events, each point stands for the highest of several usages.
-    std::size_t eventsPerPoint = 1;
-    std::size_t eventsInLastPoint = 0;
+    /// How many usages one event may stand for: grows when there were too many events.
+    std::size_t answersPerEvent = 1;
 
     std::optional<ORVContextUsage> contextUsage;
     ORVContextStatus contextStatus = ORVContextStatusWaiting;

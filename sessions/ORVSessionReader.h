@@ -17,7 +17,8 @@
 /// What is wanted of every session file beside its figures.
 struct ORVSessionWants {
     /// The longest history of a file; 0 for none. When more happens in a file, neighbouring usages
-    /// are merged, and if that is not enough, compactions are left out.
+    /// are merged, but for those right before and after a compaction. If that is not enough,
+    /// compactions are left out.
     std::size_t eventsPerFile = 0;
     bool agentFacts = false;  ///< Whether to look for what the agent says beside the figures.
 };

@@ -1,5 +1,5 @@
 // Histories. interpretation.cpp records each event while it counts it, so that a history cannot
-// disagree with the figures. Tests: tests/sessions/tasks_test.cpp.
+// disagree with the figures. Tests: tests/sessions/histories_test.cpp.
 
 #include <unordered_set>
 #include <utility>
@@ -16,23 +16,43 @@ bool isUsage(const ORVRecordedEvent& recorded) {
     return !recorded.event.isCompaction();
 }
 
-/// Keeps the higher of two usages as the first.
-void merge(ORVRecordedEvent& first, ORVRecordedEvent&& second) {
+/// Merges the last usage into the one before and keeps the higher, where the ledger of compactions
+/// needs neither: it needs the first usage after each compaction, and the last one before.
+void mergeLastTwo(std::vector<ORVRecordedEvent>& history, std::size_t most) {
+    const std::size_t count = history.size();
+    if (count < 3 || !isUsage(history[count - 1]) || !isUsage(history[count - 2]) ||
+        !isUsage(history[count - 3])) {
+        return;
+    }
+    ORVRecordedEvent& first = history[count - 2];
+    ORVRecordedEvent& second = history[count - 1];
+    const std::size_t answers = first.event.answers + second.event.answers;
+    if (answers > most) {
+        return;
+    }
     if (heightOf(second) >= heightOf(first)) {
         first = std::move(second);
     }
+    first.event.answers = answers;
+    history.pop_back();
 }
 
-/// Merges neighbouring usages two by two. When that leaves more than three quarters of the events,
-/// because compactions stand between the usages, every second compaction is dropped as well.
-void thinOut(std::vector<ORVRecordedEvent>& history) {
+/// Adds an event; until it is known what follows a usage, it stands by itself.
+void append(std::vector<ORVRecordedEvent>& history, ORVRecordedEvent&& recorded, std::size_t most) {
+    if (isUsage(recorded)) {
+        mergeLastTwo(history, most);
+    }
+    history.push_back(std::move(recorded));
+}
+
+/// Merges neighbouring usages as far as an event may stand for so many. When that leaves more than
+/// three quarters of the events, because compactions stand between the usages, every second
+/// compaction is dropped as well.
+void thinOut(std::vector<ORVRecordedEvent>& history, std::size_t most) {
     const std::size_t before = history.size();
     std::vector<ORVRecordedEvent> kept;
-    for (std::size_t i = 0; i < history.size(); ++i) {
-        kept.push_back(std::move(history[i]));
-        if (i + 1 < history.size() && isUsage(kept.back()) && isUsage(history[i + 1])) {
-            merge(kept.back(), std::move(history[++i]));
-        }
+    for (ORVRecordedEvent& recorded : history) {
+        append(kept, std::move(recorded), most);
     }
     if (kept.size() > before / 4 * 3) {
         bool isKept = false;
@@ -51,17 +71,11 @@ void ORVSessionReader::record(const ORVJSONValue& object, std::optional<ORVConte
     if (wants_.eventsPerFile == 0) {
         return;
     }
-    ORVRecordedEvent recorded{{object["timestamp"].text, usage}, std::move(compactionIdentifier)};
-    if (isUsage(recorded) && state.eventsInLastPoint < state.eventsPerPoint &&
-        !state.history.empty() && isUsage(state.history.back())) {
-        ++state.eventsInLastPoint;
-        return merge(state.history.back(), std::move(recorded));
-    }
-    state.history.push_back(std::move(recorded));
-    state.eventsInLastPoint = 1;
+    append(state.history, {{object["timestamp"].text, usage}, std::move(compactionIdentifier)},
+           state.answersPerEvent);
     if (state.history.size() > wants_.eventsPerFile) {
-        thinOut(state.history);
-        state.eventsPerPoint *= 2;
+        state.answersPerEvent *= 2;
+        thinOut(state.history, state.answersPerEvent);
     }
 }
 

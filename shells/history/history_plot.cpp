@@ -168,9 +168,11 @@ void thinMarks(std::vector<Column>& columns, std::size_t distance) {
 }
 
 Tally tallyOf(const std::vector<ORVHistoryEvent>& events) {
-    const auto compactions = static_cast<std::size_t>(std::count_if(
-        events.begin(), events.end(), [](const auto& event) { return event.isCompaction(); }));
-    return {events.size() - compactions, compactions};
+    Tally tally;
+    for (const ORVHistoryEvent& event : events) {
+        event.isCompaction() ? ++tally.compactions : tally.answers += event.answers;
+    }
+    return tally;
 }
 
 std::string counted(std::size_t count, std::string_view one, std::string_view several) {

@@ -3,6 +3,7 @@
 #include <limits>
 #include <random>
 
+#include "app/compaction_ledger.h"
 #include "app/figures.h"
 #include "sessions/ORVTaskList.h"
 #include "tests/sessions/SessionSourceTest.h"
@@ -79,7 +80,11 @@ TEST_F(HistoriesTest, ALongHistoryIsThinnedToItsHighest) {
     EXPECT_GE(64U, history->size());
     EXPECT_LE(16U, history->size());
     const std::string text = describedHistory(*history);
-    EXPECT_NE(std::string::npos, text.find("C ")) << text;
+    const auto compactions = app::compactionsOf(*history);
+    ASSERT_EQ(1U, compactions.size()) << text;
+    EXPECT_EQ(500U, compactions[0].answers);
+    EXPECT_EQ(500, compactions[0].before->inputTokens());
+    EXPECT_EQ(502, compactions[0].after->inputTokens());
     EXPECT_NE(std::string::npos, text.find(" 272000 ")) << text;
     EXPECT_TRUE(text.ends_with(" 1000 ")) << text;
 }
