@@ -23,6 +23,11 @@
 
 namespace {
 
+/// Makes the library choose among its implementations before main: the choice allocates memory, and
+/// ends the program if there is none.
+[[maybe_unused]] const bool kHasImplementation =
+    !simdjson::get_active_implementation()->name().empty();
+
 static_assert(ORVByteBuffer::kReadableBytesBeyond >= simdjson::SIMDJSON_PADDING);
 
 /// The parser's buffers are made for lines of this length at the beginning: memory that is never
@@ -116,10 +121,11 @@ std::variant<std::uint64_t, double> valueOfNumber(std::string_view literal) {
         return natural;
     }
     simdjson::dom::parser parser;
-    double real = 0;
-    return get(parser.parse(std::string(literal)).get_double(), real)
-               ? real
-               : std::numeric_limits<double>::infinity();
+    double real = std::numeric_limits<double>::infinity();
+    if (parser.parse(std::string(literal)).get(real) == simdjson::MEMALLOC) {
+        throw std::bad_alloc();
+    }
+    return real;
 }
 
 /// Whether the letter after a backslash is a whole escape. A table is faster than comparisons,
