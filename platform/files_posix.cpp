@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "platform/descriptors.h"
@@ -140,6 +141,8 @@ private:
             rewinddir(directory_.get());
         } else if (directory_.reset(fdopendir(number_)); directory_) {
             descriptor_.release();
+        } else if (errno == ENOMEM) {
+            throw std::bad_alloc();  // The folder is not to blame.
         }
         return directory_ != nullptr;
     }

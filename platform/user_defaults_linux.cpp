@@ -18,6 +18,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "platform/descriptors.h"
@@ -56,8 +57,11 @@ struct StoredSettings {
 /// is.
 std::optional<dom::object> objectIn(const std::string& content, dom::parser& parser) {
     dom::object object;
-    return parser.parse(content).get(object) == simdjson::SUCCESS ? std::optional(object)
-                                                                  : std::nullopt;
+    const simdjson::error_code error = parser.parse(content).get(object);
+    if (error == simdjson::MEMALLOC) {
+        throw std::bad_alloc();
+    }
+    return error == simdjson::SUCCESS ? std::optional(object) : std::nullopt;
 }
 
 /// Why the file at the end of a link must not be replaced; "" when it may.
@@ -118,7 +122,10 @@ StoredSettings storedSettings(const std::string& path, std::string_view key) {
     settings.refusal = refusalOf(path, status, settings, key);
     const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
                                                              &std::free);
-    settings.path = target ? target.get() : path;
+    if (!target) {
+        return refused(reasonOf(errno));
+    }
+    settings.path = target.get();
     return settings;
 }
 
