@@ -19,7 +19,8 @@ public:
     /// Returns the path of the file, whether or not it exists.
     const std::string& path() const { return path_; }
 
-    /// Reads the file if its date has changed. While it cannot be read, the titles stay.
+    /// Reads the file if its date has changed. While it cannot be read, the titles stay. Throws
+    /// std::bad_alloc when memory runs out.
     void refreshIfNeeded();
 
     /// Returns why the last refresh could not read the file; none when it is missing.

@@ -1,7 +1,6 @@
 // Reads the title index. Tests: tests/sessions/snapshots_test.cpp.
 
 #include <cerrno>
-#include <new>
 
 #include "sessions/ORVTitleIndex.h"
 #include "text/byte_buffer.h"
@@ -27,14 +26,10 @@ void ORVTitleIndex::refreshIfNeeded() {
         return;
     }
     error_.reset();
-    try {
-        auto text = readText();
-        if (text && modifiedAt) {
-            titles_ = titlesIn(std::move(*text));
-            modifiedAt_ = modifiedAt;
-        }
-    } catch (const std::bad_alloc&) {
-        error_ = platform::posixError(ENOMEM);
+    auto text = readText();
+    if (text && modifiedAt) {
+        titles_ = titlesIn(std::move(*text));
+        modifiedAt_ = modifiedAt;
     }
 }
 

@@ -370,11 +370,12 @@ TEST_F(BrimletctlTest, MemoryThatRunsOutIsAnAnswer) {
               R"({"snapshot":null,"error":{"domain":"posix","code":12,"des)"
               "\n",
               answers.output);
-    home.truncate(".codex/session_index.jsonl", 60'000'000);
     const Outcome all = run(limit + "$b tasks");
     EXPECT_EQ(1, all.status);
     EXPECT_EQ("brimletctl: cannot read the task large.jsonl: Cannot allocate memory\n",
               all.output.substr(0, all.output.find('\n') + 1));
+    home.truncate(".codex/session_index.jsonl", 60'000'000);
+    EXPECT_EQ("brimletctl: there is not enough memory\n", run(limit + "$b tasks").output);
     home.write(".codex/session_index.jsonl", "");
     // A line that is too long is passed over, even when there is not enough memory to hold it.
     home.truncate(large, 1'000'000'000);
