@@ -5,7 +5,9 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <limits>
+#include <new>
 
 #include "ctl/output.h"
 #include "shells/lines/answer_json.h"
@@ -92,6 +94,9 @@ int showFocus(Invocation& invocation) {
     ORVErrorSlot error;
     const ORVCodexFocusState focusState =
         invocation.viewer.focus().currentFocusStateWithError(&error);
+    if (error && error->code == ENOMEM) {
+        throw std::bad_alloc();  // What could not be read might have told of another task.
+    }
     const bool isJSON = invocation.arguments.format == Format::json;
     return finish(
         (isJSON ? json::focusAnswer(focusState, error) : lines::focusText(focusState)) + '\n',

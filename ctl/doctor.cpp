@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 #include "app/figures.h"
 #include "app/rate_limits.h"
@@ -219,6 +220,9 @@ private:
 
     void lookAtFocus() {
         inView_ = viewer_.view({});
+        if (inView_.error && inView_.error->code == ENOMEM) {
+            throw std::bad_alloc();  // Nothing true can be told.
+        }
         const ORVCodexFocusState& focusState = *inView_.focusState;
         tell({"inView", "In view", std::nullopt,
               focusState.status() == ORVCodexFocusStatusTaskInView ? kFound : kEmpty,
