@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
 #include <string>
 
 #include "platform/ORVError.h"
@@ -32,6 +33,33 @@ int writeAll(int descriptor, std::string_view bytes) {
         }
     }
     return 0;
+}
+
+/// A pipe that is ready takes so many bytes without waiting, on every system.
+constexpr std::size_t kAtOnce = 512;
+
+std::string noteLine(std::string_view beginning, std::string_view text) {
+    std::string line = std::string(beginning) + text::forTerminal(text);
+    if (line.size() >= kAtOnce) {
+        constexpr std::string_view kEllipsis = "…";
+        line.resize(kAtOnce - 1 - kEllipsis.size());
+        line = std::string(text::wholeCharacters(line)) + std::string(kEllipsis);
+    }
+    return line + '\n';
+}
+
+void writeNote(std::string_view beginning, std::string_view text) {
+    const auto write = [](std::string_view line) {
+        [[maybe_unused]] const ssize_t ignored = ::write(STDERR_FILENO, line.data(), line.size());
+    };
+    if (!platform::isWritable(STDERR_FILENO, 0)) {
+        return;
+    }
+    try {
+        write(noteLine(beginning, text));
+    } catch (const std::bad_alloc&) {
+        write("brimletctl: there is not enough memory\n");
+    }
 }
 
 }  // namespace
@@ -71,23 +99,11 @@ int finish(std::string_view answer, int status) {
 }
 
 void complain(std::string_view text) {
-    note("brimletctl: " + std::string(text));
+    writeNote("brimletctl: ", text);
 }
 
 void note(std::string_view text) {
-    // A pipe that is ready takes so many bytes without waiting, on every system.
-    constexpr std::size_t kAtOnce = 512;
-    if (!platform::isWritable(STDERR_FILENO, 0)) {
-        return;
-    }
-    std::string line = text::forTerminal(text);
-    if (line.size() >= kAtOnce) {
-        constexpr std::string_view kEllipsis = "…";
-        line.resize(kAtOnce - 1 - kEllipsis.size());
-        line = std::string(text::wholeCharacters(line)) + std::string(kEllipsis);
-    }
-    line += '\n';
-    [[maybe_unused]] const ssize_t ignored = write(STDERR_FILENO, line.data(), line.size());
+    writeNote("", text);
 }
 
 void explainMistake(const Mistake& mistake) {

@@ -31,7 +31,7 @@ int finish(std::string_view answer, int status);
 
 /// Writes "brimletctl: " and the text as a line to standard error, without control characters. A
 /// long line is cut, and the line is dropped if writing would have to wait: the figures are more
-/// important.
+/// important. Where there is no memory for it, the line says that instead.
 void complain(std::string_view text);
 
 /// Does the same without the program's name, for the lines after a complaint.

@@ -126,24 +126,25 @@ int topAsLines(Settings settings) {
 /// Runs the application with a page on the whole terminal.
 template <typename Page>
 int runOnTerminal(const Arguments& arguments, Settings settings) {
-    // Complaints wait until the terminal is itself again.
-    std::vector<std::string> complaints;
-    ORVPosixApplication application(std::move(settings), [&](const std::string& complaint) {
-        complaints.push_back(complaint);
+    std::vector<std::string> complaints;  // They wait until the terminal is itself again.
+    std::optional<ORVTerminal> terminal;
+    ORVPosixApplication application(std::move(settings), [&](std::string_view complaint) {
+        terminal && !terminal->isClosed() ? void(complaints.emplace_back(complaint))
+                                          : complain(complaint);
     });
     // Before curses begins, which would otherwise install its own handler of SIGWINCH.
     for (const int signalNumber : {SIGWINCH, SIGCONT}) {
         ORVPosixApplication::redrawOn(signalNumber);
     }
-    ORVTerminal terminal(isColoured(arguments.colours, STDOUT_FILENO));
+    terminal.emplace(isColoured(arguments.colours, STDOUT_FILENO));
     ORVPosixApplication::endAtOnceIf(ORVTerminal::endIfStuck);
-    if (!terminal.screen().showsUnicode) {
+    if (!terminal->screen().showsUnicode) {
         application.delegate().showOnlyEnglish();
     }
     Page page(application.delegate());
-    ORVTerminalSurface surface(terminal, page);
+    ORVTerminalSurface surface(*terminal, page);
     application.runLoop().watch(STDIN_FILENO, ORVPosixRunLoop::Interest::readable, [&] {
-        if (!terminal.readKeys([&](int key) { page.pressed(key); })) {
+        if (!terminal->readKeys([&](int key) { page.pressed(key); })) {
             application.runLoop().stop(kAnswered);
         }
     });

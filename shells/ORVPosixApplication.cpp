@@ -44,7 +44,7 @@ void handle(int signalNumber, void (*handler)(int)) {
 constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 std::unique_ptr<ORVUserDefaults> defaultsThatComplain(
-    const std::function<void(const std::string&)>& complain) {
+    const std::function<void(std::string_view)>& complain) {
     return platform::standardUserDefaults([complain](const ORVStoringFailure& failure) {
         complain("cannot store the language in " + failure.path + ": " + failure.reason);
     });
@@ -53,7 +53,7 @@ std::unique_ptr<ORVUserDefaults> defaultsThatComplain(
 }  // namespace
 
 ORVPosixApplication::ORVPosixApplication(ORVPosixHost::Settings settings,
-                                         const std::function<void(const std::string&)>& complain)
+                                         const std::function<void(std::string_view)>& complain)
     : complain_(complain),
       host_(std::move(settings), platform::makeFiles(), defaultsThatComplain(complain), complain),
       delegate_(std::make_shared<ORVAppDelegate>(host_)) {

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "app/ORVAppDelegate.h"
 #include "shells/ORVPosixHost.h"
@@ -18,7 +19,7 @@ class ORVPosixApplication {
 public:
     /// `complain` is called with each sentence that the user should read.
     ORVPosixApplication(ORVPosixHost::Settings settings,
-                        const std::function<void(const std::string&)>& complain);
+                        const std::function<void(std::string_view)>& complain);
 
     ORVAppDelegate& delegate() { return *delegate_; }
     ORVPosixRunLoop& runLoop() { return host_.runLoop(); }
@@ -35,7 +36,7 @@ public:
     static void endAtOnceIf(bool (*condition)());
 
 private:
-    const std::function<void(const std::string&)> complain_;
+    const std::function<void(std::string_view)> complain_;
     ORVPosixHost host_;
     std::shared_ptr<ORVAppDelegate> delegate_;
 };

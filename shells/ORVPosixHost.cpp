@@ -9,7 +9,7 @@
 
 ORVPosixHost::ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
                            std::unique_ptr<ORVUserDefaults> userDefaults,
-                           std::function<void(const std::string&)> complain)
+                           std::function<void(std::string_view)> complain)
     : settings_(std::move(settings)),
       files_(std::move(files)),
       userDefaults_(std::move(userDefaults)),

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "app/ORVAppHost.h"
 #include "platform/posix_run_loop.h"
@@ -22,7 +23,7 @@ public:
     /// thread for the queue, the loop ends at once.
     ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
                  std::unique_ptr<ORVUserDefaults> userDefaults,
-                 std::function<void(const std::string&)> complain);
+                 std::function<void(std::string_view)> complain);
 
     ORVUserDefaults& standardUserDefaults() override { return *userDefaults_; }
     std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) override;
@@ -43,6 +44,6 @@ private:
     ORVSystemClock clock_;
     std::unique_ptr<ORVFiles> files_;
     std::unique_ptr<ORVUserDefaults> userDefaults_;
-    const std::function<void(const std::string&)> complain_;
+    const std::function<void(std::string_view)> complain_;
     platform::ReadingQueue* queue_ = nullptr;  ///< Owned by the delegate.
 };

@@ -39,6 +39,7 @@ public:
     bool readKeys(const std::function<void(int key)>& pressed);
 
     void close();
+    bool isClosed() const { return isClosed_; }
 
 private:
     void beginColours();

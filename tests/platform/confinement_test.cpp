@@ -326,7 +326,7 @@ TEST_F(ConfinementTest, TheFilterAloneLetsReadersWriteNothing) {
               }));
     EXPECT_EQ("", confined(storing, [&] {
                   ORVPosixHost host({home.path("open"), {}}, platform::makeFiles(),
-                                    std::make_unique<MemoryDefaults>(), [](const std::string&) {});
+                                    std::make_unique<MemoryDefaults>(), [](std::string_view) {});
                   const auto queue = host.makeSerialQueue("");
                   queue->dispatch([&] { expectNoWayToWrite(); });
                   while (!host.readerIsIdle()) {

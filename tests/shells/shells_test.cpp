@@ -40,7 +40,7 @@ TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
     auto owned = std::make_unique<HangingFiles>();
     HangingFiles& files = *owned;
     ORVPosixHost host({"/h/.codex", {}}, std::move(owned), std::move(defaults),
-                      [](const std::string&) {});
+                      [](std::string_view) {});
     auto app = std::make_shared<ORVAppDelegate>(host);
     ORVPosixRunLoop& loop = host.runLoop();
     std::string titles;
