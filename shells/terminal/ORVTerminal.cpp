@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -36,7 +37,12 @@ bool ORVTerminal::endIfStuck() {
 
 ORVTerminal::ORVTerminal(bool isColoured) {
     screen_.showsUnicode = terminal::setUpCharacters();
-    terminal::takeOver();
+    try {
+        terminal::takeOver();
+    } catch (const std::bad_alloc&) {
+        close();
+        throw;
+    }
     if (isColoured) {
         beginColours();
     }

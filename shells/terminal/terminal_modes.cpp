@@ -37,6 +37,8 @@ termios modesTaken;
 std::string leavingSequence;
 std::string takingSequence;
 volatile sig_atomic_t isWriting = 0;
+volatile sig_atomic_t isInCurses = 0;
+volatile sig_atomic_t isTaken = 0;
 
 /// How long a terminal may take no output before the program ends without it.
 constexpr int kPatienceMilliseconds = 400;
@@ -56,6 +58,32 @@ void leaveTerminalAtOnce() {
     fcntl(STDOUT_FILENO, F_SETFL, flags | O_NONBLOCK);
     leaveTerminal();
     fcntl(STDOUT_FILENO, F_SETFL, flags);
+}
+
+/// An exit handler, which does nothing at an exit of our own: curses calls exit when it gets no
+/// memory. Objects are not destroyed, because the reading thread may use them.
+void endForWantOfMemory() {
+    if (!isInCurses && !isTaken) {
+        return;
+    }
+    if (isTaken) {
+        leaveTerminalAtOnce();
+    }
+    constexpr std::string_view kSentence = "brimletctl: there is not enough memory\n";
+    [[maybe_unused]] const ssize_t ignored =
+        write(STDERR_FILENO, kSentence.data(), kSentence.size());
+    _exit(EXIT_FAILURE);
+}
+
+/// Does what makes curses allocate memory. It uses even what it did not get.
+template <typename Call>
+void callCurses(const Call& call) {
+    static const bool kIsRegistered = std::atexit(endForWantOfMemory) == 0;
+    isInCurses = kIsRegistered;
+    const auto handler = signal(SIGSEGV, [](int) { endForWantOfMemory(); });
+    call();
+    signal(SIGSEGV, handler);
+    isInCurses = 0;
 }
 
 void dieOf(int signalNumber) {
@@ -140,12 +168,14 @@ const int kPasteBegins = KEY_MAX + 1;
 const int kPasteEnds = KEY_MAX + 2;
 
 bool isPossible() {
-    int failure = 0;
-    if (setupterm(nullptr, STDOUT_FILENO, &failure) != OK) {
-        return false;
-    }
-    const bool isPlaceable = !capability("cup").empty();
-    del_curterm(cur_term);
+    bool isPlaceable = false;
+    callCurses([&] {
+        int failure = 0;
+        if (setupterm(nullptr, STDOUT_FILENO, &failure) == OK) {
+            isPlaceable = !capability("cup").empty();
+            del_curterm(cur_term);
+        }
+    });
     return isPlaceable;
 }
 
@@ -175,7 +205,8 @@ void takeOver() {
     handleStops();
     unsetenv("LINES");  // curses would believe these rather than the terminal.
     unsetenv("COLUMNS");
-    initscr();
+    callCurses([] { initscr(); });
+    isTaken = 1;
     prepareSequences();
     for (const int fault : kFaults) {
         signal(fault, dieOf);
@@ -202,6 +233,7 @@ void restore() {
     } else {
         leaveTerminalAtOnce();
     }
+    isTaken = 0;
     for (const int fault : kFaults) {
         signal(fault, SIG_DFL);
     }
@@ -209,7 +241,7 @@ void restore() {
 
 void whileWriting(const std::function<void()>& write) {
     isWriting = 1;
-    write();
+    callCurses(write);
     isWriting = 0;
 }
 
