@@ -42,6 +42,14 @@ if(BRIMLET_PINNED_LIBRARIES)
     FetchContent_MakeAvailable(simdjson utf8proc)
     add_library(brimlet::utf8proc ALIAS utf8proc)
 
+    # simdjson defines this in every build, although its headers do so where nothing is optimized. A
+    # release must not have these checks: they write to memory without looking whether there is any.
+    foreach(PROPERTY COMPILE_DEFINITIONS INTERFACE_COMPILE_DEFINITIONS)
+        get_target_property(DEFINITIONS simdjson ${PROPERTY})
+        list(REMOVE_ITEM DEFINITIONS SIMDJSON_DEVELOPMENT_CHECKS)
+        set_property(TARGET simdjson PROPERTY ${PROPERTY} "${DEFINITIONS}")
+    endforeach()
+
     # Their licences are installed with the programs, and so are those of the code in simdjson that
     # has other authors.
     file(READ ${simdjson_SOURCE_DIR}/LICENSE-MIT TEXT)
