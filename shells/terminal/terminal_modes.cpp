@@ -75,7 +75,7 @@ void endForWantOfMemory() {
     _exit(EXIT_FAILURE);
 }
 
-/// Does what makes curses allocate memory. It uses even what it did not get.
+/// Begins curses, which uses even the memory that it did not get.
 template <typename Call>
 void callCurses(const Call& call) {
     static const bool kIsRegistered = std::atexit(endForWantOfMemory) == 0;
@@ -241,7 +241,7 @@ void restore() {
 
 void whileWriting(const std::function<void()>& write) {
     isWriting = 1;
-    callCurses(write);
+    write();
     isWriting = 0;
 }
 
