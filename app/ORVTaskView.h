@@ -54,8 +54,8 @@ struct ORVTaskView {
     // The place in its family.
     std::string threadID = {};   ///< Also where there is no snapshot.
     ORVFileDate changedAt = {};  ///< For the head of a family, when any of its family was.
-    bool isHelper = false;
-    std::optional<std::string> parentID = {};    ///< Of a helper, as recorded.
+    bool isHelper = false;       ///< Whether it is listed after the head of its family.
+    std::optional<std::string> parentID = {};    ///< As recorded; of a head when it has no file.
     std::optional<std::string> helperName = {};  ///< The name that the agent gave it.
     std::size_t helpers = 0;                     ///< Of a head, where they were counted.
     bool isRead = true;  ///< Whether the figures were looked for; a later view has them.

@@ -231,7 +231,7 @@ void ORVTaskViewer::fill(ORVTaskView& view) {
         view.history = sessions_.historyForThreadID(view.threadID);
     }
     if ((wants_.folder || wants_.shortID) && tasks_.refresh(nullptr)) {
-        if (const auto listed = tasks_.taskWithIdentifier(view.threadID)) {
+        if (const auto listed = tasks_.taskWithIdentifier(view.threadID, snapshot.fileURL())) {
             view.folder = listed->firstLine.folder;
             view.shortID = tasks_.shortIdentifier(listed->task);
         }

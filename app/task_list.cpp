@@ -201,7 +201,7 @@ void ORVTaskViewer::placeInFamily(ORVTaskView& view, const ORVListedTask& listed
     view.threadID = listed.task.threadID;
     view.changedAt = listed.changedAt;
     view.folder = listed.firstLine.folder;
-    view.isHelper = listed.firstLine.isHelper;
+    view.isHelper = listed.followsHead;
     view.parentID = listed.firstLine.parentID;
     view.helperName = listed.firstLine.helperName;
     view.helpers = listed.helpers;

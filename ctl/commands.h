@@ -78,6 +78,9 @@ void explainAbsence(Invocation& invocation, const ORVTaskView& view);
 /// Complains of folders and files that may have changed an answer but could not be read.
 void tellOfUnreadable(Invocation& invocation);
 
+/// Returns how many of them there are, at least one, and which is the first, and why.
+std::string unreadableText(const std::vector<ORVUnreadable>& unreadable);
+
 /// Returns, for a person, why no session files are found: the sessions folder is missing, or it may
 /// not be read.
 std::string reasonForNoSessions(Invocation& invocation);

@@ -146,13 +146,24 @@ private:
             walk(folder, [](std::string_view name) { return text::hasExtension(name, "jsonl"); });
         std::string text = described(sessions_, "session file");
         viewer_.tasks().refresh(nullptr);
-        const auto unreadable = viewer_.tasks().tree().unreadable();
+        text += largestTasks();
+        const auto unreadable = unreadableSessions();
         if (sessions_.isFolder && !unreadable.empty()) {
-            text += "; " + counted(unreadable.size(), "folder or file") +
-                    " below it cannot be read, the first: " + unreadable.front().path + ": " +
-                    unreadable.front().error.description;
+            text += "; " + unreadableText(unreadable);
         }
-        tell({"sessions", "Sessions", folder, stateOf(sessions_), text + largestTasks()});
+        tell({"sessions", "Sessions", folder, stateOf(sessions_), text});
+    }
+
+    /// Opens every session file, since a file that cannot be read may be an old one of its task.
+    std::vector<ORVUnreadable> unreadableSessions() {
+        std::vector<ORVUnreadable> unreadable = viewer_.tasks().tree().unreadable();
+        viewer_.tasks().tree().forEachFile([&](const ORVWalkedFile& file) {
+            ORVErrorSlot failure;
+            if (!files_.openForReading(file.path, &failure) && failure) {
+                unreadable.push_back({file.path, *failure, false});
+            }
+        });
+        return unreadable;
     }
 
     /// Returns how much room the session files take, and the tasks that take most of it.
@@ -183,18 +194,14 @@ private:
 
     void lookAtTitles() {
         const auto titles = viewer_.sessions().threadTitles();
-        const std::string why = troubleWithTitles(invocation_);
-        ORVErrorSlot failure;
         const std::string path = viewer_.sessions().titleIndexPath();
-        (void)files_.openForReading(path, &failure);
-        const std::string state = failure          ? stateFor(failure)
-                                  : !why.empty()   ? "broken"
-                                  : titles.empty() ? kEmpty
-                                                   : kFound;
-        tell({"titles", "Titles", path, state,
-              failure       ? trouble(failure)
-              : why.empty() ? counted(titles.size(), "title")
-                            : why});
+        ORVErrorSlot failure;
+        (void)files_.openForReading(path, &failure);  // Without an index there are just no titles.
+        if (!failure) {
+            failure = viewer_.sessions().titleIndexError();
+        }
+        tell({"titles", "Titles", path, !failure && titles.empty() ? kEmpty : stateFor(failure),
+              failure ? trouble(failure) : counted(titles.size(), "title")});
     }
 
     void lookAtUnreadSessions() {

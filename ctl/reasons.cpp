@@ -46,7 +46,8 @@ std::optional<std::string> realFolder(ORVFiles& files, const std::string& folder
     if (path && access((*path + "/.").c_str(), X_OK) == 0) {
         return path;
     }
-    complain("cannot enter the folder " + folder + ": " + platform::posixError(errno).description);
+    complain("cannot enter the folder " + folder + ": " + platform::posixError(errno).description +
+             kTryTasks);
     return std::nullopt;
 }
 
@@ -92,11 +93,15 @@ void tellOfUnreadable(Invocation& invocation) {
     if (unreadable.empty() || invocation.arguments.format == Format::ownTemplate) {
         return;
     }
+    complain(unreadableText(unreadable) + "; brimletctl doctor tells more");
+}
+
+std::string unreadableText(const std::vector<ORVUnreadable>& unreadable) {
     const ORVUnreadable& first = unreadable.front();
     const std::string count = std::to_string(unreadable.size());
-    complain((unreadable.size() == 1 ? "1 folder or file cannot be read: "
-                                     : count + " folders or files cannot be read, the first: ") +
-             first.path + ": " + first.error.description + "; brimletctl doctor tells more");
+    return (unreadable.size() == 1 ? "1 folder or file cannot be read: "
+                                   : count + " folders or files cannot be read, the first: ") +
+           first.path + ": " + first.error.description;
 }
 
 std::string reasonForNoSessions(Invocation& invocation) {

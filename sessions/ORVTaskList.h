@@ -27,6 +27,7 @@ struct ORVListedTask {
     std::size_t helpers = 0;  ///< How many helpers a head's family has, where it was asked for.
     /// The helpers of a head's family, where they were asked for: the one that changed last first.
     std::vector<ORVListedTask> helperTasks;
+    bool followsHead = false;  ///< Whether it is one of the `helperTasks`.
     /// Whether the last refresh, which was not the first, met the task for the first time.
     bool isNew = false;
 };
@@ -92,9 +93,10 @@ public:
     /// more. Reads first lines until it meets the family's newest file.
     std::optional<ORVListedTask> headOfFamily(const ORVTask& task);
 
-    /// Returns the task with this whole identifier, letter case disregarded, with its own date;
-    /// none when there is no such task.
-    std::optional<ORVListedTask> taskWithIdentifier(std::string_view threadID);
+    /// Returns the task with this whole identifier, letter case disregarded, or, where no file's
+    /// name holds it, the file with this path; with its own date. None when there is no such task.
+    std::optional<ORVListedTask> taskWithIdentifier(std::string_view threadID,
+                                                    const std::string& path = {});
 
     // Identifiers
 
@@ -175,7 +177,8 @@ private:
     void placeTasksOf(const ORVWalkedFile& file);
     void lookAgainAtIncompleteFiles();
     Groups::iterator groupNamed(std::string_view identifier);
-    Group* groupOf(const ORVTask& task);
+    Group* groupOf(std::string_view threadID, const std::string& path);
+    Group* groupOf(const ORVTask& task) { return groupOf(task.threadID, task.newestFile().path); }
     void measureIdentifiers();
     static ORVTask taskOf(const Group& group);
     void forgetAll();

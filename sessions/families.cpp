@@ -189,6 +189,7 @@ std::vector<ORVListedTask> ORVTaskList::heads(const Wanted& wanted) {
                 ++task.helpers;
                 if (wanted.helpers == Helpers::listed) {
                     task.helperTasks.push_back(listed(group, group.changedAt));
+                    task.helperTasks.back().followsHead = true;
                 }
             }
             return wantsHelpers || !(isFull() || isOld);

@@ -217,10 +217,10 @@ ORVTaskList::Groups::iterator ORVTaskList::groupNamed(std::string_view identifie
     return groups_.find(lowerCased(identifier));
 }
 
-ORVTaskList::Group* ORVTaskList::groupOf(const ORVTask& task) {
-    auto found = groupNamed(task.threadID);
+ORVTaskList::Group* ORVTaskList::groupOf(std::string_view threadID, const std::string& path) {
+    auto found = groupNamed(threadID);
     if (found == groups_.end()) {
-        found = groups_.find(task.newestFile().path);
+        found = groups_.find(path);
     }
     return found == groups_.end() ? nullptr : &found->second;
 }
@@ -275,13 +275,14 @@ ORVListedTask ORVTaskList::listed(const Group& group, ORVFileDate changedAt) con
     return task;
 }
 
-std::optional<ORVListedTask> ORVTaskList::taskWithIdentifier(std::string_view threadID) {
+std::optional<ORVListedTask> ORVTaskList::taskWithIdentifier(std::string_view threadID,
+                                                             const std::string& path) {
     return answer([&]() -> std::optional<ORVListedTask> {
-        const auto found = groupNamed(threadID);
-        if (found == groups_.end() || !settleFully(found->second)) {
+        Group* const group = groupOf(threadID, path);
+        if (!group || !settleFully(*group)) {
             return std::nullopt;
         }
-        return listed(found->second, found->second.changedAt);
+        return listed(*group, group->changedAt);
     });
 }
 

@@ -4,6 +4,7 @@
 #include "text/json_writing.h"
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
@@ -59,6 +60,9 @@ std::string quotedJSON(std::string_view bytes) {
 }
 
 std::string numberJSON(double value) {
+    if (std::signbit(value)) {
+        return '-' + numberJSON(-value);
+    }
     const std::string scientific = shortestDigits(value);
     const std::size_t exponentMark = scientific.find('e');
     std::string digits = scientific.substr(0, exponentMark);

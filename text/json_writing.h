@@ -13,7 +13,7 @@ namespace text {
 /// Writes a string; bytes that are not UTF-8 become U+FFFD.
 std::string quotedJSON(std::string_view bytes);
 
-/// Writes a finite number of 0 or more without an exponent, with the fewest digits that read back
+/// Writes a finite number without an exponent, with the fewest digits that read back
 /// as the same double.
 std::string numberJSON(double value);
 

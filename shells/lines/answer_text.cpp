@@ -23,7 +23,9 @@ std::string tabbedTask(const ORVTaskView& view, bool tellsParent) {
     return app::statusTitle(snapshot).text() + '\t' + json::utcText(view.changedAt) + '\t' +
            text::forTerminal(view.folder.value_or("--")) + '\t' +
            text::forTerminal(snapshot.title()) + '\t' + text::forTerminal(snapshot.threadID()) +
-           (tellsParent ? '\t' + text::forTerminal(view.parentID.value_or("")) : "") + '\n';
+           (tellsParent ? '\t' + text::forTerminal(view.isHelper ? view.parentID.value_or("") : "")
+                        : "") +
+           '\n';
 }
 
 std::string focusText(const ORVCodexFocusState& focusState) {

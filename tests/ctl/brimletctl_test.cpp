@@ -181,6 +181,8 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
         std::string(kTask) + '\n';
     EXPECT_EQ(kSecond + kFirst, run("$b tasks").output);
     EXPECT_EQ(kSecond, run("$b tasks --limit 1").output);
+    EXPECT_EQ(" [31m.jsonl " + home.path("work /site") + '\n',
+              run("$b task m.j --format '{shortid} {folder}'").output);
     EXPECT_EQ("", run("$b tasks --since 1h").output);
     EXPECT_EQ(kSecond + kFirst, run("$b tasks --since 999999999w").output);
     EXPECT_EQ("10 27200\n47 128000\n", run("$b tasks --format '{percent} {used}'").output);
@@ -195,8 +197,10 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
     EXPECT_EQ("brimletctl: no task works in " + home.root() + "; try: brimletctl tasks\n",
               run("$b here").output);
     EXPECT_EQ(1, run("$b here").status);
-    EXPECT_EQ("brimletctl: cannot enter the folder nowhere: No such file or directory\n",
-              run("$b here --folder nowhere").output);
+    EXPECT_EQ(
+        "brimletctl: cannot enter the folder nowhere: No such file or directory; try: "
+        "brimletctl tasks\n",
+        run("$b here --folder nowhere").output);
     EXPECT_EQ(kFirst, run("CODEX_HOME=/nowhere $b --codex-home .codex/ tasks | tail -1").output);
     EXPECT_EQ(kFirst, run("CODEX_HOME=relative $b tasks | tail -1").output);
     EXPECT_EQ("brimletctl: there is no sessions folder /nowhere/sessions; try: brimletctl doctor\n",
@@ -225,15 +229,16 @@ TEST_F(BrimletctlTest, ATaskThatMayNotBeReadIsNamed) {
     home.append(secret, records::tokenCount("27200"));
     home.setDate(secret, 2'000'000'000);
     const std::string as = "chmod 755 . && chmod 0 " + secret +
-                           " && cp $b b && setpriv --reuid 65534 --clear-groups ./b tasks ";
+                           " && cp $b b && setpriv --reuid 65534 --clear-groups ./b ";
     const std::string named = "brimletctl: cannot read the task " + std::string(records::kOther) +
                               ": Permission denied\n";
-    const Outcome outcome = run(as + "--format '{used}'");
+    const Outcome outcome = run(as + "tasks --format '{used}'");
     EXPECT_EQ(named + "128000\n", outcome.output);
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ(1, run(as + "--limit 1 --json").status);
+    EXPECT_EQ(1, run(as + "tasks --limit 1 --json").status);
+    EXPECT_EQ("1\n", run(as + "doctor | grep -c 'file cannot be read: .*/" + secret + "'").output);
     home.setDate(secret, 1'000'000);
-    EXPECT_EQ(0, run(as + "--limit 1 --json").status) << "it would not be in the list";
+    EXPECT_EQ(0, run(as + "tasks --limit 1 --json").status) << "it would not be in the list";
 }
 
 TEST_F(BrimletctlTest, DrawsHistories) {
@@ -313,8 +318,8 @@ TEST(AnswersTest, DatesAndNumbersArePlain) {
     }
     const std::pair<double, const char*> kNumbers[] = {{0, "0"},
                                                        {50, "50"},
-                                                       {100, "100"},
-                                                       {12.5, "12.5"},
+                                                       {-0.0, "-0"},
+                                                       {-42.5, "-42.5"},
                                                        {1e21,
                                                         "1"
                                                         "000000000000000000000"},
