@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "app/figures.h"
-#include "app/rate_limits.h"
 #include "text/unicode.h"
 
 namespace {

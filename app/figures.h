@@ -3,9 +3,11 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "sessions/ORVAgentFacts.h"
 #include "sessions/ORVSessionSnapshot.h"
 
 /// Figures as everybody sees them: which may be shown, how they are rounded and written, and which
@@ -50,5 +52,20 @@ std::chrono::seconds age(ORVFileDate date, ORVClock::TimePoint now);
 
 /// Returns a time in its largest unit, rounded down: "12s", "3m", "2h", "5d".
 std::string ageText(std::chrono::seconds age);
+
+/// Returns the length of a limit's window in whole days or hours, else in minutes: "7d", "5h",
+/// "299m"; "--" where it is not known.
+std::string windowText(const ORVRateLimit& limit);
+
+/// Returns how much of a limit is used, in percent: 0 when its reset has passed, none when that is
+/// not known.
+std::optional<double> usedPercent(const ORVRateLimit& limit, ORVClock::TimePoint now);
+
+/// Returns when the limit is reset, in the local time zone: "14:05", with the day when it is not
+/// within the next 24 hours: "11-28 14:05". "" when that is not known, or has passed.
+std::string resetText(const ORVRateLimit& limit, ORVClock::TimePoint now);
+
+/// Returns "5h 42% · 7d 12%"; "" for none.
+std::string rateLimitsText(const std::vector<ORVRateLimit>& limits, ORVClock::TimePoint now);
 
 }  // namespace app

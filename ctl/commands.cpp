@@ -10,8 +10,7 @@
 #include <new>
 
 #include "ctl/output.h"
-#include "shells/lines/answer_json.h"
-#include "shells/lines/answer_text.h"
+#include "shells/lines/answers.h"
 #include "shells/terminal/table.h"
 
 namespace ctl {

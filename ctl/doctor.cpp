@@ -6,14 +6,13 @@
 #include <new>
 
 #include "app/figures.h"
-#include "app/rate_limits.h"
 #include "app/version.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "l10n/ORVLocalizer.h"
 #include "platform/program.h"
 #include "platform/user_defaults.h"
-#include "shells/lines/answer_text.h"
+#include "shells/lines/answers.h"
 #include "text/bytes.h"
 #include "text/json_writing.h"
 #include "text/unicode.h"

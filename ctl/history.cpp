@@ -9,9 +9,8 @@
 #include "app/compaction_ledger.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "shells/history/history_plot.h"
-#include "shells/history/history_svg.h"
-#include "shells/lines/answer_json.h"
+#include "shells/history/history.h"
+#include "shells/lines/answers.h"
 #include "shells/terminal/drawing.h"
 #include "shells/terminal/table.h"
 

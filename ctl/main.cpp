@@ -18,7 +18,7 @@
 #include "l10n/ORVLocalizer.h"
 #include "platform/confinement.h"
 #include "platform/home_folder.h"
-#include "platform/process.h"
+#include "platform/program.h"
 #include "platform/user_defaults.h"
 
 namespace {

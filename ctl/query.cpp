@@ -8,7 +8,7 @@
 
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "shells/lines/answer_json.h"
+#include "shells/lines/answers.h"
 #include "text/json_writing.h"
 
 namespace ctl {

@@ -15,7 +15,7 @@
 #include "shells/ORVPosixApplication.h"
 #include "shells/lines/ORVCommandInput.h"
 #include "shells/lines/ORVLineSurface.h"
-#include "shells/lines/answer_json.h"
+#include "shells/lines/answers.h"
 #include "shells/lines/status_item_json.h"
 #include "shells/terminal/ORVMenuPage.h"
 #include "shells/terminal/ORVTopPage.h"

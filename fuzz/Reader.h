@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "app/ORVTaskViewer.h"
-#include "shells/lines/answer_json.h"
+#include "shells/lines/answers.h"
 #include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"

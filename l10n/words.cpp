@@ -1,4 +1,6 @@
-// The words of the terminal in every language. Tests: tests/shells/terminal_test.cpp.
+// The words of the terminal in every language. Placeholders are filled by hand: printf with a
+// format from a table would turn a mistake in a text into a crash. Tests:
+// tests/shells/terminal_test.cpp, tests/app/app_delegate_test.cpp.
 
 #include "l10n/words.h"
 
@@ -49,5 +51,30 @@ constexpr ORVWords kSimplifiedChineseWords = {
     .tryCall = "可运行：%@",
     .noSessionFiles = "没有会话文件，请先运行一次 Codex。",
 };
+
+std::string filled(std::string_view text, std::initializer_list<std::string> values) {
+    constexpr std::string_view kPlaceholders[] = {"%@", "%ld", "%.0f"};
+    std::string result;
+    const std::string* value = values.begin();
+    while (!text.empty()) {
+        std::size_t used = 1;
+        if (text.starts_with("%%")) {
+            used = 2;
+            result += '%';
+        } else {
+            std::string_view piece = text.substr(0, 1);
+            for (const std::string_view placeholder : kPlaceholders) {
+                if (text.starts_with(placeholder) && value != values.end()) {
+                    used = placeholder.size();
+                    piece = *value++;
+                    break;
+                }
+            }
+            result += piece;
+        }
+        text.remove_prefix(used);
+    }
+    return result;
+}
 
 }  // namespace l10n

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <initializer_list>
+#include <string>
 #include <string_view>
 
 /// The words that a terminal needs beside the texts of the menu: about keys, the heads of tables,
@@ -23,5 +25,9 @@ namespace l10n {
 
 extern const ORVWords kEnglishWords;
 extern const ORVWords kSimplifiedChineseWords;
+
+/// Returns the text with these values in the place of its placeholders (%@, %ld, %.0f), in turn;
+/// "%%" becomes a percent sign.
+std::string filled(std::string_view text, std::initializer_list<std::string> values);
 
 }  // namespace l10n

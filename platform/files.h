@@ -164,6 +164,9 @@ namespace platform {
 /// Returns the file system of this machine.
 std::unique_ptr<ORVFiles> makeFiles();
 
+/// Returns a watch of this system; null where there is none.
+std::unique_ptr<ORVFolderWatch> makeFolderWatch();
+
 /// Returns the whole content of a file of at most `limitBytes`, and none when the file is larger or
 /// cannot be read.
 std::optional<std::string> contentsOfFile(ORVFiles& files, const std::string& path,

@@ -16,7 +16,6 @@
 
 #include "platform/descriptors.h"
 #include "platform/files.h"
-#include "platform/folder_watch.h"
 
 namespace platform {
 namespace {

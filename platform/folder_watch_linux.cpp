@@ -14,7 +14,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "platform/folder_watch.h"
+#include "platform/files.h"
 
 namespace platform {
 namespace {

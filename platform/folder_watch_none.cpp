@@ -1,6 +1,6 @@
 // A system whose way to watch files needs a descriptor for each of them, which is too many.
 
-#include "platform/folder_watch.h"
+#include "platform/files.h"
 
 namespace platform {
 

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+/// This program: where it is, and what it does for itself when it begins.
 namespace platform {
 
 /// Returns the path of the running program's file, links followed; "" when the system does not tell
@@ -27,5 +28,13 @@ struct MenuBarProgram {
 /// Returns none on systems without a menu bar. The text tells when the program's version is not
 /// `ownVersion`.
 std::optional<MenuBarProgram> menuBarProgram(const std::string& ownVersion);
+
+/// Closes all descriptors above the standard ones that the parent process left open. Called before
+/// anything is opened.
+void closeInheritedDescriptors();
+
+/// Makes the allocator return large blocks to the system when they are freed, so that reading a
+/// long line does not leave the resident memory larger. Called before anything large is allocated.
+void returnFreedMemory();
 
 }  // namespace platform

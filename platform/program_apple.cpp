@@ -1,17 +1,19 @@
 // What the system tells of running programs, without AppKit, which would start a connection to the
-// screen. Tests: tests/platform/program_test.cpp.
+// screen. Tests: tests/platform/program_test.cpp,
+// tests/ctl/brimletctl_test.cpp.
 
-#include "platform/program.h"
-
+#include <fcntl.h>
 #include <libproc.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <vector>
 
 #include "platform/files.h"
+#include "platform/program.h"
 #include "platform/property_list.h"
 
 namespace platform {
@@ -88,5 +90,19 @@ std::optional<MenuBarProgram> menuBarProgram(const std::string& ownVersion) {
     text += "; if it is not shown, allow it in System Settings, Menu Bar";
     return MenuBarProgram{bundles.front(), true, text};
 }
+
+/// What the system's libraries have opened by now would not outlive a start of another program, and
+/// stays.
+void closeInheritedDescriptors() {
+    constexpr int kMost = 64 * 1024;
+    for (int i = STDERR_FILENO + 1; i < std::min(getdtablesize(), kMost); ++i) {
+        if (fcntl(i, F_GETFD) == 0) {
+            close(i);
+        }
+    }
+}
+
+/// The system's allocator returns freed memory by itself.
+void returnFreedMemory() {}
 
 }  // namespace platform

@@ -1,4 +1,5 @@
-// Handles signals, begins the loop and ends it. Tests: tests/ctl/brimletctl_test.cpp.
+// Makes the reading thread, handles signals, begins the loop and ends it. Tests:
+// tests/ctl/brimletctl_test.cpp, tests/platform/confinement_test.cpp.
 
 #include "shells/ORVPosixApplication.h"
 
@@ -7,6 +8,8 @@
 
 #include <cerrno>
 #include <cstdlib>
+
+#include "app/ORVTaskViewer.h"
 
 namespace {
 
@@ -105,4 +108,28 @@ int ORVPosixApplication::run(ORVSurface& surface) {
     }
     loop.dropClosures();
     return status;
+}
+
+ORVPosixHost::ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
+                           std::unique_ptr<ORVUserDefaults> userDefaults,
+                           std::function<void(std::string_view)> complain)
+    : settings_(std::move(settings)),
+      files_(std::move(files)),
+      userDefaults_(std::move(userDefaults)),
+      complain_(std::move(complain)) {}
+
+std::unique_ptr<ORVSerialQueue> ORVPosixHost::makeSerialQueue(const std::string&) {
+    auto queue = std::make_unique<platform::ReadingQueue>(
+        runLoop_, ORVTaskViewer(*files_, clock_, settings_.codexHome, {}).placesToRead());
+    if (!queue->hasThread()) {
+        complain_("cannot start a thread");
+        runLoop_.stop(EXIT_FAILURE);
+    }
+    queue_ = queue.get();
+    return queue;
+}
+
+bool ORVPosixHost::readerIsIdle() {
+    constexpr std::chrono::milliseconds kPatience(100);
+    return !queue_ || queue_->waitUntilIdle(kPatience);
 }

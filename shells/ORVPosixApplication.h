@@ -6,8 +6,49 @@
 #include <string_view>
 
 #include "app/ORVAppDelegate.h"
-#include "shells/ORVPosixHost.h"
+#include "app/ORVAppHost.h"
+#include "platform/posix_run_loop.h"
+#include "platform/reading_queue.h"
 #include "shells/ORVSurface.h"
+
+/// The application's host in a process without a desktop: a loop over descriptors, and one thread
+/// that reads files.
+class ORVPosixHost final : public ORVAppHost {
+public:
+    /// What the user asks for on the command line.
+    struct Settings {
+        std::string codexHome;
+        ORVRefreshRequest request;
+    };
+
+    /// `complain` is called with each sentence that the user should read. When the system gives no
+    /// thread for the queue, the loop ends at once.
+    ORVPosixHost(Settings settings, std::unique_ptr<ORVFiles> files,
+                 std::unique_ptr<ORVUserDefaults> userDefaults,
+                 std::function<void(std::string_view)> complain);
+
+    ORVUserDefaults& standardUserDefaults() override { return *userDefaults_; }
+    std::unique_ptr<ORVSerialQueue> makeSerialQueue(const std::string& label) override;
+    ORVPosixRunLoop& runLoop() override { return runLoop_; }
+    ORVFiles& files() override { return *files_; }
+    const ORVClock& clock() override { return clock_; }
+    std::string codexHome() override { return settings_.codexHome; }
+    ORVRefreshRequest refreshRequest() override { return settings_.request; }
+    void terminate() override { runLoop_.stop(0); }
+
+    /// Waits a moment for the reading thread to finish and returns whether it did. When it did not,
+    /// nothing that it uses may be destroyed.
+    bool readerIsIdle();
+
+private:
+    const Settings settings_;
+    ORVPosixRunLoop runLoop_;
+    ORVSystemClock clock_;
+    std::unique_ptr<ORVFiles> files_;
+    std::unique_ptr<ORVUserDefaults> userDefaults_;
+    const std::function<void(std::string_view)> complain_;
+    platform::ReadingQueue* queue_ = nullptr;  ///< Owned by the delegate.
+};
 
 /// Runs the whole application with one surface in a process without a desktop, until the user, a
 /// signal or the end of its output stops it.

@@ -1,12 +1,11 @@
 // Writes compactions as a table whose columns are as wide as their widest figure.
 // Tests: tests/shells/history_test.cpp.
 
-#include "shells/history/history_ledger.h"
-
 #include <algorithm>
 #include <array>
 
 #include "app/figures.h"
+#include "shells/history/history.h"
 #include "text/timestamps.h"
 
 namespace history {
@@ -32,8 +31,7 @@ std::string changeOf(const app::Compaction& compaction) {
     if (!shed) {
         return std::string(kUnknown);
     }
-    return (*shed < 0 ? "+" : "-") +
-           app::tokenCount(*shed < 0 ? -*shed : *shed);
+    return (*shed < 0 ? "+" : "-") + app::tokenCount(*shed < 0 ? -*shed : *shed);
 }
 
 std::string elapsedOf(const app::Compaction& compaction) {

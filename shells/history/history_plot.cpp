@@ -1,11 +1,10 @@
 // Draws a history for a terminal: decides which events share a column and which characters show it.
 // Tests: tests/shells/history_test.cpp.
 
-#include "shells/history/history_plot.h"
-
 #include <algorithm>
 #include <cmath>
 
+#include "shells/history/history.h"
 #include "text/timestamps.h"
 #include "text/unicode.h"
 

@@ -1,12 +1,10 @@
 // Draws a history as SVG: the columns of the plot become one stepped line.
 // Tests: tests/shells/history_test.cpp.
 
-#include "shells/history/history_svg.h"
-
 #include <algorithm>
 #include <cmath>
 
-#include "shells/history/history_plot.h"
+#include "shells/history/history.h"
 #include "text/unicode.h"
 
 namespace history {

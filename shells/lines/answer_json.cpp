@@ -1,14 +1,13 @@
 // Writes answers as JSON from views that are complete; nothing is read or decided here.
 // Tests: tests/ctl/brimletctl_test.cpp, tests/packaging/json_test.sh.
 
-#include "shells/lines/answer_json.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <ctime>
 #include <utility>
 
+#include "shells/lines/answers.h"
 #include "text/json_writing.h"
 
 namespace json {

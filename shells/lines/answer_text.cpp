@@ -1,9 +1,7 @@
 // Writes answers as text from views that are complete. Tests: tests/ctl/brimletctl_test.cpp.
 
-#include "shells/lines/answer_text.h"
-
 #include "app/figures.h"
-#include "shells/lines/answer_json.h"
+#include "shells/lines/answers.h"
 #include "text/unicode.h"
 
 namespace lines {

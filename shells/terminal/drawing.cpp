@@ -6,8 +6,7 @@
 #include <cmath>
 #include <utility>
 
-#include "shells/history/history_ledger.h"
-#include "shells/history/history_plot.h"
+#include "shells/history/history.h"
 
 namespace terminal {
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <array>
 
-#include "app/rate_limits.h"
-#include "l10n/placeholders.h"
+#include "app/figures.h"
+#include "l10n/words.h"
 #include "text/bytes.h"
 #include "text/unicode.h"
 

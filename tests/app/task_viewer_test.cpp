@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "shells/lines/answer_json.h"
+#include "shells/lines/answers.h"
 #include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"

@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "app/figures.h"
-#include "app/rate_limits.h"
 
 namespace {
 

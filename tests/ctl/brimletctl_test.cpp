@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "shells/lines/answer_json.h"
+#include "shells/lines/answers.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
 #include "tests/support/shown_texts.h"

@@ -29,7 +29,7 @@
 #include <thread>
 
 #include "platform/reading_queue.h"
-#include "shells/ORVPosixHost.h"
+#include "shells/ORVPosixApplication.h"
 #include "tests/support/MemoryDefaults.h"
 #include "tests/support/TemporaryHome.h"
 

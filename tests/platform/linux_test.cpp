@@ -15,7 +15,7 @@
 
 #include "l10n/languages.h"
 #include "platform/confinement.h"
-#include "platform/folder_watch.h"
+#include "platform/files.h"
 #include "platform/home_folder.h"
 #include "platform/locale.h"
 #include "platform/posix_run_loop.h"

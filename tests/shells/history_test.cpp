@@ -5,8 +5,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "shells/history/history_ledger.h"
-#include "shells/history/history_svg.h"
+#include "shells/history/history.h"
 #include "shells/terminal/screen.h"
 #include "shells/terminal/terminal_modes.h"
 #include "text/timestamps.h"

@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "app/ORVAppDelegate.h"
-#include "shells/ORVPosixHost.h"
+#include "shells/ORVPosixApplication.h"
 #include "shells/lines/ORVCommandInput.h"
 #include "shells/lines/ORVLineSurface.h"
 #include "tests/support/MemoryDefaults.h"

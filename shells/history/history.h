@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/compaction_ledger.h"
 #include "sessions/ORVHistoryEvent.h"
 
 /// Draws a task's history as rows of text.
@@ -83,5 +84,16 @@ Span spanOf(const std::vector<ORVHistoryEvent>& events, const char* pattern);
 /// Estimates the columns of a text whose font or terminal is not asked: two for each character of
 /// three bytes or more, since most of these are wide.
 int roughColumns(std::string_view text);
+
+/// Returns a line for each of the newest compactions, the newest last: its number, its time, the
+/// usage before and after it, the change in tokens, and the time and the answers since the one
+/// before; "--" stands where a figure is not known. There are at most `size.rows` lines, and none
+/// is wider than `size.columns`: what people miss least is left out of all of them together.
+std::vector<std::string> ledger(const std::vector<app::Compaction>& compactions,
+                                const PlotSize& size);
+
+/// Returns the history as an SVG document for light and dark pages. `title` may hold any bytes; a
+/// title that is too long is cut in the picture and stands whole in the document's title.
+std::string svg(const std::vector<ORVHistoryEvent>& events, const std::string& title);
 
 }  // namespace history
