@@ -9,29 +9,28 @@
 // tests/platform/linux_test.cpp.
 
 #include <fcntl.h>
-#include <simdjson.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
-#include <new>
 #include <utility>
+#include <vector>
 
 #include "platform/descriptors.h"
 #include "platform/files.h"
 #include "platform/home_folder.h"
 #include "platform/user_defaults.h"
 #include "text/bytes.h"
+#include "text/json_reading.h"
 #include "text/json_writing.h"
 
 namespace platform {
 namespace {
-
-namespace dom = simdjson::dom;
 
 constexpr std::size_t kLimitBytes = 64 * 1024;
 
@@ -47,28 +46,18 @@ std::string reasonOf(int errnoValue) {
 
 /// The settings as they are stored.
 struct StoredSettings {
-    std::string content = "{}";  ///< An object.
-    std::string path;            ///< The path of the file itself, links followed.
+    std::vector<std::pair<std::string, std::string>> fields;  ///< Keys, and values as JSON.
+    std::string path;  ///< The path of the file itself, links followed.
     mode_t mode = 0600;
     std::string refusal;  ///< Why the file must not be replaced; "" when it may.
-};
 
-/// Returns the fields of an object, and none for another text. They are valid as long as the parser
-/// is.
-std::optional<dom::object> objectIn(const std::string& content, dom::parser& parser) {
-    dom::object object;
-    const simdjson::error_code error = parser.parse(content).get(object);
-    if (error == simdjson::MEMALLOC) {
-        throw std::bad_alloc();
+    /// Returns the value under the key, the last of several; null when there is none.
+    const std::string* find(std::string_view key) const {
+        const auto found = std::find_if(fields.rbegin(), fields.rend(),
+                                        [&](const auto& field) { return field.first == key; });
+        return found == fields.rend() ? nullptr : &found->second;
     }
-    return error == simdjson::SUCCESS ? std::optional(object) : std::nullopt;
-}
-
-/// Why the file at the end of a link must not be replaced; "" when it may.
-std::string refusalOfLinked(const dom::object& object, std::string_view key) {
-    const bool isOurs = object.size() == 0 || !object.at_key(key).error();
-    return isOurs ? "" : "it is a link to a file of another program";
-}
+};
 
 /// Returns "" when the open file may be replaced, else why not.
 std::string refusalOf(const std::string& path, const struct stat& status,
@@ -78,8 +67,8 @@ std::string refusalOf(const std::string& path, const struct stat& status,
         item.st_uid != status.st_uid) {
         return "the file belongs to another user";
     }
-    dom::parser parser;
-    return S_ISLNK(item.st_mode) ? refusalOfLinked(*objectIn(settings.content, parser), key) : "";
+    const bool isOurs = settings.fields.empty() || settings.find(key);
+    return S_ISLNK(item.st_mode) && !isOurs ? "it is a link to a file of another program" : "";
 }
 
 StoredSettings storedSettings(const std::string& path, std::string_view key) {
@@ -111,13 +100,11 @@ StoredSettings storedSettings(const std::string& path, std::string_view key) {
         return refused(reasonOf(errno));
     }
     content.resize(static_cast<std::size_t>(size));
-    dom::parser parser;
-    if (!content.empty()) {
-        if (!objectIn(content, parser)) {
-            return refused("the file is not a JSON object");
-        }
-        settings.content = std::move(content);
+    auto fields = text::fieldsOfJSON(content.empty() ? "{}" : content);
+    if (!fields) {
+        return refused("the file is not a JSON object");
     }
+    settings.fields = std::move(*fields);
     settings.mode = status.st_mode & 0777;
     settings.refusal = refusalOf(path, status, settings, key);
     const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
@@ -129,32 +116,29 @@ StoredSettings storedSettings(const std::string& path, std::string_view key) {
     return settings;
 }
 
-std::int64_t integerOf(const dom::element& value) {
-    switch (value.type()) {
-        case dom::element_type::INT64:
-            return std::int64_t(value);
-        case dom::element_type::BOOL:
-            return bool(value) ? 1 : 0;
-        case dom::element_type::DOUBLE:
-            return std::fabs(double(value)) < 1e18 ? static_cast<std::int64_t>(double(value)) : 0;
-        case dom::element_type::STRING:
-            return std::strtoll(std::string(std::string_view(value)).c_str(), nullptr, 10);
-        default:
-            return 0;
+/// Returns the number that a value in JSON stands for; 0 for what stands for none.
+std::int64_t integerOf(const std::string& value) {
+    constexpr double kLimit = 1e18;
+    if (value == "true") {
+        return 1;
     }
+    const bool isText = value.starts_with('"');
+    char* end = nullptr;
+    const std::int64_t whole = std::strtoll(value.c_str() + (isText ? 1 : 0), &end, 10);
+    if (isText || *end == '\0') {
+        return whole;
+    }
+    const double real = std::strtod(value.c_str(), nullptr);
+    return std::fabs(real) < kLimit ? static_cast<std::int64_t>(real) : 0;
 }
 
 /// Returns the object with this number under the key. Its other fields stay as they are.
-std::string withInteger(const std::string& content, std::string_view key, std::int64_t value) {
-    dom::parser parser;
-    const dom::object settings = *objectIn(content, parser);
-    std::string fields;
-    for (const dom::key_value_pair field : settings) {
-        if (field.key != key) {
-            fields += text::quotedJSON(field.key) + ':' + simdjson::to_string(field.value) + ',';
-        }
-    }
-    return '{' + fields + text::quotedJSON(key) + ':' + std::to_string(value) + "}\n";
+std::string withInteger(const StoredSettings& settings, std::string_view key, std::int64_t value) {
+    std::vector<std::pair<std::string_view, std::string>> fields(settings.fields.begin(),
+                                                                 settings.fields.end());
+    std::erase_if(fields, [&](const auto& field) { return field.first == key; });
+    fields.emplace_back(key, std::to_string(value));
+    return text::objectJSON(fields) + '\n';
 }
 
 /// Makes the folder and those above it, but not the user's home. Returns 0, or the errno of the
@@ -230,13 +214,8 @@ public:
 
     std::optional<std::int64_t> integerForKey(std::string_view key) override {
         const StoredSettings settings = storedSettings(path_, key);
-        dom::parser parser;
-        const dom::object object = *objectIn(settings.content, parser);
-        std::optional<std::int64_t> found;
-        for (const dom::key_value_pair field : object) {
-            found = field.key == key ? integerOf(field.value) : found;
-        }
-        return found;
+        const std::string* const value = settings.find(key);
+        return value ? std::optional(integerOf(*value)) : std::nullopt;
     }
 
     void setInteger(std::int64_t value, std::string_view key) override {
@@ -244,9 +223,8 @@ public:
         std::string reason = settings.refusal;
         if (reason.empty()) {
             int failure = makeFolders(text::folderOf(path_));
-            failure = failure != 0
-                          ? failure
-                          : replaceFile(settings, withInteger(settings.content, key, value));
+            failure =
+                failure != 0 ? failure : replaceFile(settings, withInteger(settings, key, value));
             reason = failure != 0 ? reasonOf(failure) : "";
         }
         if (!reason.empty() && !std::exchange(hasComplained_, true)) {

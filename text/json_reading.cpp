@@ -333,3 +333,25 @@ const ORVJSONValue& ORVJSONValue::operator[](std::string_view key) const {
                                     [&](const ORVJSONMember& m) { return m.shape->key == key; });
     return found == members.end() ? kAbsent : found->value;
 }
+
+namespace text {
+
+std::optional<std::vector<std::pair<std::string, std::string>>> fieldsOfJSON(
+    std::string_view text) {
+    simdjson::dom::parser parser;
+    simdjson::dom::object object;
+    const simdjson::error_code error = parser.parse(std::string(text)).get(object);
+    if (error == simdjson::MEMALLOC) {
+        throw std::bad_alloc();
+    }
+    if (error != simdjson::SUCCESS) {
+        return std::nullopt;
+    }
+    std::vector<std::pair<std::string, std::string>> fields;
+    for (const simdjson::dom::key_value_pair field : object) {
+        fields.emplace_back(field.key, simdjson::to_string(field.value));
+    }
+    return fields;
+}
+
+}  // namespace text

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -71,3 +72,11 @@ private:
 
     std::unique_ptr<Parser> parser_;
 };
+
+namespace text {
+
+/// Returns the fields of an object in their order: keys decoded, values as JSON. Returns none for a
+/// text that is not one object of standard JSON. Throws std::bad_alloc when memory runs out.
+std::optional<std::vector<std::pair<std::string, std::string>>> fieldsOfJSON(std::string_view text);
+
+}  // namespace text
