@@ -81,10 +81,6 @@ struct Span {
 };
 Span spanOf(const std::vector<ORVHistoryEvent>& events, const char* pattern);
 
-/// Estimates the columns of a text whose font or terminal is not asked: two for each character of
-/// three bytes or more, since most of these are wide.
-int roughColumns(std::string_view text);
-
 /// Returns a line for each of the newest compactions, the newest last: its number, its time, the
 /// usage before and after it, the change in tokens, and the time and the answers since the one
 /// before; "--" stands where a figure is not known. There are at most `size.rows` lines, and none

@@ -7,6 +7,7 @@
 #include "app/figures.h"
 #include "shells/history/history.h"
 #include "text/timestamps.h"
+#include "text/unicode.h"
 
 namespace history {
 namespace {
@@ -60,21 +61,20 @@ struct Table {
 /// Aligns the fields, and leaves out those that are "" in all lines.
 Table aligned(const std::vector<Line>& lines, const PlotSize& size) {
     const std::string_view arrow = size.showsUnicode ? " → " : " -> ";
-    const int arrowColumns = size.showsUnicode ? 3 : 4;
     Table table{std::vector<std::string>(lines.size())};
     for (std::size_t field = 0; field < kFields; ++field) {
         int width = 0;
         for (const Line& line : lines) {
-            width = std::max(width, roughColumns(line[field]));
+            width = std::max(width, text::columnsOf(line[field]));
         }
         if (width == 0) {
             continue;
         }
         const std::string_view gap = field == number ? "" : field == after ? arrow : "  ";
-        table.columns += width + (field == after ? arrowColumns : static_cast<int>(gap.size()));
+        table.columns += width + text::columnsOf(gap);
         for (std::size_t i = 0; i < lines.size(); ++i) {
             const std::string& text = lines[i][field];
-            const std::string space(static_cast<std::size_t>(width - roughColumns(text)), ' ');
+            const std::string space(static_cast<std::size_t>(width - text::columnsOf(text)), ' ');
             table.rows[i].append(gap).append(isLeftAligned(field) ? text + space : space + text);
         }
     }

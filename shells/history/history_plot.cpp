@@ -61,7 +61,7 @@ std::string captionRow(const std::vector<ORVHistoryEvent>& events, int columns,
     const Tally tally = tallyOf(events);
     const Words& words = size.words;
     const std::string answers = counted(tally.answers, words.answer, words.answers);
-    const Caption least = {{}, answers, roughColumns(answers)};
+    const Caption least = {{}, answers, text::columnsOf(answers)};
     Caption brief = least;
     Caption full = least;
     if (tally.compactions > 0) {
@@ -70,9 +70,9 @@ std::string captionRow(const std::vector<ORVHistoryEvent>& events, int columns,
         const std::string number = std::to_string(tally.compactions);
         const std::string text = counted(tally.compactions, words.compaction, words.compactions);
         brief.counts += mark + number;
-        brief.countColumns += markColumns + roughColumns(number);
+        brief.countColumns += markColumns + text::columnsOf(number);
         full.counts += mark + text;
-        full.countColumns += markColumns + roughColumns(text);
+        full.countColumns += markColumns + text::columnsOf(text);
     }
     const Span days = spanOf(events, "%Y-%m-%d");
     const bool isOneDay = days.first.empty() || days.last.empty();
@@ -191,16 +191,6 @@ Span spanOf(const std::vector<ORVHistoryEvent>& events, const char* pattern) {
         span.last.clear();
     }
     return span;
-}
-
-int roughColumns(std::string_view text) {
-    int columns = 0;
-    while (!text.empty()) {
-        const std::size_t bytes = text::nextCharacter(text).bytes;
-        columns += bytes > 2 ? 2 : 1;
-        text.remove_prefix(bytes);
-    }
-    return columns;
 }
 
 std::vector<PlotRow> plot(const std::vector<ORVHistoryEvent>& events, const PlotSize& size) {

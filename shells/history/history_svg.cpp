@@ -61,19 +61,11 @@ std::string oneLine(const std::string& title) {
 std::string fitted(const std::string& text) {
     constexpr int kColumns = 70;  // About 600 pixels of this font.
     constexpr std::size_t kMostBytes = 1000;
-    if (text.size() <= kMostBytes && roughColumns(text) <= kColumns) {
+    if (text.size() <= kMostBytes && text::columnsOf(text) <= kColumns) {
         return text;
     }
-    std::size_t end = 0;
-    for (int columns = 0; end < text.size();) {
-        const auto next = text::nextCharacter(std::string_view(text).substr(end));
-        columns += roughColumns(std::string_view(text).substr(end, next.bytes));
-        if (columns >= kColumns || end + next.bytes > kMostBytes) {
-            break;
-        }
-        end += next.bytes;
-    }
-    return text.substr(0, end) + "…";
+    const auto most = text::wholeCharacters(std::string_view(text).substr(0, kMostBytes));
+    return std::string(text::beginning(most, kColumns - 1)) + "…";
 }
 
 /// Writes a text that may hold markup.
