@@ -48,9 +48,9 @@ public:
     std::optional<ORVSessionSnapshot> snapshotForSessionURL(const std::string& path,
                                                             ORVErrorSlot* error);
 
-    /// Returns the figures that snapshotForThreadID returns for the task's identifier. The title is
-    /// that of the last refresh of the titles, since asking for their date at each of many tasks
-    /// would be felt.
+    /// Returns the figures that snapshotForThreadID returns for the task's identifier, but reads no
+    /// further than the files went when they were walked, and takes the title from the last refresh
+    /// of the titles: asking again for the dates of each of many tasks would be felt.
     std::optional<ORVSessionSnapshot> snapshotForTask(const ORVTask& task, ORVErrorSlot* error);
 
     /// Reads on in these files as ORVSessionReader does; snapshotForTask then finds nothing new in
@@ -158,9 +158,9 @@ private:
     // Snapshots (snapshots.cpp)
     enum class Titles { refreshed, asTheyAre };
     ORVSessionSnapshot snapshotOfFile(const std::string& path, const ORVSessionReader::File& file);
-    std::optional<ORVSessionSnapshot> snapshotOfFiles(const std::vector<std::string>& paths,
-                                                      std::string_view threadID, Titles titles,
-                                                      ORVErrorSlot* error);
+    template <typename Files>
+    std::optional<ORVSessionSnapshot> snapshotOfFiles(const Files& files, std::string_view threadID,
+                                                      Titles titles, ORVErrorSlot* error);
     void forgetUnasked();
     const Totals& totalsOfTask(const States& states, std::string_view threadID);
     Totals sumOf(const States& states) const;

@@ -3,9 +3,9 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
-#include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "platform/clock.h"
 
@@ -65,7 +65,10 @@ public:
     std::size_t size() const { return recent_.size() + faded_.size(); }
 
 private:
-    using Half = std::map<std::string, Value, std::less<>>;
+    struct Hash : std::hash<std::string_view> {
+        using is_transparent = void;
+    };
+    using Half = std::unordered_map<std::string, Value, Hash, std::equal_to<>>;
 
     Half recent_;
     Half faded_;

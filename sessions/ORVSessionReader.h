@@ -47,6 +47,10 @@ public:
     std::optional<File> readFile(const std::string& path, ORVReadingMemory& memory,
                                  ORVErrorSlot* error);
 
+    /// Does the same up to the size that a walk has found, and does not ask for it again.
+    std::optional<File> readFile(const ORVWalkedFile& file, ORVReadingMemory& memory,
+                                 ORVErrorSlot* error);
+
     /// What readAhead calls, by several threads at once but for `progress`. Each may be empty.
     struct ReadingAhead {
         /// Is shown the bytes that a file begins with, and returns whether to read the file.
@@ -56,7 +60,7 @@ public:
     };
 
     /// Reads on in these files on all processors, up to the sizes that the walk has found, so that
-    /// readFile finds hardly anything new in them. A file that cannot be read is left to readFile.
+    /// readFile finds nothing new in them. A file that cannot be read is left to readFile.
     /// Throws std::bad_alloc when memory runs out.
     void readAhead(std::span<const ORVWalkedFile* const> files, const ReadingAhead& calls);
 
@@ -133,9 +137,9 @@ public:
 
 private:
     // Reading (reading.cpp)
-    bool readOn(ORVSessionParseState& state, const std::string& path,
-                const ORVFileAttributes& attributes, ORVReadingMemory& memory,
-                const ORVFileFollower::Opening& opening, ORVErrorSlot* error);
+    std::optional<File> readOn(ORVSessionParseState& state, const std::string& path,
+                               const ORVFileAttributes& attributes, ORVReadingMemory& memory,
+                               const ORVFileFollower::Opening& opening, ORVErrorSlot* error);
 
     // Interpretation (interpretation.cpp)
     void consumeFigures(std::span<const std::string_view> lines, ORVSessionParseState& state,

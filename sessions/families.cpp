@@ -260,17 +260,17 @@ std::optional<ORVListedTask> ORVTaskList::headOfFamily(const ORVTask& task) {
 }
 
 void ORVTaskList::follow(const ORVTask& task) {
+    if (followedID_ == task.threadID && followedRevision_ == revision_) {
+        return;
+    }
+    namedPaths_.clear();
+    for (const ORVWalkedFile& file : task.files) {
+        namedPaths_.insert(file.path);
+    }
+    if (refreshes_ < 2) {
+        return;  // Whoever asks once follows nothing.
+    }
     answer([&] {
-        if (followedID_ == task.threadID && followedRevision_ == revision_) {
-            return;
-        }
-        namedPaths_.clear();
-        for (const ORVWalkedFile& file : task.files) {
-            namedPaths_.insert(file.path);
-        }
-        if (refreshes_ < 2) {
-            return;  // Whoever asks once follows nothing.
-        }
         followedID_ = task.threadID;
         followedRevision_ = revision_;
         const Group* const followed = groupOf(task);

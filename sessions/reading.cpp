@@ -43,21 +43,26 @@ std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const std::stri
     if (!attributes || !attributes->size || !attributes->modifiedAt) {
         return std::nullopt;
     }
-    ORVSessionParseState& state = states_[path];
-    if (!readOn(state, path, *attributes, memory, {}, error)) {
-        return std::nullopt;
-    }
-    return File{state, *attributes->modifiedAt};
+    return readOn(states_[path], path, *attributes, memory, {}, error);
 }
 
-bool ORVSessionReader::readOn(ORVSessionParseState& state, const std::string& path,
-                              const ORVFileAttributes& attributes, ORVReadingMemory& memory,
-                              const ORVFileFollower::Opening& opening, ORVErrorSlot* error) {
+std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const ORVWalkedFile& file,
+                                                                 ORVReadingMemory& memory,
+                                                                 ORVErrorSlot* error) {
+    return readOn(states_[file.path], file.path, attributesOf(file), memory, {}, error);
+}
+
+std::optional<ORVSessionReader::File> ORVSessionReader::readOn(
+    ORVSessionParseState& state, const std::string& path, const ORVFileAttributes& attributes,
+    ORVReadingMemory& memory, const ORVFileFollower::Opening& opening, ORVErrorSlot* error) {
     ORVFileFollower::begin(state, attributes);
     if (state.revision == 0 || state.offset != *attributes.size) {
         state.revision = ++lastRevision_;
     }
-    return updateState(state, path, *attributes.size, memory, opening, error);
+    if (!updateState(state, path, *attributes.size, memory, opening, error)) {
+        return std::nullopt;
+    }
+    return File{state, *attributes.modifiedAt};
 }
 
 bool ORVSessionReader::updateState(ORVSessionParseState& state, const std::string& path,

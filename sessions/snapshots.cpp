@@ -9,6 +9,17 @@
 #include "sessions/errors.h"
 #include "text/bytes.h"
 
+namespace {
+
+const std::string& pathOf(const std::string& path) {
+    return path;
+}
+const std::string& pathOf(const ORVWalkedFile& file) {
+    return file.path;
+}
+
+}  // namespace
+
 ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock,
                                              const std::string& codexHome, ORVSessionWants wants)
     : clock_(clock),
@@ -77,22 +88,21 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForThreadID(
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForTask(const ORVTask& task,
                                                                          ORVErrorSlot* error) {
-    std::vector<std::string> paths;
-    for (const ORVWalkedFile& file : task.files) {
-        paths.push_back(file.path);
-    }
-    return snapshotOfFiles(paths, task.threadID, Titles::asTheyAre, error);
+    return snapshotOfFiles(task.files, task.threadID, Titles::asTheyAre, error);
 }
 
-std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotOfFiles(
-    const std::vector<std::string>& paths, std::string_view threadID, Titles titles,
-    ORVErrorSlot* error) {
+/// `files` are paths or files that were walked, oldest first.
+template <typename Files>
+std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotOfFiles(const Files& files,
+                                                                         std::string_view threadID,
+                                                                         Titles titles,
+                                                                         ORVErrorSlot* error) {
     forgetUnasked();
     ORVReadingMemory memory;
     States states;
     std::optional<ORVFileDate> lastUpdated;
-    for (const std::string& path : paths) {
-        const auto file = reader_.readFile(path, memory, error);
+    for (const auto& each : files) {
+        const auto file = reader_.readFile(each, memory, error);
         if (!file) {
             return std::nullopt;
         }
@@ -102,7 +112,8 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotOfFiles(
     if (titles == Titles::refreshed) {
         titles_.refreshIfNeeded();
     }
-    const ORVSessionSnapshot newest = snapshotOfFile(paths.back(), {*states.back(), *lastUpdated});
+    const ORVSessionSnapshot newest =
+        snapshotOfFile(pathOf(files.back()), {*states.back(), *lastUpdated});
     const Totals& totals = totalsOfTask(states, threadID);
     return ORVSessionSnapshot(newest.title(), std::string(threadID), newest.fileURL(),
                               totals.compactionCount, newest.contextUsage(), newest.contextStatus(),
@@ -154,9 +165,9 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::latestSnapshotWithError
         return std::nullopt;
     }
     const auto threadID = threadIDFromSessionURL(*path);
-    return threadID
-               ? snapshotForThreadID(*threadID, error)
-               : snapshotOfFiles({*path}, text::lastPathComponent(*path), Titles::refreshed, error);
+    return threadID ? snapshotForThreadID(*threadID, error)
+                    : snapshotOfFiles(std::vector{*path}, text::lastPathComponent(*path),
+                                      Titles::refreshed, error);
 }
 
 std::shared_ptr<const ORVHistory> ORVCodexSessionSource::historyForThreadID(
