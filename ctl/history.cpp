@@ -25,16 +25,17 @@ std::string drawn(const Invocation& invocation, const ORVTaskView& view, const O
     constexpr int kOtherRows = 3;  // The head, the prompt before it, and the prompt after it.
     const bool isTerminal = isatty(STDOUT_FILENO) != 0;
     const terminal::Screen screen = terminal::screenOfOutput();
+    const ORVWords& words = l10n::kEnglishWords;
     const int forPlot = std::clamp(screen.rows - kOtherRows - 1, 4, kMostRows);
     std::vector<terminal::Row> rows = {terminal::taskRow(view)};
     terminal::show(rows.front(), screen);
-    for (terminal::Row& row : terminal::plotRows(history, forPlot, screen)) {
+    for (terminal::Row& row : terminal::plotRows(history, forPlot, words, screen)) {
         rows.push_back(std::move(row));
     }
     const int most = isTerminal
                          ? std::max(0, screen.rows - kOtherRows - static_cast<int>(rows.size()))
                          : std::numeric_limits<int>::max();
-    for (terminal::Row& row : terminal::ledgerRows(compactions, most, screen)) {
+    for (terminal::Row& row : terminal::ledgerRows(compactions, most, words, screen)) {
         rows.push_back(std::move(row));
     }
     std::string text;

@@ -13,6 +13,9 @@ struct ORVWords {
     // Heads of the columns of a table of tasks.
     std::string_view id, status, age, folder, title, model, helperCount;
 
+    // What a history counts, for one and for several of them.
+    std::string_view answer, answers, compaction, compactions;
+
     // Rate limits. "%@" stands for a time of day, then for an age.
     std::string_view resetsAt, asOf;
 

@@ -7,24 +7,19 @@
 #include <vector>
 
 #include "app/compaction_ledger.h"
+#include "l10n/words.h"
 #include "sessions/ORVHistoryEvent.h"
 
 /// Draws a task's history as rows of text.
 namespace history {
 
-/// What is counted, for one and for several of them. The texts must outlive the call, and be ASCII
-/// where the plot is.
-struct Words {
-    std::string_view answer = "answer", answers = "answers";
-    std::string_view compaction = "compaction", compactions = "compactions";
-};
-
-/// The room that a plot has, and the characters and words that may stand in it.
+/// The room that a plot has, and the characters and words that may stand in it: English ones where
+/// it is plain ASCII.
 struct PlotSize {
     int columns = 80;
     int rows = 12;
     bool showsUnicode = true;  ///< Otherwise the plot is plain ASCII.
-    Words words = {};
+    const ORVWords& words = l10n::kEnglishWords;
 };
 
 /// One row of a plot. Label and text together fit into the plot's columns.

@@ -42,7 +42,7 @@ std::string elapsedOf(const app::Compaction& compaction) {
     return "+" + app::ageText(*compaction.elapsed);
 }
 
-Line lineOf(const app::Compaction& compaction, const char* timePattern, const Words& words) {
+Line lineOf(const app::Compaction& compaction, const char* timePattern, const ORVWords& words) {
     return {
         "C" + std::to_string(compaction.number),
         compaction.time ? text::localTime(*compaction.time, timePattern) : std::string(kUnknown),

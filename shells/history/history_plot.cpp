@@ -30,14 +30,14 @@ const Glyphs& glyphsFor(bool unicode) {
 struct Caption {
     Span span;
     std::string counts;
-    int countColumns = 0;
 };
 
 /// Returns the caption in at most this many columns, with the counts between the times, and "" when
 /// it does not fit.
 std::string spreadOut(const Caption& caption, int columns) {
     constexpr int kGap = 2;
-    const auto& [span, counts, middle] = caption;
+    const auto& [span, counts] = caption;
+    const int middle = text::columnsOf(counts);
     const int left = span.first.empty() ? 0 : static_cast<int>(span.first.size()) + kGap;
     const int right = span.last.empty() ? 0 : static_cast<int>(span.last.size()) + kGap;
     if (left + middle + right > columns) {
@@ -59,20 +59,15 @@ std::string spreadOut(const Caption& caption, int columns) {
 std::string captionRow(const std::vector<ORVHistoryEvent>& events, int columns,
                        const PlotSize& size) {
     const Tally tally = tallyOf(events);
-    const Words& words = size.words;
+    const ORVWords& words = size.words;
     const std::string answers = counted(tally.answers, words.answer, words.answers);
-    const Caption least = {{}, answers, text::columnsOf(answers)};
+    const Caption least = {{}, answers};
     Caption brief = least;
     Caption full = least;
     if (tally.compactions > 0) {
         const std::string mark = size.showsUnicode ? " · ▼ " : ", v ";
-        const int markColumns = size.showsUnicode ? 5 : 4;
-        const std::string number = std::to_string(tally.compactions);
-        const std::string text = counted(tally.compactions, words.compaction, words.compactions);
-        brief.counts += mark + number;
-        brief.countColumns += markColumns + text::columnsOf(number);
-        full.counts += mark + text;
-        full.countColumns += markColumns + text::columnsOf(text);
+        brief.counts += mark + std::to_string(tally.compactions);
+        full.counts += mark + counted(tally.compactions, words.compaction, words.compactions);
     }
     const Span days = spanOf(events, "%Y-%m-%d");
     const bool isOneDay = days.first.empty() || days.last.empty();

@@ -59,11 +59,11 @@ std::vector<Row> ORVTopPage::rows(const Screen& screen) {
     }
     rows.resize(static_cast<std::size_t>(std::max(0, room)));
     const ORVWords& words = delegate_.words();
-    rows.push_back(terminal::keyHint({{std::string(words.move), "↑↓"},
-                                      {std::string(words.open), "Enter"},
-                                      {std::string(words.helpers), "h"},
-                                      {std::string(words.keys), "?"},
-                                      {std::string(words.quit), "q"}},
+    rows.push_back(terminal::keyHint({{words.move, "↑↓"},
+                                      {words.open, "Enter"},
+                                      {words.helpers, "h"},
+                                      {words.keys, "?"},
+                                      {words.quit, "q"}},
                                      screen));
     fitScreen(rows, screen);
     return rows;
@@ -71,16 +71,15 @@ std::vector<Row> ORVTopPage::rows(const Screen& screen) {
 
 std::vector<Row> ORVTopPage::listOfKeys(const Screen& screen) const {
     const ORVWords& words = delegate_.words();
-    const std::vector<terminal::Line> lines =
-        terminal::keyLines({{std::string(words.move), "↑ ↓  k j"},
-                            {std::string(words.page), "PgUp PgDn"},
-                            {std::string(words.ends), "Home End"},
-                            {std::string(words.open), "Enter"},
-                            {std::string(words.back), "Esc b"},
-                            {std::string(words.helpers), "h"},
-                            {std::string(words.keys), "?"},
-                            {std::string(words.quit), "q"}},
-                           screen);
+    const std::vector<terminal::Line> lines = terminal::keyLines({{words.move, "↑ ↓  k j"},
+                                                                  {words.page, "PgUp PgDn"},
+                                                                  {words.ends, "Home End"},
+                                                                  {words.open, "Enter"},
+                                                                  {words.back, "Esc b"},
+                                                                  {words.helpers, "h"},
+                                                                  {words.keys, "?"},
+                                                                  {words.quit, "q"}},
+                                                                 screen);
     return terminal::framed(lines, terminal::widestOf(lines), screen.rows > 10, screen);
 }
 
@@ -109,10 +108,11 @@ std::vector<Row> ORVTopPage::historyRows(int room, const Screen& screen) const {
     if (!history) {
         return {};
     }
+    const ORVWords& words = delegate_.words();
     std::vector<Row> rows = {{}};
-    append(rows, terminal::plotRows(*history, room - 1 - kRowsForLedger, screen));
+    append(rows, terminal::plotRows(*history, room - 1 - kRowsForLedger, words, screen));
     const int rest = room - static_cast<int>(rows.size());
-    append(rows, terminal::ledgerRows(app::compactionsOf(*history), rest, screen));
+    append(rows, terminal::ledgerRows(app::compactionsOf(*history), rest, words, screen));
     return rows;
 }
 

@@ -64,24 +64,25 @@ std::vector<Row> framed(const std::vector<Line>& lines, int inner, bool hasRules
     return rows;
 }
 
-std::vector<Row> plotRows(const ORVHistory& history, int rows, const Screen& screen) {
+std::vector<Row> plotRows(const ORVHistory& history, int rows, const ORVWords& words,
+                          const Screen& screen) {
     constexpr int kFewest = 4;
     std::vector<Row> result;
     if (rows < kFewest || history.empty()) {
         return result;
     }
     for (const history::PlotRow& row :
-         history::plot(history, {screen.columns, rows, screen.showsUnicode})) {
+         history::plot(history, {screen.columns, rows, screen.showsUnicode, words})) {
         result.push_back({{row.label}, {row.text, {.fullness = app::fullnessOf(row.level)}}});
     }
     return result;
 }
 
 std::vector<Row> ledgerRows(const std::vector<app::Compaction>& compactions, int rows,
-                            const Screen& screen) {
+                            const ORVWords& words, const Screen& screen) {
     std::vector<Row> result;
     for (const std::string& line :
-         history::ledger(compactions, {screen.columns, rows, screen.showsUnicode})) {
+         history::ledger(compactions, {screen.columns, rows, screen.showsUnicode, words})) {
         result.push_back({{line}});
     }
     return result;
@@ -89,16 +90,16 @@ std::vector<Row> ledgerRows(const std::vector<app::Compaction>& compactions, int
 
 std::vector<Line> keyLines(const std::vector<Key>& keys, const Screen& screen) {
     std::vector<Line> lines;
-    for (const auto& [what, key] : keys) {
-        lines.push_back({" " + shown(what, screen) + "   ", shown(key, screen) + " ", {}});
+    for (const auto& [deed, key] : keys) {
+        lines.push_back({" " + shown(deed, screen) + "   ", shown(key, screen) + " ", {}});
     }
     return lines;
 }
 
 Row keyHint(const std::vector<Key>& keys, const Screen& screen) {
     std::string text;
-    for (const auto& [what, key] : keys) {
-        text += (text.empty() ? " " : " · ") + key + " " + what;
+    for (const auto& [deed, key] : keys) {
+        text += (text.empty() ? " " : " · ") + key + " " + deed;
     }
     return {{shown(text, screen), {.isDimmed = true}}};
 }

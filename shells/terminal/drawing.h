@@ -2,7 +2,7 @@
 
 #include <optional>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 #include "app/compaction_ledger.h"
@@ -35,14 +35,19 @@ std::vector<Row> framed(const std::vector<Line>& lines, int inner, bool hasRules
 
 /// Draws a task's history in this many rows. There are none when there is no history, or no room
 /// for one that says anything.
-std::vector<Row> plotRows(const ORVHistory& history, int rows, const Screen& screen);
+std::vector<Row> plotRows(const ORVHistory& history, int rows, const ORVWords& words,
+                          const Screen& screen);
 
 /// Returns a row for each of the newest compactions, at most this many, the newest last.
 std::vector<Row> ledgerRows(const std::vector<app::Compaction>& compactions, int rows,
-                            const Screen& screen);
+                            const ORVWords& words, const Screen& screen);
 
 /// What a key does, and the key as people write it.
-using Key = std::pair<std::string, std::string>;
+struct Key {
+    Key(std::string_view theDeed, std::string_view theKey) : deed(theDeed), key(theKey) {}
+    std::string deed;
+    std::string key;
+};
 
 /// Returns lines that tell what each key does.
 std::vector<Line> keyLines(const std::vector<Key>& keys, const Screen& screen);

@@ -105,9 +105,9 @@ std::vector<MenuLine> menuLines(const ORVStatusItem& statusItem, const MenuView&
 std::vector<MenuLine> linesAboutKeys(const ORVMenu& menu, const MenuView& view,
                                      const Screen& screen) {
     const ORVWords& words = *view.words;
-    std::vector<Key> keys = {{std::string(words.move), "↑ ↓  k j"},
-                             {std::string(words.choose), "Enter →"},
-                             {std::string(words.back), view.leadsBack ? "Esc b" : "Esc ←"}};
+    std::vector<Key> keys = {{words.move, "↑ ↓  k j"},
+                             {words.choose, "Enter →"},
+                             {words.back, view.leadsBack ? "Esc b" : "Esc ←"}};
     for (const ORVMenuItem* item : visibleItems(menu, view.submenuIsOpen)) {
         if (!keyOf(*item).empty()) {
             keys.emplace_back(item->title, keyOf(*item));
@@ -146,7 +146,7 @@ void addFoot(std::vector<Row>& rows, const MenuView& view, const Screen& screen)
     if (!view.advice.empty() && room > 0) {
         foot.push_back({{" " + shown(view.advice, screen), {.isBold = true}}});
     } else if (screen.rows >= kRowsOfScreenWithPlot) {
-        foot = plotRows(view.history, std::min(room, kMostRowsOfPlot), screen);
+        foot = plotRows(view.history, std::min(room, kMostRowsOfPlot), *view.words, screen);
     }
     if (!foot.empty()) {
         rows.emplace_back();
@@ -188,10 +188,8 @@ std::vector<Row> menuRows(const ORVStatusItem& statusItem, const MenuView& view,
         addFoot(rows, view, screen);
         rows.resize(static_cast<std::size_t>(screen.rows - 1));
         const ORVWords& words = *view.words;
-        rows.push_back(keyHint({{std::string(words.move), "↑↓"},
-                                {std::string(words.choose), "Enter"},
-                                {std::string(words.keys), "?"}},
-                               screen));
+        rows.push_back(
+            keyHint({{words.move, "↑↓"}, {words.choose, "Enter"}, {words.keys, "?"}}, screen));
     }
     fitScreen(rows, screen);
     return rows;

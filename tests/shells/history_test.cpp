@@ -230,9 +230,9 @@ TEST(HistoryTest, LocalTimesAndCountsStandBelowThePlotWhereTheyFit) {
         ASSERT_EQ(c.row == nullptr, rows[2].level.has_value() || rows[3].text.starts_with("─"));
         EXPECT_TRUE(!c.row || c.row == rows[3].label + rows[3].text) << rows[3].text;
     }
-    const history::Words kChinese = {"次回答", "次回答", "次压缩", "次压缩"};
+    const ORVWords& chinese = l10n::kSimplifiedChineseWords;
     EXPECT_EQ("     23:32  1 次回答 · ▼ 1 次压缩  22:15\n",
-              joined({history::plot(events({-1, 5}), {40, 4, true, kChinese})[3]}));
+              joined({history::plot(events({-1, 5}), {40, 4, true, chinese})[3]}));
     EXPECT_NE(std::string::npos, history::svg({point(1, kMorning)}, "").find(">2026-11-24 13:35<"));
 }
 

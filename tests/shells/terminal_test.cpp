@@ -393,6 +393,7 @@ TEST_F(TerminalTest, SpeaksEnglishWhereTheCharactersOfTheLanguageCannotBeShown) 
          {"LANGUAGE= LC_ALL= LANG=zh_CN.utf8", "LANGUAGE=zh_CN LC_ALL="}) {
         EXPECT_TRUE(start("exec $b watch", environment).waitFor("当前任务")) << environment;
     }
+    EXPECT_TRUE(start("exec $b top", "LANGUAGE=zh_CN LC_ALL=").waitFor(" 次回答"));
 }
 
 #endif
