@@ -65,7 +65,7 @@ public:
     /// which were not written lately is noticed as ORVSessionTree says.
     void follow(const ORVTask& task);
 
-    // Heads and helpers
+    // Heads and helpers (families.cpp)
 
     /// Which heads are wanted.
     struct Wanted {
@@ -93,12 +93,12 @@ public:
     /// more. Reads first lines until it meets the family's newest file.
     std::optional<ORVListedTask> headOfFamily(const ORVTask& task);
 
+    // Identifiers (identifiers.cpp)
+
     /// Returns the task with this whole identifier, letter case disregarded, or, where no file's
     /// name holds it, the file with this path; with its own date. None when there is no such task.
     std::optional<ORVListedTask> taskWithIdentifier(std::string_view threadID,
                                                     const std::string& path = {});
-
-    // Identifiers
 
     /// Returns the tasks that a part of an identifier means, letter case disregarded, newest file
     /// first: those whose identifiers end with it or, where none does, those whose identifiers hold
@@ -179,10 +179,12 @@ private:
     Groups::iterator groupNamed(std::string_view identifier);
     Group* groupOf(std::string_view threadID, const std::string& path);
     Group* groupOf(const ORVTask& task) { return groupOf(task.threadID, task.newestFile().path); }
-    void measureIdentifiers();
     static ORVTask taskOf(const Group& group);
     void forgetAll();
     ORVListedTask listed(const Group& group, ORVFileDate changedAt) const;
+
+    // Identifiers (identifiers.cpp)
+    void measureIdentifiers();
 
     // Families (families.cpp)
     const ORVFirstLines::Known& readFirstLine(const ORVWalkedFile& file);
