@@ -16,20 +16,6 @@ namespace {
 using namespace std::chrono_literals;
 using Helpers = ORVTaskList::Wanted::Helpers;
 
-/// A disk with files that may not be read.
-class LockedFiles final : public MemoryFiles {
-public:
-    std::set<std::string> locked;
-    std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
-                                                ORVErrorSlot* error) override {
-        if (locked.contains(path)) {
-            storeError(error, platform::posixError(EACCES));
-            return nullptr;
-        }
-        return MemoryFiles::openForReading(path, error);
-    }
-};
-
 class TaskListTest : public testing::Test {
 protected:
     TaskListTest() { disk.makeFolder("/s"); }
@@ -87,10 +73,7 @@ protected:
     }
 
     std::string heads(Helpers helpers = Helpers::none, std::size_t limit = 0) {
-        ORVTaskList::Wanted wanted;
-        wanted.helpers = helpers;
-        wanted.limit = limit;
-        return described(list.heads(wanted));
+        return described(list.heads({.limit = limit, .helpers = helpers}));
     }
 
     std::string matching(const std::string& part) {
@@ -101,17 +84,13 @@ protected:
         return names;
     }
 
-    LockedFiles disk;
+    MemoryFiles disk;
     ManualClock clock;
     ORVTaskList list{disk, clock, "/s"};
 };
 
 TEST_F(TaskListTest, AFamilyIsShownByItsHead) {
-    struct Case {
-        const char* tasks;
-        const char* heads;
-    };
-    const Case kCases[] = {
+    const std::pair<const char*, std::string> kCases[] = {
         {"", ""},
         {"1:10 2:30 3:20", "2@30 3@20 1@10"},
         {"2:10 1:10", "1@10 2@10"},  // Equal dates by path.
@@ -130,22 +109,20 @@ TEST_F(TaskListTest, AFamilyIsShownByItsHead) {
         {"1:10 2!:20", "1@10"},
         {"1!:10 2!:20 3?:30", "3@30 2@20 1@10"},
     };
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(c.tasks);
+    for (const auto& [tasks, expected] : kCases) {
+        SCOPED_TRACE(tasks);
         disk.remove("/s");
         disk.makeFolder("/s");
         disk.locked.clear();
-        makeTasks(c.tasks);
+        makeTasks(tasks);
         refresh();
-        EXPECT_EQ(c.heads, heads(Helpers::listed));
-        const std::string first = std::string(c.heads).substr(0, std::string(c.heads).find('+'));
+        EXPECT_EQ(expected, heads(Helpers::listed));
+        const std::string first = expected.substr(0, expected.find('+'));
         EXPECT_EQ(first.substr(0, first.find(' ')), described(list.newestHead()));
         for (const ORVTask& task : list.matching("")) {
             const auto head = list.headOfFamily(task);
-            EXPECT_EQ(std::string::npos == std::string(c.heads).find(nameOf(task)), !head);
-            if (head) {
-                EXPECT_NE(std::string::npos, std::string(c.heads).find(described(head)));
-            }
+            EXPECT_EQ(expected.npos == expected.find(nameOf(task)), !head);
+            EXPECT_TRUE(!head || expected.find(described(head)) != expected.npos);
         }
     }
     ASSERT_EQ(2U, list.unreadable().size());
@@ -158,13 +135,12 @@ TEST_F(TaskListTest, LimitsAndDatesAreAboutFamilies) {
     refresh();
     EXPECT_EQ("1@60 4@40", heads(Helpers::none, 2));
     EXPECT_EQ("1@60+2 4@40", heads(Helpers::counted, 2));
-    ORVTaskList::Wanted wanted;
-    wanted.changedSince = ORVFileDate{40, 0};
-    EXPECT_EQ("1@60 4@40", described(list.heads(wanted)));
-    wanted.helpers = Helpers::counted;
-    EXPECT_EQ("1@60+2 4@40", described(list.heads(wanted)));
-    wanted.helpers = Helpers::listed;
-    EXPECT_EQ("1@60+2(2@60 3@50) 4@40", described(list.heads(wanted)));
+    const std::pair<Helpers, const char*> kCases[] = {{Helpers::none, "1@60 4@40"},
+                                                      {Helpers::counted, "1@60+2 4@40"},
+                                                      {Helpers::listed, "1@60+2(2@60 3@50) 4@40"}};
+    for (const auto& [helpers, expected] : kCases) {
+        EXPECT_EQ(expected, described(list.heads({.changedSince = {{40, 0}}, .helpers = helpers})));
+    }
 }
 
 TEST_F(TaskListTest, AnAnswerOpensNoMoreFirstLinesThanItNeeds) {
@@ -183,13 +159,9 @@ TEST_F(TaskListTest, AnAnswerOpensNoMoreFirstLinesThanItNeeds) {
     refresh();
     EXPECT_TRUE(list.newestHead());
     EXPECT_EQ(2, disk.opened);
-    ORVTaskList::Wanted wanted;
-    wanted.limit = 20;
-    EXPECT_EQ(20U, list.heads(wanted).size());
+    EXPECT_EQ(20U, list.heads({.limit = 20}).size());
     EXPECT_EQ(40, disk.opened);
-    wanted.limit = 0;
-    wanted.helpers = Helpers::counted;
-    EXPECT_EQ(kFamilies, static_cast<int>(list.heads(wanted).size()));
+    EXPECT_EQ(std::size_t{kFamilies}, list.heads({.helpers = Helpers::counted}).size());
     EXPECT_EQ(2 * kFamilies, disk.opened);
     EXPECT_EQ(2U * kFamilies, list.matching("-7E83-81").size());
     const auto revision = list.revision();
@@ -350,14 +322,9 @@ TEST_F(TaskListTest, TheDeepestFolderWinsAmongEqualsTheNewestFamily) {
     for (const auto& [folder, expected] : kCases) {
         EXPECT_EQ(expected, described(list.headForFolder(folder))) << folder;
     }
-    ORVTaskList::Wanted wanted;
-    wanted.folder = "/code";
-    EXPECT_EQ("1@90 2@80 3@30 4@20", described(list.heads(wanted)));
-    wanted.folder = "/link";
-    EXPECT_EQ("1@90 4@20", described(list.heads(wanted))) << "as it is written";
-    wanted.limit = 2;
-    wanted.folder = "/code/site";
-    EXPECT_EQ("1@90 2@80", described(list.heads(wanted)));
+    EXPECT_EQ("1@90 2@80 3@30 4@20", described(list.heads({.folder = "/code"})));
+    EXPECT_EQ("1@90 4@20", described(list.heads({.folder = "/link"}))) << "as it is written";
+    EXPECT_EQ("1@90 2@80", described(list.heads({.limit = 2, .folder = "/code/site"})));
     disk.remove(pathOf("1"));
     refresh();
     EXPECT_EQ("", described(list.headForFolder("/elsewhere")));
@@ -406,15 +373,13 @@ TEST_F(TaskListTest, TheListIsThatOfOneMadeAnew) {
         return kContents[any(5)];
     };
     const auto answers = [&](ORVTaskList& asked) {
-        ORVTaskList::Wanted wanted;
         std::string text = described(asked.newestHead()) + '\n';
         for (const ORVTask& task : asked.matching("")) {
             text += task.threadID + ' ' + std::to_string(task.files.size()) + ' ' +
                     asked.shortIdentifier(task) + ' ' + described(asked.headOfFamily(task)) + '\n';
         }
-        wanted.helpers = Helpers::listed;
-        text += described(asked.heads(wanted)) + '\n' + described(asked.headForFolder("/1/x"));
-        return text;
+        return text + described(asked.heads({.helpers = Helpers::listed})) + '\n' +
+               described(asked.headForFolder("/1/x"));
     };
     for (int round = 0; round < 200; ++round) {
         for (unsigned count = any(4) + 1; count > 0; --count) {

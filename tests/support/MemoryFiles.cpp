@@ -211,6 +211,10 @@ std::optional<std::string> MemoryFiles::realPath(const std::string& path) {
 
 std::unique_ptr<ORVOpenFile> MemoryFiles::openForReading(const std::string& path,
                                                          ORVErrorSlot* error) {
+    if (locked.contains(path)) {
+        storeError(error, platform::posixError(EACCES));
+        return nullptr;
+    }
     const Item* item = beginCall(path, error);
     opened += item ? 1 : 0;
     return item ? std::make_unique<OpenFile>(*this, path) : nullptr;

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "platform/files.h"
@@ -58,6 +59,7 @@ public:
     bool givesFileNumbers = true;  ///< Some file systems have none.
     bool tellsHoles = false;       ///< Whether every run of NULs is a hole.
     bool lacksMemory = false;      ///< Whether a read throws std::bad_alloc.
+    std::set<std::string> locked;  ///< Files that may not be read.
 
     // Several threads may read at once.
     std::atomic<int> calls = 0;

@@ -11,6 +11,7 @@
 #include <wchar.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -67,11 +68,13 @@ public:
         ioctl(master_, TIOCSWINSZ, &size);
     }
 
-    /// Takes output until the condition holds. Returns false when no output comes for ten seconds.
+    /// Takes output until the condition holds. Returns false when no output comes for ten seconds,
+    /// or when it does not hold after twenty.
     template <typename Condition>
     bool waitUntil(Condition condition) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (!condition()) {
-            if (!takeOutput(10'000)) {
+            if (!takeOutput(10'000) || std::chrono::steady_clock::now() > end) {
                 return false;
             }
         }
