@@ -65,9 +65,63 @@ TEST_F(BrimletctlTest, AnswersAsText) {
     EXPECT_EQ("C1 · 47%  Fix  [31mthe \"tests\"\n", run("$b latest").output);
     EXPECT_EQ("C1 · 47%  Fix  [31mthe \"tests\"\n", run("$b task " + std::string(kTask)).output);
     EXPECT_EQ(std::string(kTask) + "\tFix  [31mthe \"tests\"\n", run("$b titles").output);
-    EXPECT_EQ(0, run("$b focus").status);
+    const std::pair<const char*, std::string> kStories[] = {
+        {"", "No task in view: the Codex desktop application has written no logs here\n"},
+        {"1 nothing", "No task in view: none was opened in the Codex desktop application so far\n"},
+        {"1 activity TASK", "Task in view: " + std::string(kTask) + '\n'},
+        {"2 activity client-new-thread:1", "No task in view: a new task is being set up\n"},
+        {"3 activity Appearance=",
+         "No task in view: the format of the Codex desktop logs changed\n"}};
+    for (const auto& [story, text] : kStories) {
+        if (*story != '\0') {
+            home.append("Library/Logs/com.openai.codex/x.log", records::log(story));
+        }
+        EXPECT_EQ(text, run("$b focus").output);
+    }
     EXPECT_EQ(2, run("$b task ''").status);
     EXPECT_EQ(1, run("$b task -- --json").status);
+}
+
+TEST_F(BrimletctlTest, TellsOfEveryPlaceAndOfLimits) {
+    const std::string inNoTime = " | sed -E \"s|$HOME|~|; s/[0-9]+([dms]) (old|ago)/1\\1 \\2/\"";
+    EXPECT_EQ("brimletctl: no session file tells of rate limits; try: brimletctl doctor\n",
+              run("$b limits").output);
+    home.append(file, R"({"timestamp":"2001-09-09T01:46:40Z","type":"event_msg","payload":)"
+                      R"({"type":"token_count","rate_limits":{"primary":{"used_percent":1,)"
+                      R"("window_minutes":300,"resets_at":1}}}})"
+                      "\n");
+    home.append(file, records::tokenCount("128000"));
+    for (const char* other :
+         {"sessions/x.zst", "sessions/x.gz", "sessions/2026/x.zip", "archived_sessions/y"}) {
+        home.write(std::string(".codex/") + other, "");
+    }
+    home.append("Library/Logs/com.openai.codex/x.log", records::log("1 nothing"));
+    EXPECT_EQ("5h  0%\nas of 1d ago\n", run("$b limits" + inNoTime).output);
+    EXPECT_EQ(
+        R"({"rateLimits":[{"minutes":300,"usedPercent":1,"resetsAt":"1970-01-01T00:00:01Z"}],)"
+        R"("at":"2001-09-09T01:46:40Z"})"
+        "\n",
+        run("$b limits --json").output);
+    EXPECT_EQ(
+        R"(Codex home     ~/.codex: in the home folder
+Sessions       ~/.codex/sessions: 1 session file, the newest 1s old, 421 bytes; the largest: 63d181 421 bytes
+Titles         ~/.codex/session_index.jsonl: missing
+Not read       ~/.codex/archived_sessions: 3 compressed session files, 1 archived
+Desktop logs   ~/Library/Logs/com.openai.codex: 1 log, the newest 1s old
+In view        No task in view: none was opened in the Codex desktop application so far
+Application    /Applications/Codex.app/Contents/Info.plist: no version was found there
+Rate limits    5h 0%, told 1d ago
+)",
+        run("$b doctor | head -9 | tail -8" + inNoTime).output);
+    EXPECT_EQ(R"("name":"titles","place":"~/.codex/session_index.jsonl","state":"missing")"
+              R"(,"text":"missing")"
+              "\n",
+              run("$b doctor --json | tr '{}' '\\n\\n' | grep titles" + inNoTime).output);
+    home.append(".codex/sessions/" + std::string(records::kOther) + ".jsonl", "");
+    EXPECT_EQ(
+        "brimletctl: 2 tasks have an identifier with 01a20e7; give more of it. The newest:\n"
+        "  7A4E02  0s  Codex\n  63d181  0s  Codex\n",
+        run("$b task 01a20e7 | sed 's/  [0-9]s/  0s/'").output);
 }
 
 TEST_F(BrimletctlTest, AnswersAsJSON) {
@@ -186,9 +240,11 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
     EXPECT_EQ("", run("$b tasks --since 1h").output);
     EXPECT_EQ(kSecond + kFirst, run("$b tasks --since 999999999w").output);
     EXPECT_EQ("10 27200\n47 128000\n", run("$b tasks --format '{percent} {used}'").output);
-    EXPECT_EQ(0, run("$b tasks --json | grep -q "
-                     "'\"folder\":null,\"agent\":{.*},\"parent\":null,\"helpers\":0,'")
-                     .status);
+    EXPECT_EQ(R"("folder":null,"agent":{"model":null,"effort":null,"leftPercent":null,)"
+              R"("totalTokens":null,"rateLimits":[]},"parent":null,"helpers":0,)"
+              R"("changedAt":"2001-09-09T01:46:40.250000000Z"}]})"
+              "\n",
+              run("$b tasks --json | sed 's/.*\"folder\"/\"folder\"/'").output);
     home.makeFolder("work\t/site/deep");
     EXPECT_EQ("C0 · 10%  Codex\n", run("cd work*/site/deep && $b here").output);
     EXPECT_EQ("C0 · 10%  Codex\n", run("$b here --folder work*/site").output);

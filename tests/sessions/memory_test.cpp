@@ -8,6 +8,7 @@
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "sessions/ORVFadingTable.h"
+#include "sessions/ORVTaskList.h"
 #include "tests/sessions/SessionSourceTest.h"
 
 namespace {
@@ -34,15 +35,9 @@ bool mustFail() {
     void* const bytes = mustFail() ? nullptr : std::malloc(size > 0 ? size : 1);
     return bytes ? bytes : throw std::bad_alloc();
 }
-// The JSON library allocates this way. Without optimization it does not look whether the memory for
-// its own checks could be had, so that these allocations fail only with it.
+// The JSON library allocates this way.
 [[gnu::noinline]] void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-#ifdef __OPTIMIZE__
-    if (mustFail()) {
-        return nullptr;
-    }
-#endif
-    return std::malloc(size > 0 ? size : 1);
+    return mustFail() ? nullptr : std::malloc(size > 0 ? size : 1);
 }
 [[gnu::noinline]] void operator delete(void* bytes) noexcept {
     std::free(bytes);
@@ -97,10 +92,17 @@ TEST_F(SessionMemoryTest, OnlyFilesThatNobodyAsksForAreReadAgain) {
 TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
     disk.append(fileOf(kTask, "a"), compacted("w1") + tokenCount("1000"));
     disk.append(fileOf(kTask, "b"), compacted("w1") + tokenCount("136000"));
+    disk.append(
+        fileOf(kOther, "a"),
+        R"({"type":"session_meta","payload":{"thread_source":"subagent","parent_thread_id":")" +
+            std::string(kTask) + "\"}}\n");
     disk.append("/codex/session_index.jsonl", records::title(kTask, "a title of some length"));
     disk.append("/logs/main.log", records::log("1 window | 2 route /local/TASK"));
-    const auto ask = [](ORVCodexSessionSource& sessions, ORVCodexFocusLogSource& focus) {
+    const auto ask = [](ORVCodexSessionSource& sessions, ORVCodexFocusLogSource& focus,
+                        ORVTaskList& list) {
         ORVErrorSlot slot;
+        list.refresh(&slot);
+        const auto heads = list.heads({.helpers = ORVTaskList::Wanted::Helpers::listed});
         const auto state = focus.currentFocusStateWithError(&slot);
         const auto latest = sessions.latestSnapshotWithError(&slot);
         const auto found = sessions.snapshotForThreadID(kTask, &slot);
@@ -111,7 +113,8 @@ TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
         (void)sessions.accountLimits(task.files, nullptr);
         const auto facts = sessions.agentFactsForThreadID(kTask);
         const bool isWhole = latest && found && facts && sessions.historyForThreadID(kTask);
-        return isWhole && state.threadID() == kTask
+        return isWhole && state.threadID() == kTask && heads.size() == 1 && heads[0].helpers == 1 &&
+                       list.newestHead()->task.threadID == kTask
                    ? std::to_string(found->compactionCount()) + found->title()
                    : "nothing";
     };
@@ -120,16 +123,17 @@ TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
         for (long n = 0; wasReached; ++n) {
             ORVCodexSessionSource sessions(disk, clock, "/codex", {10, true});
             ORVCodexFocusLogSource focus(disk, clock, "/logs", "/Info.plist");
+            ORVTaskList list(disk, clock, "/codex/sessions");
             allLaterOnesFail = all;
             allocationsLeft = n;
             try {
-                (void)ask(sessions, focus);
+                (void)ask(sessions, focus, list);
             } catch (const std::bad_alloc&) {
             }
             wasReached = allocationsLeft < (all ? 1 : 0);
             allocationsLeft = -1;
             clock.time += std::chrono::minutes(2);  // A file's pause is over.
-            ASSERT_EQ("1a title of some length", ask(sessions, focus)) << n;
+            ASSERT_EQ("1a title of some length", ask(sessions, focus, list)) << n;
             ASSERT_LT(n, 100'000);
         }
     }

@@ -373,6 +373,27 @@ TEST_F(TerminalTest, LeavesTheTerminalAsFoundWhileItIsStopped) {
     expectRestored();
 }
 
+TEST_F(TerminalTest, EndsWhileTheTerminalTakesNothing) {
+    PseudoTerminal& t = start("exec $b watch", "TERM=xterm-256color");
+    ASSERT_TRUE(t.waitForBytes("47%"));
+    t.stopOutput();
+    t.press("j");
+    kill(t.process, SIGTERM);
+    EXPECT_EQ(0, t.waitForEnd());
+    EXPECT_TRUE(t.hasModesAsFound());
+}
+
+#ifdef BRIMLET_IS_CONFINED  // A sanitizer needs more descriptors.
+
+TEST_F(TerminalTest, WhyItCannotBeginIsToldOnTheRestoredScreen) {
+    PseudoTerminal& t = start("exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n 4; exec $b watch",
+                              "TERM=xterm-256color");
+    EXPECT_EQ(256, t.waitForEnd());
+    EXPECT_GT(t.output.find("no file descriptors are left"), t.output.find("\033[?1049l"));
+    expectRestored();
+}
+
+#endif
 #ifdef BRIMLET_LANGUAGE_FROM_ENVIRONMENT
 
 TEST_F(TerminalTest, SpeaksEnglishWhereTheCharactersOfTheLanguageCannotBeShown) {
@@ -442,6 +463,9 @@ TEST_F(TerminalTest, TopShowsTasksOpensAMenuAndKeepsTheSelection) {
     EXPECT_TRUE(selects("C0 · 20%"));
     t.press("?");
     EXPECT_TRUE(t.waitFor("PgUp PgDn"));
+    for (const char* keys : {"↑ ↓  k j", "Home End", "Enter │", "Esc b", "h │", "? │", "q │"}) {
+        EXPECT_NE(std::string::npos, t.screen().find(keys)) << keys << t.screen();
+    }
     t.press("q");
     EXPECT_EQ(0, t.waitForEnd());
 }

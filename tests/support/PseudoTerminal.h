@@ -56,6 +56,9 @@ public:
         [[maybe_unused]] const ssize_t ignored = write(master_, keys.data(), keys.size());
     }
 
+    /// Lets writes to the terminal wait, as a user does with Ctrl-S.
+    void stopOutput() const { tcflow(slave_, TCOOFF); }
+
     void resize(int columns, int rows) {
         columns_ = columns;
         rows_ = rows;

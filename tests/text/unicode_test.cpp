@@ -39,6 +39,11 @@ TEST(UnicodeTest, Characters) {
         EXPECT_EQ(code, character.code);
         EXPECT_EQ(bytes.size(), character.bytes) << bytes;
     }
+    for (const char* whole : {"", "é", "aé", "a🚀"}) {
+        for (const char* cut : {"", "\xC3", "\xE2\x82", "\xF0\x9F\x9A"}) {
+            EXPECT_EQ(whole, text::wholeCharacters(std::string(whole) + cut));
+        }
+    }
     EXPECT_EQ("a&lt;&gt;&amp;amp;&quot;&#39;é", text::escapedForMarkup("a<>&amp;\"'é"));
 }
 
