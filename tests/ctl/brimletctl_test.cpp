@@ -121,7 +121,7 @@ Rate limits    5h 0%, told 1d ago
     EXPECT_EQ(
         "brimletctl: 2 tasks have an identifier with 01a20e7; give more of it. The newest:\n"
         "  7A4E02  0s  Codex\n  63d181  0s  Codex\n",
-        run("$b task 01a20e7 | sed 's/  [0-9]s/  0s/'").output);
+        run("$b task 01a20e7 2>&1 | sed 's/  [0-9]*s/  0s/'").output);
 }
 
 TEST_F(BrimletctlTest, AnswersAsJSON) {
