@@ -98,8 +98,7 @@ void ORVTerminal::draw(std::vector<terminal::Row> rows) {
             clrtoeol();
         }
     }
-    terminal::whileWriting(
-        [] { refresh(); });  // Sends the difference to what stands on the terminal.
+    refresh();  // Sends the difference to what stands on the terminal.
     drawn_ = std::move(rows);
 }
 

@@ -15,8 +15,8 @@ public:
     /// Whether the terminal can place text. A "dumb" terminal and an unknown one cannot.
     static bool isPossible();
 
-    /// For signal handlers: whether the process must end at once, because it waits for a terminal
-    /// that takes no output. The terminal is then restored as far as that goes.
+    /// For signal handlers: whether the process must end at once, because the terminal takes no
+    /// output. It is then restored as far as that goes.
     static bool endIfStuck();
 
     /// `isColoured` asks for colours, if the terminal has them.

@@ -36,7 +36,6 @@ termios modesAsFound;
 termios modesTaken;
 std::string leavingSequence;
 std::string takingSequence;
-volatile sig_atomic_t isWriting = 0;
 volatile sig_atomic_t isInCurses = 0;
 volatile sig_atomic_t isTaken = 0;
 
@@ -228,7 +227,7 @@ void takeOver() {
 void restore() {
     signal(SIGTSTP, SIG_IGN);  // The program is ending already.
     if (platform::isWritable(STDOUT_FILENO, kPatienceMilliseconds)) {
-        whileWriting([] { endwin(); });
+        endwin();
         send(markingPastes(false));
     } else {
         leaveTerminalAtOnce();
@@ -239,16 +238,10 @@ void restore() {
     }
 }
 
-void whileWriting(const std::function<void()>& write) {
-    isWriting = 1;
-    write();
-    isWriting = 0;
-}
-
 bool endIfStuck() {
     // poll may be called in a signal handler; curses takes up an interrupted write again.
     pollfd output{STDOUT_FILENO, POLLOUT, 0};
-    if (!isWriting || poll(&output, 1, kPatienceMilliseconds) != 0) {
+    if (poll(&output, 1, kPatienceMilliseconds) != 0) {
         return false;
     }
     leaveTerminalAtOnce();

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 /// Takes this process's terminal over with curses, and restores it. Used on the UI thread only, as
 /// curses demands.
 namespace terminal {
@@ -21,11 +19,9 @@ void takeOver();
 /// Restores the terminal. One that takes no output gets what it takes without waiting.
 void restore();
 
-/// Does something that writes to the terminal, and so may wait for it.
-void whileWriting(const std::function<void()>& write);
-
-/// For signal handlers: when the program waits in whileWriting for a terminal that takes no output,
-/// restores the terminal as far as that goes and returns true; the process must then end at once.
+/// For signal handlers: when the terminal takes no output, restores it as far as that goes and
+/// returns true; the process must then end at once, since it may be waiting for the terminal, or
+/// begin to.
 bool endIfStuck();
 
 inline constexpr int kEscapeKey = 27;
