@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <random>
 #include <span>
+#include <sstream>
 #include <tuple>
 
 #include "tests/sessions/SessionSourceTest.h"
@@ -137,33 +138,25 @@ TEST_F(SessionRecordTest, LinesAtOnceTellWhatTheyTellOneByOne) {
     }
 }
 
-/// A literal for the tokens and for the window, and the figure that each gives; -1 for none.
+/// Literals for the tokens and for the window, and the figure that each gives; -1 for none.
 TEST_F(SessionRecordTest, Numbers) {
     constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
-    const std::pair<const char*, std::int64_t> kCases[] = {{"1", 1},
-                                                           {"1.0", 1},
-                                                           {"12.5e1", 125},
-                                                           {"1e0000000000003", 1000},
-                                                           {"9223372036854775807", kLargest},
-                                                           {"9223372036854775808", kLargest},
-                                                           {"9.223372036854775808e18", kLargest},
-                                                           {"9223372036854775809", -1},
-                                                           {"18446744073709551616", -1},
-                                                           {"1e19", -1},
-                                                           {"1e99999999999", -1},
-                                                           {"1.5", -1},
-                                                           {"-1", -1},
-                                                           {"\"1\"", -1},
-                                                           {"true", -1},
-                                                           {"null", -1},
-                                                           {"[1]", -1}};
-    for (const auto& [literal, figure] : kCases) {
-        SCOPED_TRACE(literal);
-        disk.replace(fileOf(kTask), tokenCount(literal, literal));
-        const auto found = snapshot();
-        EXPECT_EQ(figure < 0 ? 2 : 0, found->contextStatus());
-        const ORVContextUsage none(-1, -1);
-        EXPECT_EQ(ORVContextUsage(figure, figure), found->contextUsage().value_or(none));
+    const std::pair<std::int64_t, const char*> kCases[] = {
+        {1, "1 1.0"},
+        {125, "12.5e1"},
+        {1000, "1e0000000000003"},
+        {kLargest, "9223372036854775807 9223372036854775808 9.223372036854775808e18"},
+        {-1,
+         "9223372036854775809 18446744073709551616 1e19 1e99999999999 1.5 -1 \"1\" true null [1]"}};
+    for (const auto& [figure, literals] : kCases) {
+        std::istringstream all(literals);
+        for (std::string literal; all >> literal;) {
+            disk.replace(fileOf(kTask), tokenCount(literal, literal));
+            const auto found = snapshot();
+            EXPECT_EQ(figure < 0 ? 2 : 0, found->contextStatus()) << literal;
+            const ORVContextUsage none(-1, -1);
+            EXPECT_EQ(ORVContextUsage(figure, figure), found->contextUsage().value_or(none));
+        }
     }
     for (const char* zero : {"0", "-0", "0.0", "-0.0", "0e99999999999", "1e-400"}) {
         disk.replace(fileOf(kTask), tokenCount(zero));

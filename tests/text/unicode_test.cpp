@@ -47,10 +47,19 @@ TEST(UnicodeTest, Characters) {
     EXPECT_EQ("a&lt;&gt;&amp;amp;&quot;&#39;é", text::escapedForMarkup("a<>&amp;\"'é"));
 }
 
-TEST(UnicodeTest, ControlCharactersAreEscapedInJSON) {
-    EXPECT_EQ(R"("\u0001\n\"\\~\u007f\u0080\u009f)"
-              "\u00a0é\uFFFD\"",
+TEST(UnicodeTest, JSON) {
+    EXPECT_EQ("\"\\u0001\\n\\\"\\\\~\\u007f\\u0080\\u009f\u00a0é\uFFFD\"",
               text::quotedJSON("\x01\n\"\\~\x7f\u0080\u009f\u00a0é\xFF"));
+    const std::pair<double, std::string> kNumbers[] = {{0, "0"},
+                                                       {50, "50"},
+                                                       {-0.0, "-0"},
+                                                       {-42.5, "-42.5"},
+                                                       {1e21, '1' + std::string(21, '0')},
+                                                       {1e-7, "0.0000001"},
+                                                       {0.1 + 0.2, "0.30000000000000004"}};
+    for (const auto& [number, text] : kNumbers) {
+        EXPECT_EQ(text, text::numberJSON(number));
+    }
 }
 
 TEST(UnicodeTest, Lines) {
