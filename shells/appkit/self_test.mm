@@ -102,8 +102,8 @@ public:
 private:
     NSStatusItem* item() const { return delegate_.controller.statusItem; }
 
-    void check(bool holds, const char* what) {
-        std::printf("%s: %s\n", holds ? "ok" : "FAILED", what);
+    void check(bool holds, const std::string& what) {
+        std::printf("%s: %s\n", holds ? "ok" : "FAILED", what.c_str());
         std::fflush(stdout);
         status_ = holds ? status_ : EXIT_FAILURE;
     }
@@ -126,9 +126,9 @@ private:
         }
         return isMet();
     }
-    void expectTitle(NSString* title, const char* what) {
-        check(waitFor([&] { return [item().button.title isEqualToString:title]; }), what);
-        std::printf("    The title is %s.\n", item().button.title.UTF8String);
+    void expectTitle(NSString* title, const std::string& what) {
+        const bool isShown = waitFor([&] { return [item().button.title isEqualToString:title]; });
+        check(isShown, isShown ? what : what + "; the title is " + item().button.title.UTF8String);
     }
 
     void checkBar() {
