@@ -4,7 +4,6 @@
 
 #include "app/ORVTaskViewer.h"
 #include "shells/lines/answers.h"
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"
 

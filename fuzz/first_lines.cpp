@@ -2,7 +2,6 @@
 
 #include "fuzz/fuzz.h"
 #include "sessions/ORVTaskList.h"
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "text/unicode.h"
 

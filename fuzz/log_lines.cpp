@@ -4,7 +4,6 @@
 
 #include "focus/ORVCodexFocusLogSource.h"
 #include "fuzz/fuzz.h"
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 
 namespace {

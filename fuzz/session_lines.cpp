@@ -6,7 +6,6 @@
 
 #include "fuzz/fuzz.h"
 #include "sessions/ORVSessionReader.h"
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "text/json_writing.h"
 

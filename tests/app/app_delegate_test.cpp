@@ -41,18 +41,17 @@ protected:
         around.runDispatched();
     }
 
-    const ORVMenuItem& item(const std::string& field) const {
-        const ORVMenu* menus[] = {app->statusItem().menu.get(), nullptr};
-        for (std::size_t i = 0; i < 2; ++i) {
+    const ORVMenuItem& item(std::string_view field) const {
+        std::vector<const ORVMenu*> menus = {app->statusItem().menu.get()};
+        for (std::size_t i = 0; i < menus.size(); ++i) {
             for (const auto& each : menus[i]->items) {
                 if (each->field == field) {
                     return *each;
                 }
-                menus[1] = each->submenu ? each->submenu.get() : menus[1];
+                each->submenu ? menus.push_back(each->submenu.get()) : void();
             }
         }
-        ADD_FAILURE() << "no item " << field;
-        return *menus[0]->items.front();
+        std::abort();
     }
 
     std::string barTitle() const { return app->statusItem().title; }
@@ -72,9 +71,8 @@ protected:
              {"titleItem", "focusItem", "contextItem", "compactionItem", "updatedItem"}) {
             text += item(field).hidden ? "" : item(field).title + "\n";
         }
-        const std::string narrowSpace = "\u202F";
-        const std::size_t space = text.find(narrowSpace);
-        return space == std::string::npos ? text : text.replace(space, narrowSpace.size(), " ");
+        const std::size_t space = text.find("\u202F");
+        return space == text.npos ? text : text.replace(space, 3, " ");
     }
 
     ManualHost around;

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "shells/lines/answers.h"
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"
 
@@ -21,10 +20,8 @@ public:
         disk.write("/Applications/Codex.app/Contents/Info.plist",
                    "<plist><dict><key>CFBundleShortVersionString</key><string>1.2</string>"
                    "</dict></plist>");
-        disk.append("/h/Library/Logs/com.openai.codex/old/a.log",
-                    log("1 activity OTHER") + padding());
-        disk.append("/h/Library/Logs/com.openai.codex/b.log",
-                    log("1 window | 2 route /local/TASK"));
+        disk.append(kOldLog, log("1 activity OTHER") + padding());
+        disk.append(kLog, log("1 window | 2 route /local/TASK"));
         disk.append(file("a"), records::compacted("w1") + records::contextCompacted("") +
                                    padding() + records::compacted("w2"));
         disk.append(file("b"), records::compacted("w2") + records::tokenCount("136000"));
@@ -34,10 +31,8 @@ public:
 
     /// Changes the files as the applications do: one grows, one is replaced, one is shortened.
     void goOn() {
-        disk.append("/h/Library/Logs/com.openai.codex/b.log",
-                    log("3 route /local/OTHER") + "4 half of a li");
-        disk.replace("/h/Library/Logs/com.openai.codex/old/a.log",
-                     log("2 activity OTHER") + padding() + log("5 activity TASK"));
+        disk.append(kLog, log("3 route /local/OTHER") + "4 half of a li");
+        disk.replace(kOldLog, log("2 activity OTHER") + padding() + log("5 activity TASK"));
         disk.replace(file("a"), records::compacted("w4") + records::compacted("w1"));
         disk.append(file("b"), records::compacted("w3") + records::tokenCount("68000") + "{\"ty");
         disk.write(file("c", kOther), "");
@@ -56,6 +51,8 @@ public:
 
 private:
     static constexpr const char* kIndex = "/codex/session_index.jsonl";
+    static constexpr const char* kLog = "/h/Library/Logs/com.openai.codex/b.log";
+    static constexpr const char* kOldLog = "/h/Library/Logs/com.openai.codex/old/a.log";
 
     /// A text that is longer than one chunk.
     static std::string padding() { return records::message(std::string(140'000, 'x')); }
@@ -66,19 +63,10 @@ private:
     ORVTaskViewer viewer_{disk, clock, "/codex", {}};
 };
 
-struct Case {
-    Fault fault;
-    bool isSeen;  ///< Whether it shows in the answer of the refresh in which it happens.
-};
-
-constexpr Case kCases[] = {
-    {Fault::error, true},         {Fault::unseenFolder, true}, {Fault::largerSize, false},
-    {Fault::smallerSize, true},   {Fault::noSize, true},       {Fault::noDate, true},
-    {Fault::noFileNumber, false}, {Fault::shortRead, false},   {Fault::earlyEnd, true}};
-
 /// Brings about the fault at every call of the first refresh, or of the one after the files
-/// changed. The next refresh, without a fault, must answer as if nothing had happened.
-void sweep(const Case& c, bool afterChange) {
+/// changed. The next refresh, without a fault, must answer as if nothing had happened. `isSeen`
+/// tells whether the fault shows in the answer of the refresh in which it happens.
+void sweep(Fault fault, bool isSeen, bool afterChange) {
     const auto prepare = [afterChange](World& world) {
         if (afterChange) {
             (void)world.refresh();
@@ -89,25 +77,24 @@ void sweep(const Case& c, bool afterChange) {
     prepare(healthy);
     const std::string expected = healthy.refresh();
     int faults = 0;
-    int seen = 0;
+    bool wasSeen = false;
     bool wasUntouched = false;
     for (int call = 1; !wasUntouched; ++call) {
         World faulty;
         prepare(faulty);
         faulty.disk.failingCall = faulty.disk.calls + call;
-        faulty.disk.fault = c.fault;
-        seen += faulty.refresh() != expected ? 1 : 0;
+        faulty.disk.fault = fault;
+        wasSeen = faulty.refresh() != expected || wasSeen;
         faults += faulty.disk.faults;
         wasUntouched = faulty.disk.calls < faulty.disk.failingCall;
         faulty.disk.failingCall = 0;
-        if (c.fault == Fault::unseenFolder || c.fault == Fault::error) {
-            // A search that missed a folder is kept for ten seconds.
-            faulty.clock.time += std::chrono::seconds(11);
-        }
+        // A search that missed a folder is kept for ten seconds.
+        const bool isOfSearch = fault == Fault::unseenFolder || fault == Fault::error;
+        faulty.clock.time += std::chrono::seconds(isOfSearch ? 11 : 0);
         ASSERT_EQ(expected, faulty.refresh()) << "at call " << call;
     }
     EXPECT_GT(faults, 0);
-    EXPECT_EQ(c.isSeen, seen > 0);
+    EXPECT_EQ(isSeen, wasSeen);
 }
 
 TEST(TaskViewerTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
@@ -294,10 +281,14 @@ TEST(ListedTasksTest, WhoAsksOnceOpensEachFileOnce) {
 }
 
 TEST(FaultsTest, AnyFaultIsMadeUpForByTheNextRefresh) {
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(static_cast<int>(c.fault));
-        sweep(c, false);
-        sweep(c, true);
+    const std::pair<Fault, bool> kCases[] = {
+        {Fault::error, true},         {Fault::unseenFolder, true}, {Fault::largerSize, false},
+        {Fault::smallerSize, true},   {Fault::noSize, true},       {Fault::noDate, true},
+        {Fault::noFileNumber, false}, {Fault::shortRead, false},   {Fault::earlyEnd, true}};
+    for (const auto& [fault, isSeen] : kCases) {
+        SCOPED_TRACE(static_cast<int>(fault));
+        sweep(fault, isSeen, false);
+        sweep(fault, isSeen, true);
     }
 }
 

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "focus/ORVCodexFocusLogSource.h"
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"
 

@@ -4,7 +4,6 @@
 
 #include "app/figures.h"
 #include "sessions/ORVCodexSessionSource.h"
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"
 

@@ -35,14 +35,11 @@ TEST_F(SessionReaderTest, ReplacedOrShortenedFileIsReadFromItsFirstByte) {
     EXPECT_EQ("C0 · 10%", title());
     disk.write(file, "");
     EXPECT_EQ("C0 · --%", title());
-}
-
-TEST_F(SessionReaderTest, WithoutFileNumbersALongerFileIsTakenForTheSame) {
     disk.givesFileNumbers = false;
-    disk.append(fileOf(kTask), compacted("w1"));
+    disk.append(file, compacted("w1"));
     EXPECT_EQ("C1 · --%", title());
-    disk.replace(fileOf(kTask), compacted("w2") + compacted("w3"));
-    EXPECT_EQ("C2 · --%", title()) << "read on behind the old end";
+    disk.replace(file, compacted("w2") + compacted("w3"));
+    EXPECT_EQ("C2 · --%", title()) << "a longer file without a number is taken for the same";
 }
 
 /// Writes the bytes piece by piece. The figures must be those of one read of the whole.

@@ -10,7 +10,6 @@
 #include <fstream>
 #include <random>
 
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -8,7 +8,6 @@
 #include <random>
 #include <sstream>
 
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryFiles.h"
 
 namespace {
@@ -184,60 +183,43 @@ TEST_F(TaskListTest, AnAnswerOpensNoMoreFirstLinesThanItNeeds) {
 }
 
 TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
-    makeTasks("1:10 2?:20");
-    refresh();
-    EXPECT_EQ("1@10", described(list.newestHead()));
-    EXPECT_FALSE(list.newestHead()->isNew);
+    /// Returns the newest head once these tasks were written, and "new" for one that is.
+    const auto after = [&](const char* tasks) {
+        makeTasks(tasks);
+        refresh();
+        const auto head = list.newestHead();
+        return described(head) + (head->isNew ? " new" : "");
+    };
+    EXPECT_EQ("1@10", after("1:10 2?:20"));
     const int opened = disk.opened;
-    refresh();
-    EXPECT_EQ("1@10", described(list.newestHead()));
+    EXPECT_EQ("1@10", after(""));
     EXPECT_EQ(opened, disk.opened);
-    disk.write(pathOf("2"), helperMeta("1"));
-    disk.setDate(pathOf("2"), 20);
-    refresh();
-    EXPECT_EQ("1@20", described(list.newestHead())) << "of the same date";
-    makeTasks("3?:30");
+    EXPECT_EQ("1@20", after("2<1:20")) << "of the same date";
     disk.write(pathOf("4"), "{");
-    refresh();
-    EXPECT_EQ("1@20", described(list.newestHead()));
+    EXPECT_EQ("1@20", after("3?:30"));
     disk.write(pathOf("4"), "\n");
-    refresh();
-    EXPECT_EQ('4', described(list.newestHead())[0]) << "of the same size";
+    EXPECT_EQ('4', after("")[0]) << "of the same size";
     disk.remove(pathOf("4"));
     disk.write("/s/b-" + idOf("1") + ".jsonl", meta(""));
     disk.setDate("/s/b-" + idOf("1") + ".jsonl", 30);
-    refresh();
-    EXPECT_EQ("1@30", described(list.newestHead()));
-    EXPECT_FALSE(list.newestHead()->isNew) << "a further file of a known task";
-    makeTasks("3?:40 4!:50");
-    refresh();
-    EXPECT_EQ("1@30", described(list.newestHead()));
+    EXPECT_EQ("1@30", after("")) << "a further file of a known task";
+    EXPECT_EQ("1@30", after("3?:40 4!:50"));
     EXPECT_EQ(1U, list.unreadable().size());
     disk.locked.clear();
-    disk.write(pathOf("3"), meta(""));
-    disk.setDate(pathOf("3"), 60);
-    refresh();
+    EXPECT_EQ("3@60 new", after("3:60"));
     EXPECT_EQ("3@60 4@50 1@30", heads());
-    EXPECT_TRUE(list.newestHead()->isNew);
     EXPECT_EQ(0U, list.unreadable().size());
-    refresh();
-    EXPECT_FALSE(list.newestHead()->isNew);
-    disk.replace(pathOf("4"), helperMeta("2"));
-    disk.setDate(pathOf("4"), 70);
-    refresh();
-    EXPECT_EQ("1@70 3@60", heads()) << "another file";
+    EXPECT_EQ("3@60", after(""));
+    disk.remove(pathOf("4"));
+    EXPECT_EQ("1@70", after("4<2:70")) << "another file";
     disk.remove("/s");
     EXPECT_FALSE(list.refresh(nullptr));
     EXPECT_EQ("", heads());
     disk.givesFileNumbers = false;
-    makeTasks("1:10 2:20");
-    refresh();
-    EXPECT_EQ("2@20 1@10", heads());
+    EXPECT_EQ("2@20", after("1:10 2:20"));
     disk.remove(pathOf("2"));
     refresh();
-    makeTasks("2<1:20");
-    refresh();
-    EXPECT_EQ("1@20", heads()) << "another file that looks like the former one";
+    EXPECT_EQ("1@20", after("2<1:20")) << "another file that looks like the former one";
 }
 
 TEST_F(TaskListTest, EqualDatesAreOrderedByTheNewestFilesPath) {

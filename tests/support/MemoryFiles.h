@@ -11,8 +11,17 @@
 #include <string>
 #include <utility>
 
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "text/bytes.h"
+
+/// A wall clock that is turned by hand.
+class ManualClock final : public ORVClock {
+public:
+    TimePoint now() const override { return time; }
+
+    TimePoint time{std::chrono::hours(500'000)};
+};
 
 /// A disk in memory with faults on demand. It counts its calls, so that a test can make each of
 /// them fail. Paths are absolute, without "." and ".."; folders list their items in
