@@ -210,9 +210,11 @@ TEST(ShownTaskTest, APartOfAnIdentifierMeansOneTaskOrNone) {
     EXPECT_EQ("Orvellan1", shown("A"));
     tasks.begin('a');
     EXPECT_EQ("Orvellan2", shown("B"));
+    EXPECT_EQ(Tasks::idOf('a'), shown("8000"));
     tasks.begin('b', Tasks::idOf('a'));
     EXPECT_EQ(Tasks::idOf('b'), shown("000B")) << "a helper, too";
     EXPECT_EQ("brimletctl3", shown("01a20e72"));
+    EXPECT_EQ(Tasks::idOf('a'), shown("8000")) << "who was meant is meant";
     const auto several = tasks.viewer.severalMeantBy("01a20e72");
     ASSERT_EQ(2U, several->choiceCount);
     EXPECT_EQ("00000b", several->choices.front().shortID);

@@ -1,7 +1,6 @@
 // Tests the settings, preferred languages and times of day of Linux.
 
 #include <gtest/gtest.h>
-#include <pwd.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,7 +15,6 @@
 #include "l10n/languages.h"
 #include "platform/confinement.h"
 #include "platform/files.h"
-#include "platform/home_folder.h"
 #include "platform/locale.h"
 #include "platform/posix_run_loop.h"
 #include "platform/user_defaults.h"
@@ -104,19 +102,6 @@ TEST(TimeOfDayTest, MediumStyleInTheUsersZone) {
     setenv("TZ", "JST-9", 1);
     EXPECT_EQ("09:00:00", at(0, "zh-CN")) << "a zone that changes is noticed";
     EXPECT_FALSE(at(std::numeric_limits<std::int64_t>::max(), "en").empty());
-}
-
-TEST(HomeFolderTest, IsThatOfThePasswordDatabaseWhereTheEnvironmentHasNone) {
-    const passwd* entry = getpwuid(getuid());
-    if (!entry) {
-        GTEST_SKIP() << "this user is not in it";
-    }
-    const std::string expected = entry->pw_dir;
-    const char* variable = getenv("HOME");
-    const std::string home = variable ? variable : "";
-    unsetenv("HOME");
-    EXPECT_EQ(expected == "/" ? "" : expected, platform::homeFolder());
-    setenv("HOME", home.c_str(), 1);  // An empty path counts as none.
 }
 
 TEST(RunLoopTest, AWaitThatFailsEndsTheLoop) {

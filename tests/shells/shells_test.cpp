@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <condition_variable>
-#include <mutex>
+#include <future>
 
 #include "app/ORVAppDelegate.h"
 #include "shells/ORVPosixApplication.h"
@@ -18,20 +17,14 @@ class HangingFiles final : public MemoryFiles {
 public:
     std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
                                               ORVErrorSlot* error) override {
-        std::unique_lock<std::mutex> lock(mutex_);
-        changed_.wait(lock, [this] { return goesOn_; });
+        hasGoneOn_.wait();
         return MemoryFiles::openFolder(path, links, error);
     }
-    void goOn() {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        goesOn_ = true;
-        changed_.notify_all();
-    }
+    void goOn() { goesOn_.set_value(); }
 
 private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    bool goesOn_ = false;
+    std::promise<void> goesOn_;
+    std::shared_future<void> hasGoneOn_ = goesOn_.get_future().share();
 };
 
 TEST(HangingDiskTest, KeysAnswerAndTheProgramEndsWhileAReadHangs) {
