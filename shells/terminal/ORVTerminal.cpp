@@ -98,7 +98,7 @@ void ORVTerminal::draw(std::vector<terminal::Row> rows) {
             clrtoeol();
         }
     }
-    refresh();  // Sends the difference to what stands on the terminal.
+    terminal::refreshScreen();
     drawn_ = std::move(rows);
 }
 

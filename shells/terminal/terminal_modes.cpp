@@ -74,21 +74,26 @@ void endForWantOfMemory() {
     _exit(EXIT_FAILURE);
 }
 
-/// Begins curses, which uses even the memory that it did not get.
-template <typename Call>
-void callCurses(const Call& call) {
-    static const bool kIsRegistered = std::atexit(endForWantOfMemory) == 0;
-    isInCurses = kIsRegistered;
-    const auto handler = signal(SIGSEGV, [](int) { endForWantOfMemory(); });
-    call();
-    signal(SIGSEGV, handler);
-    isInCurses = 0;
-}
-
 void dieOf(int signalNumber) {
-    leaveTerminal();
+    if (isInCurses && errno == ENOMEM) {
+        endForWantOfMemory();  // curses uses even the memory that it did not get.
+    }
+    if (isTaken) {
+        leaveTerminal();
+    }
     signal(signalNumber, SIG_DFL);
     raise(signalNumber);
+}
+
+/// Does what may take memory.
+template <typename Call>
+void callCurses(const Call& call) {
+    [[maybe_unused]] static const bool kIsPrepared =
+        std::atexit(endForWantOfMemory) == 0 && signal(SIGSEGV, dieOf) != SIG_ERR;
+    errno = 0;
+    isInCurses = 1;
+    call();
+    isInCurses = 0;
 }
 
 /// Stops the process and takes the terminal over again when it goes on. SIGCONT then redraws the
@@ -170,7 +175,8 @@ bool isPossible() {
     bool isPlaceable = false;
     callCurses([&] {
         int failure = 0;
-        if (setupterm(nullptr, STDOUT_FILENO, &failure) == OK) {
+        const auto isSetUp = [&] { return setupterm(nullptr, STDOUT_FILENO, &failure) == OK; };
+        if (isSetUp() || isSetUp()) {  // Want of memory looks like a terminal that is not known.
             isPlaceable = !capability("cup").empty();
             del_curterm(cur_term);
         }
@@ -227,7 +233,7 @@ void takeOver() {
 void restore() {
     signal(SIGTSTP, SIG_IGN);  // The program is ending already.
     if (platform::isWritable(STDOUT_FILENO, kPatienceMilliseconds)) {
-        endwin();
+        callCurses([] { endwin(); });
         send(markingPastes(false));
     } else {
         leaveTerminalAtOnce();
@@ -236,6 +242,10 @@ void restore() {
     for (const int fault : kFaults) {
         signal(fault, SIG_DFL);
     }
+}
+
+void refreshScreen() {
+    callCurses([] { refresh(); });
 }
 
 bool endIfStuck() {

@@ -19,6 +19,9 @@ void takeOver();
 /// Restores the terminal. One that takes no output gets what it takes without waiting.
 void restore();
 
+/// Sends what differs from what stands on the terminal.
+void refreshScreen();
+
 /// For signal handlers: when the terminal takes no output, restores it as far as that goes and
 /// returns true; the process must then end at once, since it may be waiting for the terminal, or
 /// begin to.

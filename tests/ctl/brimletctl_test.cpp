@@ -441,6 +441,31 @@ TEST_F(BrimletctlTest, MemoryThatRunsOutIsAnAnswer) {
               run("ulimit -v 300000; $b focus").output);
 }
 
+#ifdef BRIMLET_FAILING_MEMORY
+
+/// Queries and the menu may go on with an answer that says so, and what doctor tells ages.
+TEST_F(BrimletctlTest, WhateverAllocationFailsTheAnswerIsRightOrThereIsNone) {
+    makeTask();
+    home.append("Library/Logs/com.openai.codex/x.log", records::log("1 activity TASK"));
+    for (const std::string call : {"latest --json", "tasks", "history --svg", "limits", "focus",
+                                   "nothing", "doctor", "watch --json", "query"}) {
+        const bool mustBeSame = call < "doctor" || (call > "doctor" && call < "query");
+        EXPECT_EQ("", run("echo key q >in; ask() { $b " + call +
+                          " <in >$1 2>err; }; ask all; right=$?\n"
+                          "for on in '' 1; do for n in $(seq 1 37 900); do\n"
+                          "  export FAILS_AT=$n FAILS_ON=$on\n"
+                          "  LD_PRELOAD=" BRIMLET_FAILING_MEMORY " ask out; s=$?\n"
+                          "  [ $s = 1 ] && grep -q brimletctl: err && continue\n"
+                          "  [ $s = $right ] && " +
+                          (mustBeSame ? "cmp -s all out" : "[ -s out ]") +
+                          " || { echo $n $on: $s; cat out err; }\ndone; done")
+                          .output)
+            << call;
+    }
+}
+
+#endif
+
 TEST_F(BrimletctlTest, TellsThatNothingIsLeftToRunWith) {
     const Outcome outcome =
         run("exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; "
