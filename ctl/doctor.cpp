@@ -224,11 +224,17 @@ private:
         tell({"logs", "Desktop logs", folder, stateOf(logs), described(logs, "log")});
     }
 
-    void lookAtFocus() {
-        inView_ = viewer_.view({});
-        if (inView_.error && inView_.error->code == ENOMEM) {
-            throw std::bad_alloc();  // Nothing true can be told.
+    /// Returns the view of a task. Where memory ran out, nothing true could be told.
+    ORVTaskView view(const ORVShownTask& task) {
+        ORVTaskView found = viewer_.view(task);
+        if (found.error && found.error->code == ENOMEM) {
+            throw std::bad_alloc();
         }
+        return found;
+    }
+
+    void lookAtFocus() {
+        inView_ = view({});
         const ORVCodexFocusState& focusState = *inView_.focusState;
         tell({"inView", "In view", std::nullopt,
               focusState.status() == ORVCodexFocusStatusTaskInView ? kFound : kEmpty,
@@ -278,7 +284,7 @@ private:
             shown_ = inView_.snapshot->threadID();
             return "brimletctl watch shows: " + textOf(inView_);
         }
-        const ORVTaskView latest = viewer_.view({ORVShownTask::Choice::latest, ""});
+        const ORVTaskView latest = view({ORVShownTask::Choice::latest, ""});
         if (latest.snapshot) {
             shown_ = latest.snapshot->threadID();
             return "brimletctl watch shows no task, since none is in view in the desktop "
