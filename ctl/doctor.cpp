@@ -74,7 +74,7 @@ public:
           confinement_(confinement) {}
 
     int run() {
-        tell({"program", "Program", platform::programPath(), kFound, "version " BRIMLET_VERSION});
+        lookAtProgram();
         lookAtCodexHome();
         lookAtSessions();
         lookAtTitles();
@@ -129,6 +129,12 @@ private:
         }
         return counted(walked.count, noun) +
                (walked.newest ? ", the newest " + ageOf(walked.newest->modifiedAt) + " old" : "");
+    }
+
+    void lookAtProgram() {
+        const std::string path = platform::programPath();
+        tell({"program", "Program", path.empty() ? std::nullopt : std::optional(path), kFound,
+              "version " BRIMLET_VERSION});
     }
 
     void lookAtCodexHome() {
