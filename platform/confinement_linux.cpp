@@ -215,10 +215,10 @@ void addRulesForAll(CallFilter& filter) {
     // With F_SETOWN and O_ASYNC a terminal would send signals to other processes.
     filter.allowOneOf(SYS_fcntl, 1, {F_GETFD, F_SETFD, F_GETFL});
     filter.allow(SYS_fcntl, {isValue(1, F_SETFL), hasNoneOf(2, O_ASYNC)});
-    // These are about a terminal's modes and size; TIOCSTI and TIOCLINUX would type in it.
+    // These are about a terminal's modes, flow and size; TIOCSTI and TIOCLINUX would type in it.
     filter.allowOneOf(SYS_ioctl, 1,
                       {TCGETS, TCSETS, TCSETSW, TCSETSF, TCGETS2, TCSETS2, TCSETSW2, TCSETSF2,
-                       TCFLSH, TIOCGWINSZ, TIOCGPGRP});
+                       TCFLSH, TCXONC, TIOCGWINSZ, TIOCGPGRP});
     // abort, raise and a stop by Control-Z need these. tkill, which musl uses, names a thread; the
     // first thread has the process's number.
     for (const int call : {SYS_kill, SYS_tgkill, SYS_tkill}) {

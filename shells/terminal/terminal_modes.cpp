@@ -59,6 +59,12 @@ void leaveTerminalAtOnce() {
     fcntl(STDOUT_FILENO, F_SETFL, flags);
 }
 
+/// Lets output go on that Ctrl-S has stopped. A Mac takes output all the same, but then waits for
+/// it whenever curses changes the modes. Can be called in a signal handler.
+void resumeOutput() {
+    tcflow(STDOUT_FILENO, TCOON);
+}
+
 /// An exit handler, which does nothing at an exit of our own: curses calls exit when it gets no
 /// memory. Objects are not destroyed, because the reading thread may use them.
 void endForWantOfMemory() {
@@ -232,6 +238,7 @@ void takeOver() {
 
 void restore() {
     signal(SIGTSTP, SIG_IGN);  // The program is ending already.
+    resumeOutput();
     if (platform::isWritable(STDOUT_FILENO, kPatienceMilliseconds)) {
         callCurses([] { endwin(); });
         send(markingPastes(false));
@@ -249,6 +256,7 @@ void refreshScreen() {
 }
 
 bool endIfStuck() {
+    resumeOutput();
     // poll may be called in a signal handler; curses takes up an interrupted write again.
     pollfd output{STDOUT_FILENO, POLLOUT, 0};
     if (poll(&output, 1, kPatienceMilliseconds) != 0) {

@@ -373,13 +373,22 @@ TEST_F(TerminalTest, LeavesTheTerminalAsFoundWhileItIsStopped) {
     expectRestored();
 }
 
-TEST_F(TerminalTest, EndsWhileTheTerminalTakesNothing) {
+TEST_F(TerminalTest, EndsWhileOutputIsStoppedOrNobodyTakesIt) {
+    for (const bool isSignalled : {true, false}) {
+        PseudoTerminal& t = start("exec $b watch", "TERM=xterm-256color");
+        ASSERT_TRUE(t.waitForBytes("47%"));
+        t.waitUntilQuiet();
+        t.stopOutput();
+        t.press(isSignalled ? "j" : "q");
+        isSignalled ? kill(t.process, SIGTERM) : 0;
+        EXPECT_EQ(0, t.waitForEnd());
+        expectRestored();
+    }
     PseudoTerminal& t = start("exec $b watch", "TERM=xterm-256color");
     ASSERT_TRUE(t.waitForBytes("47%"));
-    t.stopOutput();
-    t.press("j");
+    t.fill();
     kill(t.process, SIGTERM);
-    EXPECT_EQ(0, t.waitForEnd());
+    EXPECT_EQ(t.process, waitpid(t.process, nullptr, 0));
     EXPECT_TRUE(t.hasModesAsFound());
 }
 

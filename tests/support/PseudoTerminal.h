@@ -59,6 +59,14 @@ public:
     /// Lets writes to the terminal wait, as a user does with Ctrl-S.
     void stopOutput() const { tcflow(slave_, TCOOFF); }
 
+    /// Writes until the terminal takes nothing any more.
+    void fill() const {
+        const int end = open(ptsname(master_), O_WRONLY | O_NOCTTY | O_NONBLOCK);
+        while (write(end, "x", 1) > 0) {
+        }
+        close(end);
+    }
+
     void resize(int columns, int rows) {
         columns_ = columns;
         rows_ = rows;
@@ -89,6 +97,12 @@ public:
 
     bool waitForBytes(std::string_view bytes) {
         return waitUntil([&] { return output.find(bytes) != std::string::npos; });
+    }
+
+    /// Takes all output until none comes for a while.
+    void waitUntilQuiet() {
+        while (takeOutput(500)) {
+        }
     }
 
     /// Takes all output until the process ends, and returns its status as waitpid() does.
