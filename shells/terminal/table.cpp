@@ -45,17 +45,19 @@ std::string titleOf(const ORVTaskView& task) {
     return (task.isHelper ? "  " : "") + name + (name.empty() ? "" : "  ") + task.snapshot->title();
 }
 
-Cells cellsOf(const ORVTaskView& task, const TableLook& look, const Screen& screen) {
+/// The gauge and the title, on which no width depends, take most of the time, and are left out
+/// where the task has no row.
+Cells cellsOf(const ORVTaskView& task, bool hasRow, const TableLook& look, const Screen& screen) {
     const auto shown = [&](std::string_view text) { return terminal::shown(text, screen); };
     const std::string unread = task.isRead ? "--" : "…";
     return {shown(task.shortID),
             shown(task.snapshot ? app::statusTitle(*task.snapshot).text() : unread),
-            shown(app::bar(task.percentage().value_or(0))),
+            hasRow ? shown(app::bar(task.percentage().value_or(0))) : "",
             app::ageText(app::age(task.changedAt, look.now)),
             shown(text::lastPathComponent(task.folder.value_or(""))),
             shown(task.agent ? task.agent->model.value_or("") : ""),
             task.helpers > 0 ? std::to_string(task.helpers) : "",
-            shown(titleOf(task))};
+            hasRow ? shown(titleOf(task)) : ""};
 }
 
 Widths widthsFor(const std::vector<Cells>& rows, int columns) {
@@ -134,8 +136,9 @@ Row taskRow(const ORVTaskView& view) {
 std::vector<Row> table(const std::vector<ORVTaskView>& tasks, std::size_t first, std::size_t most,
                        const TableLook& look, const Screen& screen) {
     std::vector<Cells> cells = {headOf(look.words, screen)};
-    for (const ORVTaskView& task : tasks) {
-        cells.push_back(cellsOf(task, look, screen));
+    cells.reserve(tasks.size() + 1);
+    for (std::size_t i = 0; i < tasks.size(); ++i) {
+        cells.push_back(cellsOf(tasks[i], i >= first && i - first < most, look, screen));
     }
     const int markColumns = look.hasMarks ? 2 : 0;
     const Widths widths = widthsFor(cells, screen.columns - markColumns);
