@@ -24,8 +24,9 @@
 namespace ctl {
 namespace {
 
-/// More events than all but the longest histories have. Of more the plot shows the highest.
-constexpr std::size_t kEventsOfAPlot = 50'000;
+/// Many times as many events as a screen has columns; of more the plot shows the highest. A history
+/// is copied at every refresh in which it grows.
+constexpr std::size_t kEventsOfAPlot = 4'000;
 
 /// So many tasks are read before a list is shown with what is known.
 constexpr std::size_t kReadAtOnce = 64;
