@@ -1,6 +1,6 @@
 // Answers queries from standard input, each with a line of JSON before the next is read. The
 // sources live as long as the program, so that a later query reads only what was appended since.
-// Tests: tests/ctl/brimletctl_test.cpp, fuzz/commands.cpp.
+// Tests: tests/ctl/brimletctl_test.cpp.
 
 #include <cerrno>
 #include <new>

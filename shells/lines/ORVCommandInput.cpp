@@ -1,5 +1,5 @@
 // Reads commands from a descriptor that may send any bytes at any speed.
-// Tests: tests/shells/shells_test.cpp, fuzz/commands.cpp.
+// Tests: tests/shells/shells_test.cpp.
 
 #include "shells/lines/ORVCommandInput.h"
 
