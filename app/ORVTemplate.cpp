@@ -147,7 +147,7 @@ std::optional<ORVTemplate> ORVTemplate::parse(std::string_view text, std::string
     ORVTemplate result;
     while (!text.empty()) {
         const std::size_t brace = std::min(text.find_first_of("{}"), text.size());
-        std::string plain(text.substr(0, brace));
+        std::string plain = text::withInvalidBytesReplaced(text.substr(0, brace));
         text.remove_prefix(brace);
         if (text.starts_with("{{") || text.starts_with("}}")) {
             plain += text.front();

@@ -61,7 +61,7 @@ TEST(TemplateTest, NamesStandForValues) {
 }
 
 TEST(TemplateTest, BracesAndMistakes) {
-    EXPECT_EQ("{}{status}\t\xFF", filled("{{}}{{status}}\t\xFF", nullptr));
+    EXPECT_EQ("{}{status}\t\uFFFD", filled("{{}}{{status}}\t\xFF", nullptr));
     EXPECT_EQ("", filled("", nullptr));
     const std::pair<const char*, const char*> kMistakes[] = {
         {"{", "{ without }"},
