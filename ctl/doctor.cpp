@@ -217,10 +217,14 @@ private:
                        text::hasExtension(name, "zip");
             });
         const Walked archived = walk(archive, [](std::string_view) { return true; });
+        const bool isHidden = archived.failure && archived.failure->code != ENOENT;
         tell({"notRead", "Not read", archive,
-              compressed.count + archived.count > 0 ? kFound : kEmpty,
+              compressed.count + archived.count > 0 ? kFound
+              : isHidden                            ? stateFor(archived.failure)
+                                                    : kEmpty,
               counted(compressed.count, "compressed session file") + ", " +
-                  std::to_string(archived.count) + " archived"});
+                  std::to_string(archived.count) + " archived" +
+                  (isHidden ? "; " + trouble(archived.failure) : "")});
     }
 
     void lookAtLogs() {

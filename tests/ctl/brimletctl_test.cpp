@@ -115,6 +115,10 @@ Application    /Applications/Codex.app/Contents/Info.plist: no version was found
 Rate limits    5h 0%, told 1d ago
 )",
         run("$b doctor | head -9 | tail -8" + inNoTime).output);
+    EXPECT_EQ("3 compressed session files, 0 archived; cannot be read: Not a directory\n",
+              run("cd $HOME/.codex && rm -r archived_sessions && touch archived_sessions && "
+                  "$b doctor | sed -n 's/^Not read.*sessions: //p'")
+                  .output);
     const std::string checks =
         run("$b doctor --json | tr , '\\n' | grep -v text" + inNoTime).output;
     EXPECT_NE(std::string::npos, checks.find("{\"name\":\"titles\"\n"
