@@ -53,7 +53,7 @@ int showTask(Invocation& invocation) {
     if (!view.snapshot) {
         explainAbsence(invocation, view);
     }
-    tellOfUnreadable(invocation);
+    tellOfUnreadable(invocation, view.absence == ORVAbsence::unreadable);
     const int status = view.snapshot ? kAnswered : kNothingToShow;
     if (isJSON) {
         return finish(json::taskAnswer(view) + '\n', status);
@@ -67,7 +67,7 @@ int showLimits(Invocation& invocation) {
     if (!limits) {
         complain("no session file tells of rate limits; try: brimletctl doctor");
     }
-    tellOfUnreadable(invocation);
+    tellOfUnreadable(invocation, false);
     const int status = limits ? kAnswered : kNothingToShow;
     if (isJSON) {
         return finish(json::limitsAnswer(limits ? limits->rateLimits : std::vector<ORVRateLimit>(),

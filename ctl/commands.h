@@ -75,8 +75,12 @@ std::optional<std::string> realFolder(ORVFiles& files, const std::string& folder
 /// Complains that there is no task to show, why, and what to do.
 void explainAbsence(Invocation& invocation, const ORVTaskView& view);
 
-/// Complains of folders and files that may have changed an answer but could not be read.
-void tellOfUnreadable(Invocation& invocation);
+/// Complains of folders and files that may have changed an answer but could not be read; of every
+/// one there is where a task itself could not be read.
+void tellOfUnreadable(Invocation& invocation, bool isTaskUnreadable);
+
+/// Opens every session file, since a file that cannot be read may be an old one of its task.
+std::vector<ORVUnreadable> unreadableSessions(Invocation& invocation);
 
 /// Returns how many of them there are, at least one, and which is the first, and why.
 std::string unreadableText(const std::vector<ORVUnreadable>& unreadable);

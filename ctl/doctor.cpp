@@ -150,25 +150,12 @@ private:
         sessions_ =
             walk(folder, [](std::string_view name) { return text::hasExtension(name, "jsonl"); });
         std::string text = described(sessions_, "session file");
-        viewer_.tasks().refresh(nullptr);
+        const auto unreadable = unreadableSessions(invocation_);
         text += largestTasks();
-        const auto unreadable = unreadableSessions();
         if (sessions_.isFolder && !unreadable.empty()) {
             text += "; " + unreadableText(unreadable);
         }
         tell({"sessions", "Sessions", folder, stateOf(sessions_), text});
-    }
-
-    /// Opens every session file, since a file that cannot be read may be an old one of its task.
-    std::vector<ORVUnreadable> unreadableSessions() {
-        std::vector<ORVUnreadable> unreadable = viewer_.tasks().tree().unreadable();
-        viewer_.tasks().tree().forEachFile([&](const ORVWalkedFile& file) {
-            ORVErrorSlot failure;
-            if (!files_.openForReading(file.path, &failure) && failure) {
-                unreadable.push_back({file.path, *failure, false});
-            }
-        });
-        return unreadable;
     }
 
     /// Returns how much room the session files take, and the tasks that take most of it.
@@ -311,8 +298,8 @@ private:
     std::string reasonForNoTask(const ORVErrorSlot& failure) {
         const std::string orAnotherHome = "or name the agent's home with --codex-home.";
         if (sessions_.newest) {
-            return "the newest session file " + sessions_.newest->path + ' ' + trouble(failure) +
-                   "; make it readable, " + orAnotherHome;
+            return "the newest task " + trouble(failure) + "; make its session files readable, " +
+                   orAnotherHome;
         }
         if (sessions_.failure && sessions_.failure->code != ENOENT) {
             return "the session files " + trouble(sessions_.failure) + "; make them readable, " +

@@ -55,7 +55,7 @@ int showHistory(Invocation& invocation) {
     if (task && !view.snapshot) {
         explainAbsence(invocation, view);
     }
-    tellOfUnreadable(invocation);
+    tellOfUnreadable(invocation, view.absence == ORVAbsence::unreadable);
     if (!view.snapshot) {
         return isJSON ? finish(json::historyAnswer(view, {}, {}) + '\n', kNothingToShow)
                       : kNothingToShow;

@@ -88,12 +88,28 @@ void explainAbsence(Invocation& invocation, const ORVTaskView& view) {
     }
 }
 
-void tellOfUnreadable(Invocation& invocation) {
-    const auto unreadable = invocation.viewer.unreadable();
-    if (unreadable.empty() || invocation.arguments.format == Format::ownTemplate) {
+void tellOfUnreadable(Invocation& invocation, bool isTaskUnreadable) {
+    if (invocation.arguments.format == Format::ownTemplate) {
         return;
     }
-    complain(unreadableText(unreadable) + "; brimletctl doctor tells more");
+    const auto unreadable =
+        isTaskUnreadable ? unreadableSessions(invocation) : invocation.viewer.unreadable();
+    if (!unreadable.empty()) {
+        complain(unreadableText(unreadable) + "; brimletctl doctor tells more");
+    }
+}
+
+std::vector<ORVUnreadable> unreadableSessions(Invocation& invocation) {
+    ORVTaskList& tasks = invocation.viewer.tasks();
+    tasks.refresh(nullptr);
+    std::vector<ORVUnreadable> unreadable = tasks.tree().unreadable();
+    tasks.tree().forEachFile([&](const ORVWalkedFile& file) {
+        ORVErrorSlot failure;
+        if (!invocation.files->openForReading(file.path, &failure) && failure) {
+            unreadable.push_back({file.path, *failure, false});
+        }
+    });
+    return unreadable;
 }
 
 std::string unreadableText(const std::vector<ORVUnreadable>& unreadable) {

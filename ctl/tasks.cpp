@@ -167,11 +167,12 @@ int showTasks(Invocation& invocation) {
         complain(reasonForNoSessions(invocation) + "; try: brimletctl doctor");
         status = kNothingToShow;
     }
-    if (nameTasksLeftOut(invocation, request, list)) {
+    const bool leavesOut = nameTasksLeftOut(invocation, request, list);
+    if (leavesOut) {
         status = kNothingToShow;
     }
     std::erase_if(list.tasks, [](const ORVTaskView& view) { return !view.snapshot; });
-    tellOfUnreadable(invocation);
+    tellOfUnreadable(invocation, leavesOut);
     return finish(textOf(invocation, list), status);
 }
 

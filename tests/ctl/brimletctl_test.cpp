@@ -305,6 +305,12 @@ TEST_F(BrimletctlTest, ATaskThatMayNotBeReadIsNamed) {
     EXPECT_EQ("1\n", run(as + "doctor | grep -c 'file cannot be read: .*/" + secret + "'").output);
     home.setDate(secret, 1'000'000);
     EXPECT_EQ(0, run(as + "tasks --limit 1 --json").status) << "it would not be in the list";
+    const std::string old = ".codex/sessions/2026/x-" + std::string(kTask) + ".jsonl";
+    home.append(old, "\n");
+    home.setDate(old, 1'000'000);
+    const std::string grep = " 2>&1 | grep -c '2 folders or f\\|newest task cannot be read: P'";
+    EXPECT_EQ("1\n", run("chmod 0 " + old + " && " + as + "latest" + grep).output);
+    EXPECT_EQ("2\n", run(as + "doctor" + grep).output);
 }
 
 TEST_F(BrimletctlTest, DrawsHistories) {
