@@ -36,7 +36,9 @@ struct ORVListRequest {
     std::optional<std::string> folder = {};          ///< A real path: heads in, above or below it.
     bool showsHelpers = false;                       ///< Each head is followed by its helpers.
     bool countsHelpers = false;  ///< Reads the first lines of all session files.
-    std::size_t readAtOnce = 0;  ///< The most tasks that one call reads; 0 for no limit.
+    /// The most tasks that one call reads; 0 for no limit. With a limit, the first list has no more
+    /// tasks than these, and no helpers.
+    std::size_t readAtOnce = 0;
     bool operator==(const ORVListRequest&) const = default;
 };
 

@@ -126,7 +126,8 @@ private:
     /// The identifier that a part was found to mean.
     std::unordered_map<std::string, std::string> meanings_;
 
-    KeptViews kept_;  ///< The tasks of the last list that was kept.
+    bool hasListed_ = false;  ///< Whether the beginning of a list was shown.
+    KeptViews kept_;          ///< The tasks of the last list that was kept.
 
     /// The last whole list that was kept, and what it rests on.
     struct KeptList {

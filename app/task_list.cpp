@@ -23,6 +23,15 @@ ORVFileDate before(ORVClock::TimePoint now, std::chrono::seconds age) {
     return {seconds.count(), 0};
 }
 
+/// Returns what fills a screen without the first lines of all files.
+ORVListRequest beginningOf(ORVListRequest request) {
+    const bool isShort = request.limit > 0 && request.limit < request.readAtOnce;
+    request.limit = isShort ? request.limit : request.readAtOnce;
+    request.showsHelpers = false;
+    request.countsHelpers = false;
+    return request;
+}
+
 }  // namespace
 
 std::optional<ORVFileDate> ORVTaskViewer::sinceOf(const ORVListRequest& request) const {
@@ -67,14 +76,16 @@ std::shared_ptr<const ORVTaskListView> ORVTaskViewer::list(const ORVListRequest&
     if (isKept(request, since) && keptList_.list->hasSessionsFolder == view.hasSessionsFolder) {
         return keptList_.list;
     }
-    const std::vector<ORVListedTask> tasks = listed(request, since);
+    const bool isBeginning = request.readAtOnce > 0 && !std::exchange(hasListed_, true);
+    const std::vector<ORVListedTask> tasks =
+        listed(isBeginning ? beginningOf(request) : request, since);
     KeptViews known = std::exchange(kept_, {});
     std::vector<std::size_t> unread = placeTasks(view.tasks, tasks, known);
     const std::size_t most = request.readAtOnce > 0 ? request.readAtOnce : unread.size();
-    view.isComplete = unread.size() <= most;
+    view.isComplete = unread.size() <= most && !isBeginning;
     unread.resize(std::min(unread.size(), most));
     readTasks(view.tasks, tasks, unread, Memory::kept);
-    const bool isWhole = keep(view, tasks);
+    const bool isWhole = keep(view, tasks) && !isBeginning;
     keptList_ = {isWhole ? result : nullptr, request, since, tasks_.revision()};
     return result;
 }
