@@ -241,6 +241,9 @@ ThreadQueue::~ThreadQueue() {
 }
 
 void ThreadQueue::dispatch(std::function<void()> closure) {
+    if (!hasThread_) {
+        return;  // What waits for ever would keep the queue from being idle.
+    }
     const std::lock_guard<std::mutex> lock(state_->mutex);
     state_->closures.push_back(std::move(closure));
     state_->changed.notify_all();
