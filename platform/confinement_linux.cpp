@@ -83,6 +83,10 @@ bool limitFiles(const ORVFileRights& rights) {
     }
     const FileDescriptor ruleset(
         static_cast<int>(syscall(kLandlockCreateRuleset, &attributes, sizeof attributes, 0)));
+    // Without a descriptor to spare no place can be opened for a rule, and all would be refused.
+    if (FileDescriptor(open("/", O_PATH | O_CLOEXEC)).number() < 0) {
+        return false;
+    }
     for (const std::string& folder : rights.foldersToWriteIn) {
         addRule(ruleset, folder, kToStore);
     }
