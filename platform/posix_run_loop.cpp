@@ -5,6 +5,7 @@
 #include "platform/posix_run_loop.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -225,11 +226,21 @@ struct ThreadQueue::State {
 };
 
 ThreadQueue::ThreadQueue(ORVPosixRunLoop& loop) : state_(std::make_shared<State>(loop)) {
+    // Handlers share variables with the thread of the loop alone, and use rights that a reading
+    // thread gives up. The thread inherits what is blocked; its faults still end the program.
+    sigset_t handled;
+    sigset_t before;
+    sigemptyset(&handled);
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH}) {
+        sigaddset(&handled, signalNumber);
+    }
+    pthread_sigmask(SIG_BLOCK, &handled, &before);
     try {
         std::thread([state = state_] { state->run(); }).detach();
     } catch (const std::system_error&) {
         hasThread_ = false;
     }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 ThreadQueue::~ThreadQueue() {

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <future>
@@ -79,6 +80,16 @@ TEST(RunLoopTest, MemoryThatRunsOutEndsTheLoop) {
         EXPECT_EQ(ENOMEM, loop.failure());
         EXPECT_TRUE(queue.waitUntilIdle(std::chrono::seconds(30))) << "the thread goes on";
     }
+}
+
+TEST(RunLoopTest, AQueuesThreadIsNotAskedToEnd) {
+    ORVPosixRunLoop loop;
+    platform::ThreadQueue queue(loop);
+    queue.dispatch([&] {
+        raise(SIGTERM);
+        loop.post([&] { loop.stop(7); });
+    });
+    EXPECT_EQ(7, loop.run());
 }
 
 /// A pipe whose ends close themselves.
