@@ -18,6 +18,10 @@ std::string printed(const char* format, double value) {
     return text.data();
 }
 
+std::int64_t secondsOf(ORVClock::TimePoint time) {
+    return std::chrono::floor<std::chrono::seconds>(time.time_since_epoch()).count();
+}
+
 }  // namespace
 
 Fullness fullnessOf(std::optional<double> percentage) {
@@ -65,11 +69,9 @@ std::string tokenCount(std::int64_t count) {
 }
 
 std::chrono::seconds age(ORVFileDate date, ORVClock::TimePoint now) {
-    const std::int64_t nowSeconds =
-        std::chrono::floor<std::chrono::seconds>(now.time_since_epoch()).count();
     constexpr std::int64_t kLongAgo = std::int64_t{1} << 60U;
     return std::chrono::seconds(
-        std::max<std::int64_t>(0, nowSeconds - std::max(date.seconds, -kLongAgo)));
+        std::max<std::int64_t>(0, secondsOf(now) - std::max(date.seconds, -kLongAgo)));
 }
 
 std::string ageText(std::chrono::seconds age) {
@@ -86,14 +88,6 @@ std::string ageText(std::chrono::seconds age) {
     return seconds < kDay ? std::to_string(seconds / kHour) + "h"
                           : std::to_string(seconds / kDay) + "d";
 }
-
-namespace {
-
-std::int64_t secondsOf(ORVClock::TimePoint time) {
-    return std::chrono::floor<std::chrono::seconds>(time.time_since_epoch()).count();
-}
-
-}  // namespace
 
 std::string windowText(const ORVRateLimit& limit) {
     constexpr std::int64_t kHour = 60;

@@ -53,6 +53,8 @@ std::chrono::seconds age(ORVFileDate date, ORVClock::TimePoint now);
 /// Returns a time in its largest unit, rounded down: "12s", "3m", "2h", "5d".
 std::string ageText(std::chrono::seconds age);
 
+// The account's rate limits
+
 /// Returns the length of a limit's window in whole days or hours, else in minutes: "7d", "5h",
 /// "299m"; "--" where it is not known.
 std::string windowText(const ORVRateLimit& limit);

@@ -13,8 +13,8 @@ namespace text {
 /// Writes a string; bytes that are not UTF-8 become U+FFFD.
 std::string quotedJSON(std::string_view bytes);
 
-/// Writes a finite number without an exponent, with the fewest digits that read back
-/// as the same double.
+/// Writes a finite number without an exponent, with the fewest digits that read back as the same
+/// double.
 std::string numberJSON(double value);
 
 /// Writes a string, or null.

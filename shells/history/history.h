@@ -10,7 +10,7 @@
 #include "l10n/words.h"
 #include "sessions/ORVHistoryEvent.h"
 
-/// Draws a task's history as rows of text.
+/// Draws a task's history: as a plot and a ledger of text, and as a picture.
 namespace history {
 
 /// The room that a plot has, and the characters and words that may stand in it: English ones where
