@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/ORVTaskRequest.h"
+#include "app/ORVTaskView.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/locale.h"

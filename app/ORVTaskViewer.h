@@ -9,7 +9,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "app/ORVTaskRequest.h"
 #include "app/ORVTaskView.h"
 #include "focus/ORVCodexFocusLogSource.h"
 #include "sessions/ORVCodexSessionSource.h"

@@ -5,7 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "app/ORVTaskRequest.h"
 #include "app/ORVTaskView.h"
 #include "platform/clock.h"
 #include "platform/locale.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "sessions/ORVHistoryEvent.h"
+#include "sessions/ORVSessionSnapshot.h"
 
 /// What a task's compactions did to its context window.
 namespace app {

@@ -3,7 +3,7 @@
 // Tests: tests/app/app_delegate_test.cpp.
 
 #include "app/ORVAppDelegate.h"
-#include "l10n/words.h"
+#include "l10n/languages.h"
 #include "platform/locale.h"
 
 namespace {

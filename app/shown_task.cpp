@@ -8,7 +8,7 @@
 
 #include "app/ORVTaskViewer.h"
 #include "app/figures.h"
-#include "sessions/errors.h"
+#include "sessions/ORVSessionSearch.h"
 #include "text/bytes.h"
 
 namespace {

@@ -10,8 +10,6 @@
 #include <numeric>
 #include <vector>
 
-#include "ctl/command_table.h"
-
 namespace ctl {
 namespace {
 

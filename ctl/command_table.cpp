@@ -1,9 +1,9 @@
 // The tables of commands and options. Tests: tests/ctl/arguments_test.cpp,
 // tests/packaging/manual_test.sh.
 
-#include "ctl/command_table.h"
-
 #include <algorithm>
+
+#include "ctl/arguments.h"
 
 namespace ctl {
 namespace {

@@ -14,7 +14,7 @@
 #include "platform/user_defaults.h"
 #include "shells/lines/answers.h"
 #include "text/bytes.h"
-#include "text/json_writing.h"
+#include "text/json.h"
 #include "text/unicode.h"
 
 namespace ctl {

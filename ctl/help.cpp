@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "ctl/command_table.h"
+#include "ctl/arguments.h"
 
 namespace ctl {
 namespace {

@@ -11,7 +11,7 @@
 #include "ctl/output.h"
 #include "shells/history/history.h"
 #include "shells/lines/answers.h"
-#include "shells/terminal/drawing.h"
+#include "shells/terminal/screen.h"
 #include "shells/terminal/table.h"
 
 namespace ctl {

@@ -11,13 +11,11 @@
 
 #include "app/version.h"
 #include "ctl/arguments.h"
-#include "ctl/command_table.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "ctl/revision.h"
 #include "l10n/ORVLocalizer.h"
 #include "platform/confinement.h"
-#include "platform/home_folder.h"
 #include "platform/program.h"
 #include "platform/user_defaults.h"
 

@@ -9,7 +9,7 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "shells/lines/answers.h"
-#include "text/json_writing.h"
+#include "text/json.h"
 
 namespace ctl {
 namespace {

@@ -9,8 +9,8 @@
 #include "app/figures.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "platform/home_folder.h"
 #include "platform/locale.h"
+#include "platform/program.h"
 
 namespace ctl {
 namespace {

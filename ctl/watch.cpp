@@ -13,10 +13,8 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "shells/ORVPosixApplication.h"
-#include "shells/lines/ORVCommandInput.h"
 #include "shells/lines/ORVLineSurface.h"
 #include "shells/lines/answers.h"
-#include "shells/lines/status_item_json.h"
 #include "shells/terminal/ORVMenuPage.h"
 #include "shells/terminal/ORVTopPage.h"
 #include "text/unicode.h"
@@ -78,7 +76,7 @@ bool hasPersonAtLines() {
 
 bool isOnTerminal(const Arguments& arguments) {
     return arguments.format == Format::text && isatty(STDOUT_FILENO) && isatty(STDIN_FILENO) &&
-           ORVTerminal::isPossible();
+           terminal::isPossible();
 }
 
 int runAsLines(ORVPosixApplication& application, std::function<std::string()> line) {
@@ -138,7 +136,7 @@ int runOnTerminal(const Arguments& arguments, Settings settings) {
         ORVPosixApplication::redrawOn(signalNumber);
     }
     terminal.emplace(isColoured(arguments.colours, STDOUT_FILENO));
-    ORVPosixApplication::endAtOnceIf(ORVTerminal::endIfStuck);
+    ORVPosixApplication::endAtOnceIf(terminal::endIfStuck);
     if (!terminal->screen().showsUnicode) {
         application.delegate().showOnlyEnglish();
     }

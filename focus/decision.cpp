@@ -3,9 +3,7 @@
 // tests/focus/focus_test.cpp.
 
 #include "focus/ORVCodexFocusLogSource.h"
-#include "focus/markers.h"
-#include "platform/home_folder.h"
-#include "platform/property_list.h"
+#include "platform/program.h"
 
 namespace {
 

@@ -5,7 +5,6 @@
 // Tests: tests/focus/focus_test.cpp.
 
 #include "focus/ORVCodexFocusLogSource.h"
-#include "focus/markers.h"
 #include "text/bytes.h"
 #include "text/unicode.h"
 

@@ -1,9 +1,8 @@
 // Takes any bytes for a property list, XML or binary. An answer must be text, and the same every
 // time.
 
-#include "platform/property_list.h"
-
 #include "fuzz/fuzz.h"
+#include "platform/program.h"
 #include "text/unicode.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -7,7 +7,7 @@
 #include "fuzz/fuzz.h"
 #include "sessions/ORVSessionReader.h"
 #include "tests/support/MemoryFiles.h"
-#include "text/json_writing.h"
+#include "text/json.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ std::string meaning(const std::string& line, int times) {
     static const ManualClock clock;
     static const ORVSessionReader reader(disk, clock, {});
     static ORVJSONReader json;
-    const std::string padded = line + std::string(ORVByteBuffer::kReadableBytesBeyond, '"');
+    const std::string padded = line + std::string(text::kReadableBytesBeyond, '"');
     ORVSessionParseState state;
     for (int i = 0; i < times; ++i) {
         reader.consumeLine(std::string_view(padded).substr(0, line.size()), state, json);

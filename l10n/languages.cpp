@@ -9,6 +9,61 @@
 #include "text/bytes.h"
 
 namespace l10n {
+
+constexpr ORVWords kEnglishWords = {
+    .move = "Move",
+    .choose = "Choose",
+    .open = "Open",
+    .back = "Back",
+    .page = "Page",
+    .ends = "First, last",
+    .helpers = "Helpers",
+    .keys = "Keys",
+    .quit = "Quit",
+    .id = "ID",
+    .status = "STATUS",
+    .age = "AGE",
+    .folder = "FOLDER",
+    .title = "TITLE",
+    .model = "MODEL",
+    .helperCount = "HELPERS",
+    .answer = "answer",
+    .answers = "answers",
+    .compaction = "compaction",
+    .compactions = "compactions",
+    .resetsAt = "resets at %@",
+    .asOf = "as of %@ ago",
+    .tryCall = "Try: %@",
+    .noSessionFiles = "There is no session file. Run the agent once.",
+};
+
+constexpr ORVWords kSimplifiedChineseWords = {
+    .move = "移动",
+    .choose = "选择",
+    .open = "打开",
+    .back = "返回",
+    .page = "翻页",
+    .ends = "首、尾",
+    .helpers = "子任务",
+    .keys = "按键",
+    .quit = "退出",
+    .id = "标识",
+    .status = "状态",
+    .age = "时间",
+    .folder = "文件夹",
+    .title = "标题",
+    .model = "模型",
+    .helperCount = "子任务",
+    .answer = "次回答",
+    .answers = "次回答",
+    .compaction = "次压缩",
+    .compactions = "次压缩",
+    .resetsAt = "%@ 重置",
+    .asOf = "%@ 前的数据",
+    .tryCall = "可运行：%@",
+    .noSessionFiles = "没有会话文件，请先运行一次 Codex。",
+};
+
 namespace {
 
 /// A bare "zh", Taiwan and Hong Kong are not among them: their readers get English.
@@ -48,6 +103,33 @@ const ORVLanguage& languageForTag(std::string_view tag) {
                                [&](auto prefix) { return lowerCased.starts_with(prefix); });
         });
     return found == std::end(kLanguages) ? kLanguages[0] : *found;
+}
+
+/// Placeholders are filled by hand: printf with a format from a table would turn a mistake in a
+/// text into a crash.
+std::string filled(std::string_view text, std::initializer_list<std::string> values) {
+    constexpr std::string_view kPlaceholders[] = {"%@", "%ld", "%.0f"};
+    std::string result;
+    const std::string* value = values.begin();
+    while (!text.empty()) {
+        std::size_t used = 1;
+        if (text.starts_with("%%")) {
+            used = 2;
+            result += '%';
+        } else {
+            std::string_view piece = text.substr(0, 1);
+            for (const std::string_view placeholder : kPlaceholders) {
+                if (text.starts_with(placeholder) && value != values.end()) {
+                    used = placeholder.size();
+                    piece = *value++;
+                    break;
+                }
+            }
+            result += piece;
+        }
+        text.remove_prefix(used);
+    }
+    return result;
 }
 
 }  // namespace l10n

@@ -1,13 +1,33 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <span>
 #include <string>
 #include <string_view>
 
-#include "l10n/words.h"
 #include "platform/locale.h"
+
+/// The words that a terminal needs beside the texts of the menu: about keys, the heads of tables,
+/// and what to do where nothing is shown. A language without words gets the English ones.
+struct ORVWords {
+    // Keys.
+    std::string_view move, choose, open, back, page, ends, helpers, keys, quit;
+
+    // Heads of the columns of a table of tasks.
+    std::string_view id, status, age, folder, title, model, helperCount;
+
+    // What a history counts, for one and for several of them.
+    std::string_view answer, answers, compaction, compactions;
+
+    // Rate limits. "%@" stands for a time of day, then for an age.
+    std::string_view resetsAt, asOf;
+
+    /// What to do where no task is shown; "%@" stands for a call of brimletctl.
+    std::string_view tryCall;
+    std::string_view noSessionFiles;
+};
 
 /// Texts by key. Every language has the same 59 keys. Some are for a dialogue about access to
 /// folders, which the program does not have so far.
@@ -44,5 +64,12 @@ std::span<const ORVLanguage> languages();
 
 /// Returns the language for a tag such as "zh-Hans-CN": the first one for an unknown tag.
 const ORVLanguage& languageForTag(std::string_view tag);
+
+extern const ORVWords kEnglishWords;
+extern const ORVWords kSimplifiedChineseWords;
+
+/// Returns the text with these values in the place of its placeholders (%@, %ld, %.0f), in turn;
+/// "%%" becomes a percent sign.
+std::string filled(std::string_view text, std::initializer_list<std::string> values);
 
 }  // namespace l10n

@@ -3,6 +3,7 @@
 // tests/focus/focus_test.cpp.
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "platform/ORVFollowedFile.h"
@@ -11,15 +12,31 @@ namespace {
 
 void passOverLine(ORVFollowedFile& state) {
     state.isPassingOverLine = true;
-    state.pendingData = ORVByteBuffer();
+    std::string().swap(state.pendingData);  // Assigning "" would keep the memory.
 }
 
 }  // namespace
 
+std::optional<std::string_view> ORVReadingMemory::readChunk(ORVOpenFile& file, std::uint64_t offset,
+                                                            std::uint64_t limit,
+                                                            ORVErrorSlot* error) {
+    if (!chunk_) {
+        chunk_.reset(new Chunk);  // Without touching it, as std::make_unique would.
+    }
+    const auto capacity = static_cast<std::size_t>(std::min<std::uint64_t>(limit, kChunkBytes));
+    const auto count = file.readAt(offset, chunk_->bytes, capacity, error);
+    if (!count) {
+        return std::nullopt;
+    }
+    // Vector code reads beyond the end; the bytes there must be defined.
+    std::memset(chunk_->bytes + *count, 0, text::kReadableBytesBeyond);
+    return std::string_view(chunk_->bytes, *count);
+}
+
 void ORVReadingMemory::release() {
-    chunks.releaseMemory();
+    chunk_.reset();
     json.releaseMemory();
-    spareLine = ORVByteBuffer();
+    std::string().swap(spareLine);
 }
 
 bool ORVFileFollower::isAnotherFile(const ORVFollowedFile& state,
@@ -54,7 +71,7 @@ ORVFileFollower::Result ORVFileFollower::readFile(ORVFollowedFile& state, const 
     }
     Result result = Result::upToDate;
     while (state.offset < fileSize) {
-        const auto chunk = memory.chunks.read(*file, state.offset, fileSize - state.offset, error);
+        const auto chunk = memory.readChunk(*file, state.offset, fileSize - state.offset, error);
         if (!chunk || chunk->empty()) {
             result = chunk ? Result::endedEarly : Result::failed;
             break;
@@ -71,7 +88,7 @@ ORVFileFollower::Result ORVFileFollower::readFile(ORVFollowedFile& state, const 
     if (state.pendingData.empty()) {
         std::swap(state.pendingData, memory.spareLine);
     }
-    state.pendingData.shrink();
+    state.pendingData.shrink_to_fit();
     return result;
 }
 

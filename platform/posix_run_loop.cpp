@@ -1,20 +1,15 @@
-// A loop that sleeps in one system call, and a queue with one thread. Posted closures and signals
-// wake the loop through a pipe. A thread that hangs may outlive its queue, so both share the state.
-// Tests: tests/shells/shells_test.cpp.
+// A loop that sleeps in one system call. Posted closures and signals wake it through a pipe. Tests:
+// tests/shells/shells_test.cpp.
 
 #include "platform/posix_run_loop.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <condition_variable>
 #include <cstdlib>
 #include <new>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 ORVPosixRunLoop::ORVPosixRunLoop() {
@@ -184,86 +179,3 @@ void ORVPosixRunLoop::waitForEvents() {
         }
     }
 }
-
-namespace platform {
-
-struct ThreadQueue::State {
-    explicit State(ORVPosixRunLoop& owner) : loop(owner) {}
-
-    ORVPosixRunLoop& loop;
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::vector<std::function<void()>> closures;
-    bool isRunning = false;
-    bool isClosed = false;
-
-    void run() {
-        std::unique_lock<std::mutex> lock(mutex);
-        while (true) {
-            changed.wait(lock, [this] { return isClosed || !closures.empty(); });
-            if (isClosed) {
-                return;
-            }
-            std::function<void()> closure = std::move(closures.front());
-            closures.erase(closures.begin());
-            isRunning = true;
-            lock.unlock();
-            bool isOutOfMemory = false;
-            try {
-                closure();
-            } catch (const std::bad_alloc&) {
-                isOutOfMemory = true;
-            }
-            closure = nullptr;  // Destroys what it holds before the lock is taken.
-            lock.lock();
-            if (isOutOfMemory && !isClosed) {
-                loop.fail(ENOMEM);
-            }
-            isRunning = false;
-            changed.notify_all();
-        }
-    }
-};
-
-ThreadQueue::ThreadQueue(ORVPosixRunLoop& loop) : state_(std::make_shared<State>(loop)) {
-    // Handlers share variables with the thread of the loop alone, and use rights that a reading
-    // thread gives up. The thread inherits what is blocked; its faults still end the program.
-    sigset_t handled;
-    sigset_t before;
-    sigemptyset(&handled);
-    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH}) {
-        sigaddset(&handled, signalNumber);
-    }
-    pthread_sigmask(SIG_BLOCK, &handled, &before);
-    try {
-        std::thread([state = state_] { state->run(); }).detach();
-    } catch (const std::system_error&) {
-        hasThread_ = false;
-    }
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-}
-
-ThreadQueue::~ThreadQueue() {
-    std::vector<std::function<void()>> dropped;  // Destroyed after the lock is released.
-    const std::lock_guard<std::mutex> lock(state_->mutex);
-    state_->isClosed = true;
-    dropped.swap(state_->closures);
-    state_->changed.notify_all();
-}
-
-void ThreadQueue::dispatch(std::function<void()> closure) {
-    if (!hasThread_) {
-        return;  // What waits for ever would keep the queue from being idle.
-    }
-    const std::lock_guard<std::mutex> lock(state_->mutex);
-    state_->closures.push_back(std::move(closure));
-    state_->changed.notify_all();
-}
-
-bool ThreadQueue::waitUntilIdle(std::chrono::milliseconds time) {
-    std::unique_lock<std::mutex> lock(state_->mutex);
-    return state_->changed.wait_for(
-        lock, time, [this] { return !state_->isRunning && state_->closures.empty(); });
-}
-
-}  // namespace platform

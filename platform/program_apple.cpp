@@ -14,7 +14,6 @@
 
 #include "platform/files.h"
 #include "platform/program.h"
-#include "platform/property_list.h"
 
 namespace platform {
 namespace {

@@ -1,7 +1,7 @@
 // Reads property lists with Foundation. Tests: tests/platform/apple_test.mm.
 
-#import "platform/foundation_string_apple.h"
-#include "platform/property_list.h"
+#import "platform/foundation_apple.h"
+#include "platform/program.h"
 
 namespace platform {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <pugixml.hpp>
 
-#include "platform/property_list.h"
+#include "platform/program.h"
 #include "text/unicode.h"
 
 namespace platform {

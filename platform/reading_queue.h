@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +11,31 @@
 #include "platform/posix_run_loop.h"
 
 namespace platform {
+
+/// A serial queue with a thread of its own, which sleeps while there is nothing to do. Memory that
+/// runs out in a closure fails the loop.
+class ThreadQueue final : public ORVSerialQueue {
+public:
+    /// The loop must outlive the queue.
+    explicit ThreadQueue(ORVPosixRunLoop& loop);
+
+    /// False when the system could not start a thread; dispatched closures are then never run.
+    bool hasThread() const { return hasThread_; }
+
+    /// Drops the closures that have not begun. A thread that hangs in a closure is left behind, and
+    /// no longer touches the queue.
+    ~ThreadQueue() override;
+
+    void dispatch(std::function<void()> closure) override;
+
+    /// Waits at most that long until no closure runs or waits, and returns whether that is so.
+    bool waitUntilIdle(std::chrono::milliseconds time);
+
+private:
+    struct State;
+    bool hasThread_ = true;
+    std::shared_ptr<State> state_;  ///< Shared with the thread, which may outlive the queue.
+};
 
 /// A serial queue with a thread that reads what others wrote, and so may read these places only.
 ///

@@ -1,9 +1,7 @@
 // Settings in the domain of the menu-bar program, which brimletctl shares.
 // Tests: tests/platform/apple_test.mm.
 
-#import "platform/user_defaults_apple.h"
-
-#import "platform/foundation_string_apple.h"
+#import "platform/foundation_apple.h"
 
 namespace platform {
 namespace {

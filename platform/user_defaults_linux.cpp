@@ -23,11 +23,10 @@
 
 #include "platform/descriptors.h"
 #include "platform/files.h"
-#include "platform/home_folder.h"
+#include "platform/program.h"
 #include "platform/user_defaults.h"
 #include "text/bytes.h"
-#include "text/json_reading.h"
-#include "text/json_writing.h"
+#include "text/json.h"
 
 namespace platform {
 namespace {

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <mutex>
 #include <optional>
 #include <span>
@@ -10,8 +9,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "platform/files.h"
-#include "text/json_reading.h"
+#include "platform/ORVFollowedFile.h"
 
 /// What the first line of a session file says of its task. A text that is empty or longer than
 /// ORVFirstLines::kLongestTextBytes counts as absent.
@@ -33,8 +31,7 @@ public:
     static constexpr std::size_t kLongestTextBytes = 4096;
 
     /// `files` must outlive the object, and bear that several threads call it at once.
-    explicit ORVFirstLines(ORVFiles& files);
-    ~ORVFirstLines();
+    explicit ORVFirstLines(ORVFiles& files) : files_(files) {}
 
     /// What is known of a file, and the attributes that it had when it was read.
     struct Known {
@@ -75,11 +72,10 @@ public:
     void forgetAll() { known_.clear(); }
 
 private:
-    class Reader;
     static bool mustRead(const Known& known, const ORVWalkedFile& file);
 
     ORVFiles& files_;
-    std::unique_ptr<Reader> reader_;
+    ORVReadingMemory memory_;
     std::unordered_map<const ORVWalkedFile*, Known> known_;
     std::mutex taking_;
 };

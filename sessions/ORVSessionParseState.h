@@ -8,7 +8,6 @@
 
 #include "platform/ORVFollowedFile.h"
 #include "sessions/ORVAgentFacts.h"
-#include "sessions/ORVHistoryEvent.h"
 #include "sessions/ORVSessionSnapshot.h"
 
 /// An event of one file.

@@ -14,6 +14,21 @@
 #include "sessions/ORVFadingTable.h"
 #include "sessions/ORVSessionParseState.h"
 
+/// The words that select lines of a session file. A line without any of them cannot change what is
+/// wanted; it is passed over without being cut out or parsed.
+namespace sessions {
+
+inline constexpr std::string_view kCompact = "compact";
+inline constexpr std::string_view kTokenCount = "token_count";
+inline constexpr std::string_view kTurnContext = "turn_context";
+
+/// The rare bytes, "m…c" and "k…_", are those that were fastest on session files.
+inline constexpr ORVMarker kMarkers[] = {{kCompact, 2, 5}, {kTokenCount, 2, 5}};
+inline constexpr ORVMarker kMarkersWithFacts[] = {
+    {kCompact, 2, 5}, {kTokenCount, 2, 5}, {kTurnContext, 4, 10}};
+
+}  // namespace sessions
+
 /// What is wanted of every session file beside its figures.
 struct ORVSessionWants {
     /// The longest history of a file; 0 for none. When more happens in a file, neighbouring usages
@@ -80,7 +95,7 @@ public:
     // Interpretation (interpretation.cpp)
 
     /// Interprets one line, without its line feed. A line that cannot be understood leaves the
-    /// state as it is. ORVByteBuffer::kReadableBytesBeyond bytes after the line must be readable.
+    /// state as it is. text::kReadableBytesBeyond bytes after the line must be readable.
     void consumeLine(std::string_view line, ORVSessionParseState& state, ORVJSONReader& json) const;
 
     /// Interprets lines in file order, as consumeLine does with each in turn, but faster: a usage

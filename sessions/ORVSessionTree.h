@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,6 +19,16 @@ struct ORVUnreadable {
     std::string path;
     ORVError error;
     bool isFolder = false;
+};
+
+/// A task: all session files whose names hold its identifier.
+struct ORVTask {
+    /// The identifier as the newest file's name writes it. A file whose name holds none is a task
+    /// by itself, and its whole name stands here.
+    std::string threadID;
+    std::vector<ORVWalkedFile> files;  ///< Oldest first, equal dates by path; never empty.
+
+    const ORVWalkedFile& newestFile() const { return files.back(); }
 };
 
 /// All session files below a folder, and what has become of them since the last look.

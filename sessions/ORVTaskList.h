@@ -15,7 +15,6 @@
 #include "platform/files.h"
 #include "sessions/ORVFirstLines.h"
 #include "sessions/ORVSessionTree.h"
-#include "sessions/ORVTask.h"
 
 /// A task as lists show it.
 struct ORVListedTask {

@@ -6,7 +6,6 @@
 #include <cmath>
 
 #include "sessions/ORVSessionReader.h"
-#include "sessions/markers.h"
 
 namespace {
 

@@ -6,7 +6,6 @@
 #include <tuple>
 
 #include "sessions/ORVSessionSearch.h"
-#include "sessions/errors.h"
 #include "text/bytes.h"
 #include "text/unicode.h"
 

@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "platform/chunk_buffer.h"
+#include "platform/ORVFollowedFile.h"
 #include "platform/parallel.h"
 #include "sessions/ORVFirstLines.h"
-#include "text/byte_buffer.h"
-#include "text/json_reading.h"
+#include "text/bytes.h"
+#include "text/json.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ std::optional<std::string> shortText(const ORVJSONValue& value) {
                                                                 : std::nullopt;
 }
 
-/// `bytes` are a complete line, behind which ORVByteBuffer::kReadableBytesBeyond can be read.
+/// `bytes` are a complete line, behind which text::kReadableBytesBeyond can be read.
 ORVFirstLine lineOf(std::string_view bytes, ORVJSONReader& json) {
     ORVFirstLine line;
     line.isComplete = true;
@@ -82,57 +82,47 @@ ORVFirstLines::Known nothingOf(const ORVWalkedFile& file) {
     return known;
 }
 
+bool isTooLong(std::size_t length) {
+    return length > ORVFirstLines::kLongestLineBytes;
+}
+
+/// Returns the length of the first line; npos when it has not ended or is too long.
+std::size_t readLine(ORVFiles& files, const std::string& path, ORVReadingMemory& memory,
+                     std::string& bytes, ORVErrorSlot* error) {
+    const auto file = files.openForReading(path, error);
+    while (file && !isTooLong(bytes.size())) {
+        const std::uint64_t limit =
+            bytes.empty() ? kFirstReadBytes : ORVFirstLines::kLongestLineBytes;
+        const auto chunk = memory.readChunk(*file, bytes.size(), limit, error);
+        if (!chunk || chunk->empty()) {
+            break;
+        }
+        const std::size_t lineFeed = chunk->find('\n');
+        const std::size_t before = bytes.size();
+        bytes.append(*chunk);
+        if (lineFeed != std::string_view::npos) {
+            return before + lineFeed;
+        }
+    }
+    return std::string_view::npos;
+}
+
+ORVFirstLines::Known readFrom(ORVFiles& files, const ORVWalkedFile& file,
+                              ORVReadingMemory& memory) {
+    ORVFirstLines::Known known = nothingOf(file);
+    ORVErrorSlot error;
+    std::string bytes;
+    const std::size_t length = readLine(files, file.path, memory, bytes, &error);
+    known.error = error ? static_cast<int>(error->code) : 0;
+    known.line.isComplete = !error && (length <= bytes.size() || isTooLong(bytes.size()));
+    if (known.line.isComplete && !isTooLong(length)) {
+        bytes.append(text::kReadableBytesBeyond, '\0');
+        known.line = lineOf(std::string_view(bytes).substr(0, length), memory.json);
+    }
+    return known;
+}
+
 }  // namespace
-
-/// Reads first lines one after the other. Each thread has a reader of its own.
-class ORVFirstLines::Reader {
-public:
-    explicit Reader(ORVFiles& files) : files_(files) {}
-
-    Known read(const ORVWalkedFile& file) {
-        Known known = nothingOf(file);
-        ORVErrorSlot error;
-        ORVByteBuffer bytes;
-        const std::size_t length = readLine(file.path, bytes, &error);
-        known.error = error ? static_cast<int>(error->code) : 0;
-        known.line.isComplete = !error && (length <= bytes.size() || isTooLong(bytes.size()));
-        if (known.line.isComplete && !isTooLong(length)) {
-            known.line = lineOf(bytes.bytes().substr(0, length), jsonReader_);
-        }
-        return known;
-    }
-
-private:
-    static bool isTooLong(std::size_t length) { return length > kLongestLineBytes; }
-
-    /// Returns the length of the first line; npos when it has not ended or is too long.
-    std::size_t readLine(const std::string& path, ORVByteBuffer& bytes, ORVErrorSlot* error) {
-        const auto file = files_.openForReading(path, error);
-        while (file && !isTooLong(bytes.size())) {
-            const std::uint64_t limit = bytes.empty() ? kFirstReadBytes : kLongestLineBytes;
-            const auto chunk = chunkBuffer_.read(*file, bytes.size(), limit, error);
-            if (!chunk || chunk->empty()) {
-                break;
-            }
-            const std::size_t lineFeed = chunk->find('\n');
-            const std::size_t before = bytes.size();
-            bytes.append(*chunk);
-            if (lineFeed != std::string_view::npos) {
-                return before + lineFeed;
-            }
-        }
-        return std::string_view::npos;
-    }
-
-    ORVFiles& files_;
-    platform::ChunkBuffer chunkBuffer_;
-    ORVJSONReader jsonReader_;
-};
-
-ORVFirstLines::ORVFirstLines(ORVFiles& files)
-    : files_(files), reader_(std::make_unique<Reader>(files)) {}
-
-ORVFirstLines::~ORVFirstLines() = default;
 
 const ORVFirstLines::Known* ORVFirstLines::knownOf(const ORVWalkedFile& file) const {
     const auto found = known_.find(&file);
@@ -149,7 +139,7 @@ bool ORVFirstLines::mustRead(const Known& known, const ORVWalkedFile& file) {
 const ORVFirstLines::Known& ORVFirstLines::ofFile(const ORVWalkedFile& file) {
     Known& known = known_[&file];
     if (mustRead(known, file)) {
-        known = reader_->read(file);
+        known = readFrom(files_, file, memory_);
     }
     return known;
 }
@@ -157,7 +147,7 @@ const ORVFirstLines::Known& ORVFirstLines::ofFile(const ORVWalkedFile& file) {
 const ORVFirstLines::Known& ORVFirstLines::tryAgain(const ORVWalkedFile& file) {
     Known& known = known_[&file];
     if (mustRead(known, file) || known.error != 0) {
-        known = reader_->read(file);
+        known = readFrom(files_, file, memory_);
     }
     return known;
 }
@@ -174,8 +164,8 @@ void ORVFirstLines::readAhead(std::span<const ORVWalkedFile* const> files) {
     }
     std::vector<Known> results(wanted.size());
     platform::inParallel(wanted.size(), [&]() -> platform::Worker {
-        return [&, reader = std::make_shared<Reader>(files_)](std::size_t number) {
-            results[number] = reader->read(*wanted[number]);
+        return [&, memory = std::make_shared<ORVReadingMemory>()](std::size_t number) {
+            results[number] = readFrom(files_, *wanted[number], *memory);
         };
     });
     for (std::size_t i = 0; i < wanted.size(); ++i) {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "sessions/ORVSessionReader.h"
-#include "sessions/markers.h"
 #include "text/unicode.h"
 
 namespace {

@@ -8,7 +8,6 @@
 
 #include "platform/parallel.h"
 #include "sessions/ORVSessionReader.h"
-#include "sessions/markers.h"
 #include "text/bytes.h"
 
 namespace {

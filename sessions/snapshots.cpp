@@ -4,9 +4,9 @@
 
 #include <unordered_set>
 
-#include "platform/home_folder.h"
+#include "platform/program.h"
 #include "sessions/ORVCodexSessionSource.h"
-#include "sessions/errors.h"
+#include "sessions/ORVSessionSearch.h"
 #include "text/bytes.h"
 
 namespace {

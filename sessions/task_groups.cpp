@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <tuple>
 
+#include "sessions/ORVSessionSearch.h"
 #include "sessions/ORVTaskList.h"
-#include "sessions/errors.h"
 #include "text/bytes.h"
 
 namespace {

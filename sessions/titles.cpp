@@ -3,8 +3,8 @@
 #include <cerrno>
 
 #include "sessions/ORVTitleIndex.h"
-#include "text/byte_buffer.h"
-#include "text/json_reading.h"
+#include "text/bytes.h"
+#include "text/json.h"
 #include "text/unicode.h"
 
 namespace {
@@ -59,7 +59,7 @@ std::optional<std::string> ORVTitleIndex::readText() {
 
 ORVTitleIndex::Titles ORVTitleIndex::titlesIn(std::string text) {
     const std::size_t length = text.size();
-    text.append(ORVByteBuffer::kReadableBytesBeyond, ' ');  // The JSON reader needs them.
+    text.append(text::kReadableBytesBeyond, ' ');  // The JSON reader needs them.
     ORVJSONReader json;
     Titles titles;
     text::forEachLine(std::string_view(text).substr(0, length), [&](std::string_view line) {

@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -11,6 +12,10 @@
 namespace text {
 
 inline constexpr std::size_t kUUIDLength = 36;
+
+/// So many bytes behind a text must be readable where vector code reads it; their values mean
+/// nothing.
+inline constexpr std::size_t kReadableBytesBeyond = 64;
 
 /// Returns the lower-case letter of an ASCII capital, and every other byte unchanged.
 inline char lowerCasedASCII(char c) {
@@ -34,16 +39,35 @@ inline bool containsBytes(std::string_view text, std::string_view part) {
 
 /// Whether a text is a UUID in its 8-4-4-4-12 hexadecimal form, in either letter case, and nothing
 /// more.
-bool isUUID(std::string_view text);
+inline bool isUUID(std::string_view text) {
+    constexpr std::string_view kForm = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    static_assert(kForm.size() == kUUIDLength);
+    const auto hasForm = [](char c, char form) {
+        const char lower = lowerCasedASCII(c);
+        return form == '-' ? c == '-' : (c >= '0' && c <= '9') || (lower >= 'a' && lower <= 'f');
+    };
+    return std::equal(text.begin(), text.end(), kForm.begin(), kForm.end(), hasForm);
+}
 
 /// Returns what follows the last slash: the item's name.
-std::string_view lastPathComponent(std::string_view path);
+inline std::string_view lastPathComponent(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);
+}
 
 /// Returns the folder that holds an item; its path must be absolute.
-std::string folderOf(std::string_view path);
+inline std::string folderOf(std::string_view path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == 0 || slash == std::string_view::npos ? "/" : std::string(path.substr(0, slash));
+}
 
 /// Whether a file's name ends in a dot and this extension, letter case disregarded. The extension
 /// is given in lower-case ASCII.
-bool hasExtension(std::string_view name, std::string_view extension);
+inline bool hasExtension(std::string_view name, std::string_view extension) {
+    const std::size_t dot = name.rfind('.');
+    const std::string_view found = dot == name.npos ? "" : name.substr(dot + 1);
+    return dot != name.npos &&
+           std::equal(found.begin(), found.end(), extension.begin(), extension.end(),
+                      [](char a, char b) { return lowerCasedASCII(a) == b; });
+}
 
 }  // namespace text

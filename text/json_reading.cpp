@@ -6,8 +6,6 @@
 // Works alike with simdjson 3.0 and 4.x. Tests: tests/text/json_reading_test.cpp,
 // fuzz/session_lines.cpp.
 
-#include "text/json_reading.h"
-
 #include <simdjson.h>
 
 #include <algorithm>
@@ -19,7 +17,8 @@
 #include <system_error>
 #include <utility>
 
-#include "text/byte_buffer.h"
+#include "text/bytes.h"
+#include "text/json.h"
 
 namespace {
 
@@ -28,7 +27,7 @@ namespace {
 [[maybe_unused]] const bool kHasImplementation =
     !simdjson::get_active_implementation()->name().empty();
 
-static_assert(ORVByteBuffer::kReadableBytesBeyond >= simdjson::SIMDJSON_PADDING);
+static_assert(text::kReadableBytesBeyond >= simdjson::SIMDJSON_PADDING);
 
 /// The parser's buffers are made for lines of this length at the beginning: memory that is never
 /// touched costs nothing, and growing would hold the old and the new buffers together. A longer
@@ -278,7 +277,7 @@ public:
     }
 
     std::optional<ORVJSONValue> readObject(std::string_view text, const ORVJSONShape& shape) {
-        constexpr std::size_t kBeyond = ORVByteBuffer::kReadableBytesBeyond;
+        constexpr std::size_t kBeyond = text::kReadableBytesBeyond;
         ondemand::document document;
         ondemand::object object;
         ORVJSONMember root{&shape};

@@ -1,13 +1,12 @@
 // Writes JSON for scripts: without spaces, with strings in valid UTF-8.
 // Tests: tests/ctl/brimletctl_test.cpp.
 
-#include "text/json_writing.h"
-
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
+#include "text/json.h"
 #include "text/unicode.h"
 
 namespace text {

@@ -1,8 +1,20 @@
-// Starts the application when AppKit is ready. Tests: tests/appkit/appkit_test.mm.
+// Starts the application when AppKit is ready, and connects it with AppKit and Grand Central
+// Dispatch. Tests: tests/appkit/appkit_test.mm.
 
 #import "shells/appkit/ORVApplicationDelegate.h"
 
 #include "shells/appkit/program_log.h"
+
+ORVAppKitHost::ORVAppKitHost(std::unique_ptr<ORVUserDefaults> userDefaults)
+    : files_(platform::makeFiles()), userDefaults_(std::move(userDefaults)) {}
+
+std::unique_ptr<ORVSerialQueue> ORVAppKitHost::makeSerialQueue(const std::string& label) {
+    return std::make_unique<platform::DispatchQueue>(label);
+}
+
+void ORVAppKitHost::terminate() {
+    [[NSApplication sharedApplication] terminate:nil];
+}
 
 @implementation ORVApplicationDelegate
 

@@ -3,7 +3,7 @@
 
 #import "shells/appkit/ORVStatusItemController.h"
 
-#import "platform/foundation_string_apple.h"
+#import "platform/foundation_apple.h"
 #include "text/unicode.h"
 
 NS_ASSUME_NONNULL_BEGIN

@@ -6,8 +6,7 @@
 #include <string_view>
 
 #include "app/version.h"
-#include "platform/home_folder.h"
-#include "platform/run_lock.h"
+#include "platform/program.h"
 #import "shells/appkit/ORVApplicationDelegate.h"
 #include "shells/appkit/program_log.h"
 #include "shells/appkit/self_test.h"

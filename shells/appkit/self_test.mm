@@ -10,8 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
-#import "platform/foundation_string_apple.h"
-#import "platform/user_defaults_apple.h"
+#import "platform/foundation_apple.h"
 #import "shells/appkit/ORVApplicationDelegate.h"
 
 namespace appkit {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "app/compaction_ledger.h"
-#include "l10n/words.h"
-#include "sessions/ORVHistoryEvent.h"
+#include "l10n/languages.h"
+#include "sessions/ORVSessionSnapshot.h"
 
 /// Draws a task's history: as a plot and a ledger of text, and as a picture.
 namespace history {

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "shells/lines/answers.h"
-#include "text/json_writing.h"
+#include "text/json.h"
 
 namespace json {
 namespace {

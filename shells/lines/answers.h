@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/ORVTaskView.h"
+#include "app/ORVAppDelegate.h"
 #include "app/ORVTemplate.h"
 #include "app/compaction_ledger.h"
 
@@ -42,6 +42,14 @@ std::string limitsAnswer(const std::vector<ORVRateLimit>& limits, const std::str
 /// Returns "2026-01-02T03:04:05.123456789Z". A date outside of the years 0 to 9999 becomes the
 /// first or the last second of them.
 std::string utcText(ORVFileDate date);
+
+/// Returns the status item with its whole menu as one JSON object, without a line end.
+std::string statusItem(const ORVStatusItem& statusItem);
+
+/// Returns the status item in the form that Waybar, i3status-rust and others read:
+/// {"text":…,"tooltip":…,"class":…,"percentage":…}. The tooltip holds the visible information
+/// lines; the class is unknown, low, medium, high or full. Texts are escaped for Pango's markup.
+std::string waybar(const ORVAppDelegate& delegate);
 
 }  // namespace json
 

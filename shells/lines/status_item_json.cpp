@@ -2,13 +2,12 @@
 // short for status bars, which take its texts for markup.
 // Tests: tests/ctl/brimletctl_test.cpp.
 
-#include "shells/lines/status_item_json.h"
-
 #include <utility>
 #include <vector>
 
 #include "app/figures.h"
-#include "text/json_writing.h"
+#include "shells/lines/answers.h"
+#include "text/json.h"
 #include "text/unicode.h"
 
 namespace json {

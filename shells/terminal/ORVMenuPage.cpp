@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "shells/terminal/terminal_modes.h"
+#include "shells/terminal/ORVTerminal.h"
 
 namespace {
 

@@ -12,8 +12,6 @@
 #include <string_view>
 #include <utility>
 
-#include "shells/terminal/terminal_modes.h"
-
 namespace {
 
 /// Each step of fullness has two pairs of colours: one with the step's colour for the text, and one
@@ -26,14 +24,6 @@ short colourPair(const terminal::Style& style) {
 }
 
 }  // namespace
-
-bool ORVTerminal::isPossible() {
-    return terminal::isPossible();
-}
-
-bool ORVTerminal::endIfStuck() {
-    return terminal::endIfStuck();
-}
 
 ORVTerminal::ORVTerminal(bool isColoured) {
     screen_.showsUnicode = terminal::setUpCharacters();

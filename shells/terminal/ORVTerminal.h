@@ -4,7 +4,39 @@
 #include <string>
 #include <vector>
 
+#include "shells/ORVPosixApplication.h"
 #include "shells/terminal/screen.h"
+
+// Taking the process's terminal over with curses, and restoring it (terminal_modes.cpp). Used on
+// the UI thread only, as curses demands.
+namespace terminal {
+
+/// Whether the terminal can place text. A "dumb" terminal and an unknown one cannot.
+bool isPossible();
+
+/// Makes the terminal deliver single keys without echo, hides the cursor, and has pasted text
+/// marked. The terminal is restored by restore(), while the process is stopped from the keyboard,
+/// and when the process dies of a fault, unless the fault is a stack overflow.
+void takeOver();
+
+/// Restores the terminal. One that takes no output gets what it takes without waiting.
+void restore();
+
+/// Sends what differs from what stands on the terminal.
+void refreshScreen();
+
+/// For signal handlers: when the terminal takes no output, restores it as far as that goes and
+/// returns true; the process must then end at once, since it may be waiting for the terminal, or
+/// begin to.
+bool endIfStuck();
+
+inline constexpr int kEscapeKey = 27;
+
+/// Keys in addition to those of curses: the marks before and after pasted text.
+extern const int kPasteBegins;
+extern const int kPasteEnds;
+
+}  // namespace terminal
 
 /// This process's terminal while curses draws on the whole of it. Used on the UI thread only.
 ///
@@ -12,13 +44,6 @@
 /// or destroyed, and when the process dies of a fault, unless the fault is a stack overflow.
 class ORVTerminal {
 public:
-    /// Whether the terminal can place text. A "dumb" terminal and an unknown one cannot.
-    static bool isPossible();
-
-    /// For signal handlers: whether the process must end at once, because the terminal takes no
-    /// output. It is then restored as far as that goes.
-    static bool endIfStuck();
-
     /// `isColoured` asks for colours, if the terminal has them.
     explicit ORVTerminal(bool isColoured);
     ~ORVTerminal();
@@ -53,4 +78,31 @@ private:
     bool isPasting_ = false;
     std::string pasted_;  ///< The last bytes of the text that is being pasted, to find its end.
     bool isClosed_ = false;
+};
+
+/// What a whole terminal shows, and what its keys do. Used on the UI thread only.
+class ORVTerminalPage {
+public:
+    virtual ~ORVTerminalPage() = default;
+
+    /// Returns at most as many rows as the screen has, each as wide as the screen.
+    virtual std::vector<terminal::Row> rows(const terminal::Screen& screen) = 0;
+
+    /// Does what the key stands for; keys are numbered as curses does.
+    virtual void pressed(int key) = 0;
+};
+
+/// Shows a page on this process's terminal. Both must outlive the surface.
+class ORVTerminalSurface final : public ORVSurface {
+public:
+    ORVTerminalSurface(ORVTerminal& terminal, ORVTerminalPage& page)
+        : terminal_(terminal), page_(page) {}
+
+    void show() override { terminal_.draw(page_.rows(terminal_.screen())); }
+    void redraw() override { terminal_.resize(); }
+    void close() override { terminal_.close(); }
+
+private:
+    ORVTerminal& terminal_;
+    ORVTerminalPage& page_;
 };

@@ -11,9 +11,9 @@
 #include <limits>
 #include <utility>
 
-#include "shells/terminal/drawing.h"
+#include "shells/terminal/ORVTerminal.h"
+#include "shells/terminal/screen.h"
 #include "shells/terminal/table.h"
-#include "shells/terminal/terminal_modes.h"
 
 namespace {
 

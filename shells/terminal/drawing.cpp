@@ -1,12 +1,11 @@
 // Bars, frames, plots and lists of keys for a whole screen. Tests: tests/shells/terminal_test.cpp.
 
-#include "shells/terminal/drawing.h"
-
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "shells/history/history.h"
+#include "shells/terminal/screen.h"
 
 namespace terminal {
 

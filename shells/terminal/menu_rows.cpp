@@ -1,12 +1,12 @@
 // The lines of the menu and where they stand, and what a low screen leaves out.
 // Tests: tests/shells/terminal_test.cpp.
 
-#include "shells/terminal/menu_rows.h"
-
 #include <algorithm>
 #include <iterator>
 #include <string_view>
 #include <utility>
+
+#include "shells/terminal/ORVMenuPage.h"
 
 namespace terminal {
 namespace {

@@ -3,16 +3,21 @@
 
 #include "shells/terminal/screen.h"
 
+#include <langinfo.h>
+#include <locale.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 #include <wchar.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <iterator>
 #include <utility>
 
-#include "shells/terminal/terminal_modes.h"
+#include "platform/program.h"
+#include "text/bytes.h"
 #include "text/unicode.h"
 
 namespace terminal {
@@ -93,6 +98,16 @@ std::string codesOf(const Style& style) {
         codes += (codes.empty() || code.empty() ? "" : ";") + std::string(code);
     }
     return codes;
+}
+
+std::string localeOfCharacters() {
+    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value && *value) {
+            return value;
+        }
+    }
+    return "UTF-8";
 }
 
 }  // namespace
@@ -184,6 +199,26 @@ void fit(Row& row, int columns, const Screen& screen) {
     }
     row.push_back({repeated(" ", columns)});
     std::erase_if(row, [](const Piece& piece) { return piece.text.empty(); });
+}
+
+bool setUpCharacters() {
+    const auto isUTF8 = [] { return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0; };
+    if (setlocale(LC_CTYPE, "") && isUTF8()) {
+        return true;
+    }
+    std::string name = localeOfCharacters();
+    std::transform(name.begin(), name.end(), name.begin(), text::lowerCasedASCII);
+    const bool namesUTF8 =
+        name.find("utf-8") != std::string::npos || name.find("utf8") != std::string::npos;
+    if (!namesUTF8) {
+        return false;
+    }
+    // The second name is that of a Mac.
+    if (!setlocale(LC_CTYPE, "C.UTF-8") && !setlocale(LC_CTYPE, "UTF-8")) {
+        setenv("LOCPATH", platform::localesOfProgram().c_str(), 1);
+        setlocale(LC_CTYPE, "C.UTF-8");
+    }
+    return isUTF8();
 }
 
 Screen screenOfOutput() {

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "app/compaction_ledger.h"
 #include "app/figures.h"
+#include "l10n/languages.h"
 
 /// Rows of styled text: what is drawn on a terminal's whole screen, and what is written line by
 /// line. Text is measured in columns with the C library's table of widths, as curses does: any
@@ -26,6 +29,10 @@ inline constexpr int kMostRows = 500;
 /// Returns the size of the terminal on standard output, or 80 by 24 if there is none, and whether
 /// text is UTF-8. Sets the process's locale for characters, so that columns can be counted.
 Screen screenOfOutput();
+
+/// Sets the process's locale for characters, and for nothing else. Returns whether text is UTF-8,
+/// which it also is when the environment names no locale, or a UTF-8 locale that is not installed.
+bool setUpCharacters();
 
 struct Style {
     bool isReversed = false;
@@ -73,5 +80,52 @@ std::string fitted(std::string_view text, int columns, const Screen& screen);
 
 /// Returns the piece this many times, and "" for a count below 1.
 std::string repeated(std::string_view piece, int count);
+
+// Pieces of which everything on a whole screen is laid out (drawing.cpp)
+
+/// Draws a title over a gauge, which is filled from the left in proportion to the context window.
+Row gaugeBar(const std::string& title, std::optional<double> percentage, const Screen& screen);
+
+/// A line inside a frame: a text at the left and another one, such as a key, at the right.
+struct Line {
+    std::string left = {};
+    std::string right = {};
+    Style style = {};  ///< Of the left part.
+    bool isSelected = false;
+    bool isRule = false;  ///< A line across the frame in place of texts.
+};
+
+/// Returns the columns that the longest line needs.
+int widestOf(const std::vector<Line>& lines);
+
+/// Draws lines in a frame at the right edge of the screen, with room for this many columns inside,
+/// if the screen has them. Without rules, the frame has sides only.
+std::vector<Row> framed(const std::vector<Line>& lines, int inner, bool hasRules,
+                        const Screen& screen);
+
+/// Draws a task's history in this many rows. There are none when there is no history, or no room
+/// for one that says anything.
+std::vector<Row> plotRows(const ORVHistory& history, int rows, const ORVWords& words,
+                          const Screen& screen);
+
+/// Returns a row for each of the newest compactions, at most this many, the newest last.
+std::vector<Row> ledgerRows(const std::vector<app::Compaction>& compactions, int rows,
+                            const ORVWords& words, const Screen& screen);
+
+/// What a key does, and the key as people write it.
+struct Key {
+    Key(std::string_view theDeed, std::string_view theKey) : deed(theDeed), key(theKey) {}
+    std::string deed;
+    std::string key;
+};
+
+/// Returns lines that tell what each key does.
+std::vector<Line> keyLines(const std::vector<Key>& keys, const Screen& screen);
+
+/// Draws the keys that matter most in one dimmed row.
+Row keyHint(const std::vector<Key>& keys, const Screen& screen);
+
+/// Cuts every row to the screen's width, or fills it, and leaves out the rows that do not fit.
+void fitScreen(std::vector<Row>& rows, const Screen& screen);
 
 }  // namespace terminal

@@ -6,7 +6,7 @@
 #include <array>
 
 #include "app/figures.h"
-#include "l10n/words.h"
+#include "l10n/languages.h"
 #include "text/bytes.h"
 #include "text/unicode.h"
 

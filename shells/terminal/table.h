@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/ORVTaskView.h"
-#include "l10n/words.h"
+#include "l10n/languages.h"
 #include "shells/terminal/screen.h"
 
 /// Tasks as rows of text.

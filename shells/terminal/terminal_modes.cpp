@@ -2,29 +2,23 @@
 // Tests: tests/shells/terminal_test.cpp.
 
 #define NCURSES_NOMACROS
-#include "shells/terminal/terminal_modes.h"
+#include "shells/terminal/ORVTerminal.h"
 
 #include <fcntl.h>
-#include <langinfo.h>
-#include <locale.h>
 #include <ncurses.h>
 #include <poll.h>
 #include <signal.h>
-#include <term.h>
+#include <term.h>  // Its macros have usual names, so that ours come before it: lines, columns.
 #include <termios.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <string_view>
 
 #include "platform/descriptors.h"
-#include "platform/program.h"
-#include "text/bytes.h"
 
 namespace terminal {
 namespace {
@@ -162,16 +156,6 @@ void prepareSequences() {
     }
 }
 
-std::string localeOfCharacters() {
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(variable);
-        if (value && *value) {
-            return value;
-        }
-    }
-    return "UTF-8";
-}
-
 }  // namespace
 
 const int kPasteBegins = KEY_MAX + 1;
@@ -188,26 +172,6 @@ bool isPossible() {
         }
     });
     return isPlaceable;
-}
-
-bool setUpCharacters() {
-    const auto isUTF8 = [] { return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0; };
-    if (setlocale(LC_CTYPE, "") && isUTF8()) {
-        return true;
-    }
-    std::string name = localeOfCharacters();
-    std::transform(name.begin(), name.end(), name.begin(), text::lowerCasedASCII);
-    const bool namesUTF8 =
-        name.find("utf-8") != std::string::npos || name.find("utf8") != std::string::npos;
-    if (!namesUTF8) {
-        return false;
-    }
-    // The second name is that of a Mac.
-    if (!setlocale(LC_CTYPE, "C.UTF-8") && !setlocale(LC_CTYPE, "UTF-8")) {
-        setenv("LOCPATH", platform::localesOfProgram().c_str(), 1);
-        setlocale(LC_CTYPE, "C.UTF-8");
-    }
-    return isUTF8();
 }
 
 void takeOver() {

@@ -2,14 +2,13 @@
 // they do when an item is chosen, and what they ask of the system. No test here can tell how it
 // looks on a Mac, or what a Mac does with it.
 
-#include <gtest/gtest.h>
-
 #include <dispatch/dispatch.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
 
-#import "platform/user_defaults_apple.h"
+#import "platform/foundation_apple.h"
 #import "shells/appkit/ORVApplicationDelegate.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"

@@ -1,11 +1,9 @@
-#include "ctl/arguments.h"
-
 #include <getopt.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "ctl/command_table.h"
+#include "ctl/arguments.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "app/version.h"
-#include "platform/property_list.h"
+#include "platform/program.h"
 
 namespace {
 

@@ -1,7 +1,6 @@
 // Tests the sources that use a Mac's frameworks. On Linux they run under GNUstep.
 
 #import <Foundation/Foundation.h>
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -9,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#import "platform/foundation_apple.h"
 #include "platform/locale.h"
-#include "platform/property_list.h"
-#import "platform/user_defaults_apple.h"
+#include "platform/program.h"
 
 namespace {
 

@@ -1,7 +1,5 @@
 // Tests the system's own files, in a temporary folder.
 
-#include "platform/files.h"
-
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <unistd.h>
@@ -9,7 +7,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "platform/home_folder.h"
+#include "platform/files.h"
+#include "platform/program.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace {

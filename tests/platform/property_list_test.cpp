@@ -1,6 +1,6 @@
-#include "platform/property_list.h"
-
 #include <gtest/gtest.h>
+
+#include "platform/program.h"
 
 namespace {
 

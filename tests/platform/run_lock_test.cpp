@@ -1,7 +1,4 @@
-#include "platform/run_lock.h"
-
 #include <gtest/gtest.h>
-
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -11,6 +8,7 @@
 #include <cerrno>
 #include <vector>
 
+#include "platform/program.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace {

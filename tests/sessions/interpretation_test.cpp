@@ -113,7 +113,7 @@ TEST_F(SessionRecordTest, LinesAtOnceTellWhatTheyTellOneByOne) {
         text += c.lines;
     }
     const std::size_t size = text.size();
-    text.append(ORVByteBuffer::kReadableBytesBeyond, ' ');
+    text.append(text::kReadableBytesBeyond, ' ');
     std::vector<std::string_view> pool;
     text::forEachLine(std::string_view(text).substr(0, size),
                       [&](std::string_view line) { pool.push_back(line); });

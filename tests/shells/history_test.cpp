@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "shells/history/history.h"
+#include "shells/terminal/ORVTerminal.h"
 #include "shells/terminal/screen.h"
-#include "shells/terminal/terminal_modes.h"
 #include "text/timestamps.h"
 #include "text/unicode.h"
 

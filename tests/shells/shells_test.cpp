@@ -6,7 +6,6 @@
 
 #include "app/ORVAppDelegate.h"
 #include "shells/ORVPosixApplication.h"
-#include "shells/lines/ORVCommandInput.h"
 #include "shells/lines/ORVLineSurface.h"
 #include "tests/support/MemoryDefaults.h"
 #include "tests/support/MemoryFiles.h"

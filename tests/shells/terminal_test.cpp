@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <locale.h>
 
-#include "shells/terminal/menu_rows.h"
+#include "shells/terminal/ORVMenuPage.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "l10n/ORVLocalizer.h"
-#include "l10n/words.h"
+#include "l10n/languages.h"
 #include "platform/locale.h"
 
 /// Returns a text in the language that brimletctl shows to whom it runs for. On a Mac no test can

@@ -1,11 +1,10 @@
-#include "text/json_reading.h"
-
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <variant>
 
-#include "text/byte_buffer.h"
+#include "text/bytes.h"
+#include "text/json.h"
 
 namespace {
 
@@ -32,7 +31,7 @@ std::string described(const ORVJSONValue& value) {
 /// Reads the text, which `next` follows again and again in memory.
 std::string read(const std::string& text, char next = 'x') {
     ORVJSONReader reader;
-    const std::string padded = text + std::string(ORVByteBuffer::kReadableBytesBeyond, next);
+    const std::string padded = text + std::string(text::kReadableBytesBeyond, next);
     const auto value = reader.readObject(std::string_view(padded).substr(0, text.size()), shape());
     return value ? described(*value) : "refused";
 }

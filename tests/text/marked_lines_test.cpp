@@ -1,5 +1,3 @@
-#include "text/marked_lines.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
@@ -7,6 +5,9 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "text/bytes.h"
+#include "text/marked_lines.h"
 
 namespace {
 
@@ -74,12 +75,12 @@ TEST(MarkedLinesTest, AnyChunksGiveTheLinesOfTheWhole) {
             expected += isMarked ? line + '\n' : "";
         }
         std::string lines;
-        ORVByteBuffer pending;
+        std::string pending;
         for (std::size_t position = 0; position < bytes.size();) {
             std::string chunk = bytes.substr(position, 1 + random() % (round % 7 == 0 ? 3 : 600));
             const std::size_t size = chunk.size();
             position += size;
-            chunk.append(ORVByteBuffer::kReadableBytesBeyond, '\0');
+            chunk.append(text::kReadableBytesBeyond, '\0');
             text::consumeChunk(pending, std::string_view(chunk).substr(0, size), search,
                                [&](std::span<const std::string_view> found) {
                                    for (const std::string_view line : found) {
@@ -88,7 +89,7 @@ TEST(MarkedLinesTest, AnyChunksGiveTheLinesOfTheWhole) {
                                });
         }
         ASSERT_EQ(expected, lines) << "round " << round;
-        ASSERT_EQ(bytes.substr(end), pending.bytes());
+        ASSERT_EQ(bytes.substr(end), pending);
     }
 }
 

@@ -1,9 +1,8 @@
-#include "text/unicode.h"
-
 #include <gtest/gtest.h>
 
 #include "text/bytes.h"
-#include "text/json_writing.h"
+#include "text/json.h"
+#include "text/unicode.h"
 
 namespace {
 

@@ -1,9 +1,20 @@
-// Writes the time in the locale's style, with Foundation. Tests: tests/platform/apple_test.mm.
+// Reads the languages in the system's settings, and writes the time in a locale's style, with
+// Foundation. Tests: tests/platform/apple_test.mm.
 
-#import "platform/foundation_string_apple.h"
+#import "platform/foundation_apple.h"
 #include "platform/locale.h"
 
 namespace platform {
+
+std::vector<std::string> preferredLanguages() {
+    @autoreleasepool {
+        std::vector<std::string> languages;
+        for (NSString* language in [NSLocale preferredLanguages]) {
+            languages.emplace_back(language.UTF8String);
+        }
+        return languages;
+    }
+}
 
 std::string mediumTimeOfDay(ORVFileDate date, const ORVTimeFormat& format) {
     @autoreleasepool {

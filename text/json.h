@@ -60,7 +60,7 @@ public:
     ~ORVJSONReader();
 
     /// Returns the wanted fields of the object, and none for a text that is not accepted.
-    /// ORVByteBuffer::kReadableBytesBeyond bytes after the text must be readable.
+    /// text::kReadableBytesBeyond bytes after the text must be readable.
     std::optional<ORVJSONValue> readObject(std::string_view text, const ORVJSONShape& shape);
 
     /// Frees the parser's memory, which otherwise stays for the next line.
@@ -78,5 +78,20 @@ namespace text {
 /// Returns the fields of an object in their order: keys decoded, values as JSON. Returns none for a
 /// text that is not one object of standard JSON. Throws std::bad_alloc when memory runs out.
 std::optional<std::vector<std::pair<std::string, std::string>>> fieldsOfJSON(std::string_view text);
+
+// Writing, without spaces between tokens. Keys keep the order in which they are given.
+
+/// Writes a string; bytes that are not UTF-8 become U+FFFD.
+std::string quotedJSON(std::string_view bytes);
+
+/// Writes a finite number without an exponent, with the fewest digits that read back as the same
+/// double.
+std::string numberJSON(double value);
+
+/// Writes a string, or null.
+std::string quotedJSONOrNull(const std::optional<std::string>& bytes);
+
+/// Writes an object from keys, which are quoted here, and values, which are JSON already.
+std::string objectJSON(const std::vector<std::pair<std::string_view, std::string>>& fields);
 
 }  // namespace text

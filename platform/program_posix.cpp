@@ -1,18 +1,21 @@
-// Looks up the home folder, if possible without a name service, which may open a socket.
-// Tests: tests/platform/linux_test.cpp.
+// Looks up the home folder, if possible without a name service, which may open a socket, and lets
+// one process of a program run at a time. Tests: tests/platform/linux_test.cpp,
+// tests/platform/run_lock_test.cpp.
 
-#include "platform/home_folder.h"
-
+#include <fcntl.h>
 #include <pwd.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
-#include <string_view>
 #include <vector>
 
+#include "platform/descriptors.h"
 #include "platform/files.h"
+#include "platform/program.h"
 
 namespace platform {
 namespace {
@@ -61,6 +64,15 @@ std::string homeInPasswordDatabase() {
     return found->pw_dir;
 }
 
+/// Failures are left to the call that opens the file.
+void makeFolders(const std::string& folder) {
+    std::size_t end = 0;
+    while (end != folder.npos) {
+        end = folder.find('/', end + 1);
+        mkdir(folder.substr(0, end).c_str(), S_IRWXU);
+    }
+}
+
 }  // namespace
 
 std::string homeFolder() {
@@ -81,6 +93,21 @@ std::string absolutePath(std::string path) {
         path.pop_back();
     }
     return path;
+}
+
+RunLock lockForRun(const std::string& folder, ORVErrorSlot* error) {
+    makeFolders(folder);
+    const std::string path = folder + "/running.lock";
+    FileDescriptor file(
+        open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+    if (file.number() < 0 ||
+        uninterrupted([&] { return flock(file.number(), LOCK_EX | LOCK_NB); }) != 0) {
+        const int reason = errno;
+        storeError(error, posixError(reason));
+        return reason == EWOULDBLOCK ? RunLock::heldByAnother : RunLock::unknown;
+    }
+    file.release();  // It stays open, since closing it would give up the lock.
+    return RunLock::held;
 }
 
 }  // namespace platform
