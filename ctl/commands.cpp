@@ -18,12 +18,9 @@ namespace {
 
 std::string textFor(const Invocation& invocation, const ORVTaskView& view) {
     const Arguments& arguments = invocation.arguments;
-    if (arguments.format == Format::ownTemplate) {
-        return lines::filledTemplate(*arguments.ownTemplate, view, invocation.clock.now(),
-                                     systemLanguage(true).timeFormat) +
-               '\n';
-    }
-    return terminal::line(terminal::taskRow(view), isColoured(arguments.colours, STDOUT_FILENO));
+    return arguments.ownTemplate
+               ? filledTemplate(invocation, view)
+               : terminal::lines({terminal::taskRow(view)}, isColoured(arguments.colours));
 }
 
 }  // namespace
@@ -81,12 +78,9 @@ int showLimits(Invocation& invocation) {
     const bool isTerminal = isatty(STDOUT_FILENO) != 0;
     const terminal::Screen screen = terminal::screenOfOutput();
     const ORVWords& words = systemLanguage(!isTerminal || screen.showsUnicode).words;
-    std::string text;
-    for (const terminal::Row& row : terminal::limitRows(*limits, {words, invocation.clock.now()},
-                                                        isTerminal ? &screen : nullptr)) {
-        text += terminal::line(row, isColoured(invocation.arguments.colours, STDOUT_FILENO));
-    }
-    return finish(text, status);
+    const std::vector<terminal::Row> rows = terminal::limitRows(
+        *limits, {words, invocation.clock.now()}, isTerminal ? &screen : nullptr);
+    return finish(terminal::lines(rows, isColoured(invocation.arguments.colours)), status);
 }
 
 int showFocus(Invocation& invocation) {

@@ -93,8 +93,11 @@ std::string reasonForNoSessions(Invocation& invocation);
 /// when it could, or there is none.
 std::string troubleWithTitles(Invocation& invocation);
 
-/// Whether text on this descriptor is to be coloured.
-bool isColoured(Colours colours, int descriptor);
+/// Fills the user's template, for a task that was found, as a line.
+std::string filledTemplate(const Invocation& invocation, const ORVTaskView& view);
+
+/// Whether text on standard output is to be coloured.
+bool isColoured(Colours colours);
 
 /// Whether TERM names no terminal that understands control sequences.
 bool terminalIsDumb();

@@ -29,20 +29,12 @@ std::string drawn(const Invocation& invocation, const ORVTaskView& view, const O
     const int forPlot = std::clamp(screen.rows - kOtherRows - 1, 4, kMostRows);
     std::vector<terminal::Row> rows = {terminal::taskRow(view)};
     terminal::show(rows.front(), screen);
-    for (terminal::Row& row : terminal::plotRows(history, forPlot, words, screen)) {
-        rows.push_back(std::move(row));
-    }
+    terminal::append(rows, terminal::plotRows(history, forPlot, words, screen));
     const int most = isTerminal
                          ? std::max(0, screen.rows - kOtherRows - static_cast<int>(rows.size()))
                          : std::numeric_limits<int>::max();
-    for (terminal::Row& row : terminal::ledgerRows(compactions, most, words, screen)) {
-        rows.push_back(std::move(row));
-    }
-    std::string text;
-    for (const terminal::Row& row : rows) {
-        text += terminal::line(row, isColoured(invocation.arguments.colours, STDOUT_FILENO));
-    }
-    return text;
+    terminal::append(rows, terminal::ledgerRows(compactions, most, words, screen));
+    return terminal::lines(rows, isColoured(invocation.arguments.colours));
 }
 
 }  // namespace

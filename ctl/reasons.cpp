@@ -136,16 +136,25 @@ std::string troubleWithTitles(Invocation& invocation) {
                  : "";
 }
 
-bool isColoured(Colours colours, int descriptor) {
+bool isColoured(Colours colours) {
     if (colours != Colours::automatic) {
         return colours == Colours::always;
     }
-    return isatty(descriptor) && !std::getenv("NO_COLOR") && !terminalIsDumb();
+    return isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR") && !terminalIsDumb();
 }
 
 bool terminalIsDumb() {
     const char* const terminal = std::getenv("TERM");
     return !terminal || std::string_view(terminal) == "dumb";
+}
+
+std::string filledTemplate(const Invocation& invocation, const ORVTaskView& view) {
+    ORVTemplateValues values;
+    values.status = app::statusTitle(*view.snapshot).text();
+    values.view = &view;
+    values.now = invocation.clock.now();
+    values.timeFormat = systemLanguage(true).timeFormat;
+    return invocation.arguments.ownTemplate->filled(values) + '\n';
 }
 
 const ORVLanguage& systemLanguage(bool showsUnicode) {

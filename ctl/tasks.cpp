@@ -65,18 +65,14 @@ private:
 };
 
 std::string tableOf(const Invocation& invocation, const ORVTaskListView& list) {
-    const terminal::Screen screen = terminal::screenOfOutput();
-    const bool coloured = isColoured(invocation.arguments.colours, STDOUT_FILENO);
-    std::string text;
     if (list.tasks.empty()) {
-        return text;
+        return {};
     }
-    for (const terminal::Row& row : terminal::table(
-             list.tasks, 0, list.tasks.size(),
-             {systemLanguage(screen.showsUnicode).words, invocation.clock.now()}, screen)) {
-        text += terminal::line(row, coloured);
-    }
-    return text;
+    const terminal::Screen screen = terminal::screenOfOutput();
+    const terminal::TableLook look = {systemLanguage(screen.showsUnicode).words,
+                                      invocation.clock.now()};
+    return terminal::lines(terminal::table(list.tasks, 0, list.tasks.size(), look, screen),
+                           isColoured(invocation.arguments.colours));
 }
 
 std::string textOf(const Invocation& invocation, const ORVTaskListView& list) {
@@ -89,11 +85,8 @@ std::string textOf(const Invocation& invocation, const ORVTaskListView& list) {
     }
     std::string text;
     for (const ORVTaskView& view : list.tasks) {
-        text += arguments.ownTemplate
-                    ? lines::filledTemplate(*arguments.ownTemplate, view, invocation.clock.now(),
-                                            systemLanguage(true).timeFormat) +
-                          '\n'
-                    : lines::tabbedTask(view, arguments.list.showsHelpers);
+        text += arguments.ownTemplate ? filledTemplate(invocation, view)
+                                      : lines::tabbedTask(view, arguments.list.showsHelpers);
     }
     return text;
 }

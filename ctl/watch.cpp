@@ -135,7 +135,7 @@ int runOnTerminal(const Arguments& arguments, Settings settings) {
     for (const int signalNumber : {SIGWINCH, SIGCONT}) {
         ORVPosixApplication::redrawOn(signalNumber);
     }
-    terminal.emplace(isColoured(arguments.colours, STDOUT_FILENO));
+    terminal.emplace(isColoured(arguments.colours));
     ORVPosixApplication::endAtOnceIf(terminal::endIfStuck);
     if (!terminal->screen().showsUnicode) {
         application.delegate().showOnlyEnglish();

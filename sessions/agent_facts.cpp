@@ -12,28 +12,18 @@ namespace {
 using Kind = ORVJSONValue::Kind;
 
 const ORVJSONShape& factsShape() {
-    static const ORVJSONShape kLimit{
-        "", false, {{"window_minutes"}, {"used_percent"}, {"resets_at"}}};
-    static const ORVJSONShape kUsage{"", false, {{"total_tokens"}}};
-    static const ORVJSONShape kShape{
-        "",
-        false,
-        {{"type", true},
-         {"timestamp", true},
-         {"payload",
-          false,
-          {{"type", true},
-           {"model", true},
-           {"effort", true},
-           {"model_context_window"},
-           {"info",
-            false,
-            {{"model_context_window"},
-             {"last_token_usage", false, kUsage.fields},
-             {"total_token_usage", false, kUsage.fields}}},
-           {"rate_limits",
-            false,
-            {{"primary", false, kLimit.fields}, {"secondary", false, kLimit.fields}}}}}}};
+    using Fields = std::vector<ORVJSONShape>;
+    constexpr bool kText = true;
+    static const Fields kUsage = {{"total_tokens"}};
+    static const Fields kLimit = {{"window_minutes"}, {"used_percent"}, {"resets_at"}};
+    static const Fields kInfo = {
+        {"model_context_window"}, {"last_token_usage", kUsage}, {"total_token_usage", kUsage}};
+    static const Fields kPayload = {
+        {"type", kText},   {"model", kText},
+        {"effort", kText}, {"model_context_window"},
+        {"info", kInfo},   {"rate_limits", {{"primary", kLimit}, {"secondary", kLimit}}}};
+    static const ORVJSONShape kShape(
+        "", {{"type", kText}, {"timestamp", kText}, {"payload", kPayload}});
     return kShape;
 }
 

@@ -22,16 +22,16 @@ constexpr std::uint64_t kFirstReadBytes = 32 * 1024;
 constexpr std::size_t kWorthThreads = 64;
 
 const ORVJSONShape& recordShape() {
-    static const ORVJSONShape kSpawn{
-        "thread_spawn", false, {{"parent_thread_id", true}, {"agent_nickname", true}}};
-    static const ORVJSONShape kPayload{"payload",
-                                       false,
-                                       {{"cwd", true},
-                                        {"thread_source", true},
-                                        {"parent_thread_id", true},
-                                        {"agent_nickname", true},
-                                        {"source", false, {{"subagent", false, {kSpawn}}}}}};
-    static const ORVJSONShape kShape{"", false, {{"type", true}, kPayload}};
+    using Fields = std::vector<ORVJSONShape>;
+    constexpr bool kText = true;
+    static const Fields kSpawn = {{"parent_thread_id", kText}, {"agent_nickname", kText}};
+    static const Fields kSource = {{"subagent", Fields{{"thread_spawn", kSpawn}}}};
+    static const Fields kPayload = {{"cwd", kText},
+                                    {"thread_source", kText},
+                                    {"parent_thread_id", kText},
+                                    {"agent_nickname", kText},
+                                    {"source", kSource}};
+    static const ORVJSONShape kShape("", {{"type", kText}, {"payload", kPayload}});
     return kShape;
 }
 

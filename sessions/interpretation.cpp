@@ -16,25 +16,21 @@ using sessions::kCompact;
 using sessions::kTokenCount;
 
 const ORVJSONShape& recordShape() {
-    static const ORVJSONShape kShape{
-        "",
-        false,
-        {{"type", true},
-         {"timestamp", true},
-         {"ordinal"},
-         {"payload",
-          false,
-          {{"type", true},
-           {"window_number"},
-           {"first_window_id", true},
-           {"previous_window_id", true},
-           {"window_id", true},
-           {"message"},
-           {"replacement_history"},
-           {"model_context_window"},
-           {"info",
-            false,
-            {{"model_context_window"}, {"last_token_usage", false, {{"input_tokens"}}}}}}}}};
+    using Fields = std::vector<ORVJSONShape>;
+    constexpr bool kText = true;
+    static const Fields kInfo = {{"model_context_window"},
+                                 {"last_token_usage", Fields{{"input_tokens"}}}};
+    static const Fields kPayload = {{"type", kText},
+                                    {"window_number"},
+                                    {"first_window_id", kText},
+                                    {"previous_window_id", kText},
+                                    {"window_id", kText},
+                                    {"message"},
+                                    {"replacement_history"},
+                                    {"model_context_window"},
+                                    {"info", kInfo}};
+    static const ORVJSONShape kShape(
+        "", {{"type", kText}, {"timestamp", kText}, {"ordinal"}, {"payload", kPayload}});
     return kShape;
 }
 

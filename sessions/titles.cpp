@@ -13,8 +13,8 @@ namespace {
 constexpr std::size_t kIndexLimitBytes = 64 * 1024 * 1024;
 
 const ORVJSONShape& entryShape() {
-    static const ORVJSONShape kShape{
-        "", false, {{"id", true}, {"thread_name", true}, {"title", true}}};
+    constexpr bool kText = true;
+    static const ORVJSONShape kShape("", {{"id", kText}, {"thread_name", kText}, {"title", kText}});
     return kShape;
 }
 

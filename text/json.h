@@ -12,9 +12,14 @@
 /// Names the fields of a JSON object that are wanted. Everything else is checked for correctness
 /// and passed over.
 struct ORVJSONShape {
+    ORVJSONShape(std::string_view aKey, bool keepsItsText = false)
+        : key(aKey), keepsText(keepsItsText) {}
+    ORVJSONShape(std::string_view aKey, std::vector<ORVJSONShape> someFields)
+        : key(aKey), fields(std::move(someFields)) {}
+
     std::string_view key;
     bool keepsText = false;  ///< Whether the text of a string is wanted, not only its kind.
-    std::vector<ORVJSONShape> fields = {};  ///< Wanted when the value is an object.
+    std::vector<ORVJSONShape> fields;  ///< Wanted when the value is an object.
 };
 
 struct ORVJSONMember;

@@ -6,16 +6,6 @@
 
 namespace lines {
 
-std::string filledTemplate(const ORVTemplate& ownTemplate, const ORVTaskView& view,
-                           ORVClock::TimePoint now, const ORVTimeFormat& timeFormat) {
-    ORVTemplateValues values;
-    values.status = app::statusTitle(*view.snapshot).text();
-    values.view = &view;
-    values.now = now;
-    values.timeFormat = timeFormat;
-    return ownTemplate.filled(values);
-}
-
 std::string tabbedTask(const ORVTaskView& view, bool tellsParent) {
     const ORVSessionSnapshot& snapshot = *view.snapshot;
     return app::statusTitle(snapshot).text() + '\t' + json::utcText(view.changedAt) + '\t' +

@@ -56,10 +56,6 @@ std::string waybar(const ORVAppDelegate& delegate);
 /// Answers as text for scripts and status bars: harmless for a terminal, without colours.
 namespace lines {
 
-/// Fills the user's template.
-std::string filledTemplate(const ORVTemplate& ownTemplate, const ORVTaskView& view,
-                           ORVClock::TimePoint now, const ORVTimeFormat& timeFormat);
-
 /// Returns a task as one line with tabs: status, date of the family's last change, folder, title,
 /// thread identifier and, if wanted, the parent's identifier, which is empty for heads.
 std::string tabbedTask(const ORVTaskView& view, bool tellsParent);

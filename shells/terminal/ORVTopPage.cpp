@@ -7,7 +7,6 @@
 #include <ncurses.h>
 
 #include <algorithm>
-#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -22,10 +21,6 @@ constexpr int kMostRowsOfHistory = 24;
 
 using terminal::Row;
 using terminal::Screen;
-
-void append(std::vector<Row>& rows, std::vector<Row>&& more) {
-    std::move(more.begin(), more.end(), std::back_inserter(rows));
-}
 
 }  // namespace
 
@@ -52,9 +47,10 @@ std::vector<Row> ORVTopPage::rows(const Screen& screen) {
     } else {
         const bool hasHistory = screen.rows >= kRowsOfScreenWithHistory;
         const int forTable = hasHistory ? std::max(room / 2, room - kMostRowsOfHistory) : room;
-        append(rows, tableRows(static_cast<std::size_t>(std::max(0, forTable - 1)), screen));
+        terminal::append(rows,
+                         tableRows(static_cast<std::size_t>(std::max(0, forTable - 1)), screen));
         if (hasHistory) {
-            append(rows, historyRows(room - static_cast<int>(rows.size()), screen));
+            terminal::append(rows, historyRows(room - static_cast<int>(rows.size()), screen));
         }
     }
     rows.resize(static_cast<std::size_t>(std::max(0, room)));
@@ -110,9 +106,9 @@ std::vector<Row> ORVTopPage::historyRows(int room, const Screen& screen) const {
     }
     const ORVWords& words = delegate_.words();
     std::vector<Row> rows = {{}};
-    append(rows, terminal::plotRows(*history, room - 1 - kRowsForLedger, words, screen));
+    terminal::append(rows, terminal::plotRows(*history, room - 1 - kRowsForLedger, words, screen));
     const int rest = room - static_cast<int>(rows.size());
-    append(rows, terminal::ledgerRows(app::compactionsOf(*history), rest, words, screen));
+    terminal::append(rows, terminal::ledgerRows(app::compactionsOf(*history), rest, words, screen));
     return rows;
 }
 

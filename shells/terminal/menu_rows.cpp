@@ -150,7 +150,7 @@ void addFoot(std::vector<Row>& rows, const MenuView& view, const Screen& screen)
     }
     if (!foot.empty()) {
         rows.emplace_back();
-        std::move(foot.begin(), foot.end(), std::back_inserter(rows));
+        append(rows, std::move(foot));
     }
 }
 
@@ -181,9 +181,7 @@ std::vector<Row> menuRows(const ORVStatusItem& statusItem, const MenuView& view,
     const int widest = widestOf(withoutNeeds(lines));
     leaveOut(lines, screen.rows - 1);
     std::vector<Row> rows = {gaugeBar(statusItem.title, statusItem.percentage, screen)};
-    for (Row& row : framed(withoutNeeds(lines), widest, free > 2, screen)) {
-        rows.push_back(std::move(row));
-    }
+    append(rows, framed(withoutNeeds(lines), widest, free > 2, screen));
     if (free > 0) {
         addFoot(rows, view, screen);
         rows.resize(static_cast<std::size_t>(screen.rows - 1));

@@ -31,14 +31,9 @@ struct Character {
 
 /// Returns the first character of a text, which must be valid UTF-8.
 Character nextCharacter(std::string_view text) {
-    const auto lead = static_cast<unsigned char>(text.front());
-    const std::size_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    unsigned code = length == 1 ? lead : lead & (0x7FU >> length);
-    for (const char c : text.substr(1, length - 1)) {
-        code = code << 6 | (static_cast<unsigned char>(c) & 0x3FU);
-    }
+    const auto [code, bytes] = text::nextCharacter(text);
     const auto wide = static_cast<wchar_t>(code);
-    return {text.substr(0, length), wide, wcwidth(wide)};
+    return {text.substr(0, bytes), wide, wcwidth(wide)};
 }
 
 /// Whether the character makes one picture of several, which some terminals do and others do not:
@@ -98,6 +93,27 @@ std::string codesOf(const Style& style) {
         codes += (codes.empty() || code.empty() ? "" : ";") + std::string(code);
     }
     return codes;
+}
+
+std::string line(const Row& row, bool isColoured) {
+    Row trimmed = row;
+    while (!trimmed.empty()) {
+        std::string& last = trimmed.back().text;
+        last.resize(last.find_last_not_of(' ') + 1);
+        if (!last.empty()) {
+            break;
+        }
+        trimmed.pop_back();
+    }
+    std::string text;
+    for (const Piece& piece : trimmed) {
+        if (piece.text.empty()) {
+            continue;
+        }
+        const std::string codes = isColoured ? codesOf(piece.style) : "";
+        text += codes.empty() ? piece.text : "\x1b[" + codes + "m" + piece.text + "\x1b[0m";
+    }
+    return text + '\n';
 }
 
 std::string localeOfCharacters() {
@@ -163,25 +179,16 @@ std::string repeated(std::string_view piece, int count) {
     return result;
 }
 
-std::string line(const Row& row, bool isColoured) {
-    Row trimmed = row;
-    while (!trimmed.empty()) {
-        std::string& last = trimmed.back().text;
-        last.resize(last.find_last_not_of(' ') + 1);
-        if (!last.empty()) {
-            break;
-        }
-        trimmed.pop_back();
-    }
+void append(std::vector<Row>& rows, std::vector<Row> more) {
+    std::move(more.begin(), more.end(), std::back_inserter(rows));
+}
+
+std::string lines(const std::vector<Row>& rows, bool isColoured) {
     std::string text;
-    for (const Piece& piece : trimmed) {
-        if (piece.text.empty()) {
-            continue;
-        }
-        const std::string codes = isColoured ? codesOf(piece.style) : "";
-        text += codes.empty() ? piece.text : "\x1b[" + codes + "m" + piece.text + "\x1b[0m";
+    for (const Row& row : rows) {
+        text += line(row, isColoured);
     }
-    return text + '\n';
+    return text;
 }
 
 void show(Row& row, const Screen& screen) {

@@ -52,9 +52,12 @@ struct Piece {
 /// A row from left to right.
 using Row = std::vector<Piece>;
 
-/// Returns the row as one line, with the sequences that every terminal with colours understands if
+/// Adds more rows behind these.
+void append(std::vector<Row>& rows, std::vector<Row> more);
+
+/// Returns each row as a line, with the sequences that every terminal with colours understands if
 /// it is to be coloured, without spaces at its end, and with a line feed.
-std::string line(const Row& row, bool isColoured);
+std::string lines(const std::vector<Row>& rows, bool isColoured);
 
 /// Cuts the row to this many columns, or fills it with spaces.
 void fit(Row& row, int columns, const Screen& screen);

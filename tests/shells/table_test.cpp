@@ -41,7 +41,7 @@ protected:
                 used += terminal::textColumns(piece.text);
             }
             EXPECT_GE(columns, used);
-            text += terminal::line(row, false);
+            text += terminal::lines({row}, false);
         }
         return text;
     }
@@ -91,7 +91,7 @@ TEST_F(TableTest, ColoursSelectionAndMarks) {
         EXPECT_TRUE(piece.style.isReversed);
     }
     const std::string coloured =
-        terminal::line(terminal::table(tasks, 1, 1, {l10n::kEnglishWords, kNow}, screen)[1], true);
+        terminal::lines(terminal::table(tasks, 1, 1, {l10n::kEnglishWords, kNow}, screen), true);
     EXPECT_NE(std::string::npos, coloured.find("\x1b[1;31m96%")) << coloured;
 }
 

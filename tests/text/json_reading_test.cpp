@@ -11,8 +11,9 @@ namespace {
 using Kind = ORVJSONValue::Kind;
 
 const ORVJSONShape& shape() {
-    static const ORVJSONShape kShape{
-        "", false, {{"s", true}, {"n"}, {"o", false, {{"s", true}, {"o", false, {{"n"}}}}}}};
+    using Fields = std::vector<ORVJSONShape>;
+    static const ORVJSONShape kShape(
+        "", {{"s", true}, {"n"}, {"o", {{"s", true}, {"o", Fields{{"n"}}}}}});
     return kShape;
 }
 
