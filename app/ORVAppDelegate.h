@@ -109,7 +109,7 @@ public:
     // first refresh ends.
     const std::optional<ORVTaskView>& lastView() const { return lastView_; }
     const std::optional<ORVSessionSnapshot>& lastSnapshot() const;
-    const std::optional<ORVCodexFocusState>& lastFocusState() const;  ///< No surface asks for it.
+    std::shared_ptr<const ORVCodexFocusState> lastFocusState() const;  ///< No surface asks for it.
     const ORVErrorSlot& lastError() const;
     std::shared_ptr<const ORVHistory> lastHistory() const;
 

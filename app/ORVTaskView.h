@@ -82,7 +82,8 @@ struct ORVTaskView {
     std::optional<ORVSessionSnapshot> snapshot = {};  ///< The figures; none says `absence` why.
     ORVErrorSlot error = {};                          ///< May stand beside a snapshot.
     ORVAbsence absence = ORVAbsence::none;
-    std::optional<ORVCodexFocusState> focusState = {};  ///< Where the task in view was asked for.
+    /// Null unless the task in view was asked for.
+    std::shared_ptr<const ORVCodexFocusState> focusState = {};
 
     bool hasSessionFiles = false;  ///< Where no task is in view and it was wanted.
 
@@ -91,7 +92,7 @@ struct ORVTaskView {
 
     // What was wanted beside the figures.
     std::optional<std::string> folder = {};
-    std::optional<ORVAgentFacts> agent = {};
+    std::shared_ptr<const ORVAgentFacts> agent = {};  ///< Null without a snapshot, too.
     std::string shortID = {};
     std::shared_ptr<const ORVHistory> history =
         {};  ///< Null where there is none, or none was wanted.

@@ -74,7 +74,6 @@ private:
     // One task (shown_task.cpp)
     ORVTaskView viewOfTaskInView();
     ORVTaskView viewOfHead(const ORVShownTask& task);
-    ORVTaskView viewOfListed(const ORVListedTask& listed);
     ORVTaskView viewOfGiven(const std::string& identifier);
     ORVTaskView viewOfIdentified(const std::string& threadID);
     ORVTaskView viewOfPart(const std::string& part);
@@ -89,18 +88,16 @@ private:
                                       const std::optional<ORVFileDate>& since);
     struct KeptView {
         ORVTaskView view;
-        std::vector<ORVWalkedFile> files;  ///< That the view came from.
+        std::uint64_t filesRevision = 0;  ///< That the view came from.
     };
     using KeptViews = std::unordered_map<std::string, KeptView>;  ///< By identifier.
     ORVTaskListView beginList();
     std::optional<ORVFileDate> sinceOf(const ORVListRequest& request) const;
     void readEverything(const ORVListRequest& request, const Progress& progress);
     std::vector<std::size_t> placeTasks(std::vector<ORVTaskView>& rows,
-                                        const std::vector<ORVListedTask>& tasks, KeptViews& known);
+                                        const std::vector<ORVListedTask>& tasks);
     bool keep(const ORVTaskListView& list, const std::vector<ORVListedTask>& tasks);
-    enum class Memory { kept, freed };  ///< For what was read of the tasks.
-    void readTasks(std::vector<ORVTaskView>& rows, const std::vector<ORVListedTask>& tasks,
-                   std::span<const std::size_t> places, Memory memory);
+    ORVTaskView viewOfListed(const ORVListedTask& listed);
     ORVTaskView viewOfTask(const ORVTask& task);
     void placeInFamily(ORVTaskView& view, const ORVListedTask& listed);
 
@@ -116,7 +113,8 @@ private:
 
     /// The head that is shown by its newness, and when its family was last seen to change.
     struct Shown {
-        ORVTask task;
+        std::string threadID;
+        std::string path;  ///< Of its newest file.
         ORVFileDate changedAt;
         std::optional<ORVClock::TimePoint> sawChangeAt;
     };

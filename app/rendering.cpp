@@ -80,9 +80,8 @@ const std::optional<ORVSessionSnapshot>& ORVAppDelegate::lastSnapshot() const {
     return lastView_ ? lastView_->snapshot : kNone;
 }
 
-const std::optional<ORVCodexFocusState>& ORVAppDelegate::lastFocusState() const {
-    static const std::optional<ORVCodexFocusState> kNone;
-    return lastView_ ? lastView_->focusState : kNone;
+std::shared_ptr<const ORVCodexFocusState> ORVAppDelegate::lastFocusState() const {
+    return lastView_ ? lastView_->focusState : nullptr;
 }
 
 const ORVErrorSlot& ORVAppDelegate::lastError() const {

@@ -83,7 +83,8 @@ ORVTaskView ORVTaskViewer::view(const ORVShownTask& task) {
 /// focus source; only the error that the task has no session file does not.
 ORVTaskView ORVTaskViewer::viewOfTaskInView() {
     ORVTaskView view;
-    view.focusState = focus_.currentFocusStateWithError(&view.error);
+    view.focusState =
+        std::make_shared<const ORVCodexFocusState>(focus_.currentFocusStateWithError(&view.error));
     if (view.focusState->status() == ORVCodexFocusStatusTaskInView) {
         view.snapshot = sessions_.snapshotForThreadID(*view.focusState->threadID(), &view.error);
     }
@@ -98,6 +99,7 @@ ORVTaskView ORVTaskViewer::viewOfTaskInView() {
 ORVTaskView ORVTaskViewer::viewOfGiven(const std::string& identifier) {
     if (const auto listed = list_ ? list_->taskWithIdentifier(identifier) : std::nullopt) {
         list_->follow(listed->task);
+        sessions_.refreshTitleIndexIfNeeded();
         return viewOfListed(*listed);
     }
     return text::isUUID(identifier) ? viewOfIdentified(identifier) : viewOfPart(identifier);
@@ -170,14 +172,8 @@ ORVTaskView ORVTaskViewer::viewOfHead(const ORVShownTask& task) {
         return view;
     }
     tasks_.follow(head->task);
-    return viewOfListed(*head);
-}
-
-ORVTaskView ORVTaskViewer::viewOfListed(const ORVListedTask& listed) {
     sessions_.refreshTitleIndexIfNeeded();
-    ORVTaskView view = viewOfTask(listed.task);
-    placeInFamily(view, listed);
-    return view;
+    return viewOfListed(*head);
 }
 
 /// Returns the head that was shown before while its family was seen to change lately, else the
@@ -185,7 +181,7 @@ ORVTaskView ORVTaskViewer::viewOfListed(const ORVListedTask& listed) {
 std::optional<ORVListedTask> ORVTaskViewer::headThatStays(std::optional<ORVListedTask> candidate) {
     const ORVClock::TimePoint now = clock_.now();
     std::optional<ORVListedTask> current =
-        shown_ && candidate ? tasks_.headOfFamily(shown_->task) : std::nullopt;
+        shown_ && candidate ? tasks_.headOfFamily(shown_->threadID, shown_->path) : std::nullopt;
     std::optional<ORVClock::TimePoint> sawChangeAt;
     if (current) {
         sawChangeAt = current->changedAt != shown_->changedAt ? now : shown_->sawChangeAt;
@@ -200,7 +196,8 @@ std::optional<ORVListedTask> ORVTaskViewer::headThatStays(std::optional<ORVListe
     }
     shown_.reset();
     if (current) {
-        shown_ = Shown{current->task, current->changedAt, sawChangeAt};
+        shown_ = Shown{current->task.threadID, current->task.newestFile().path, current->changedAt,
+                       sawChangeAt};
     }
     return current;
 }

@@ -32,6 +32,10 @@ ORVListRequest beginningOf(ORVListRequest request) {
     return request;
 }
 
+void appendFiles(std::vector<const ORVWalkedFile*>& files, const ORVListedTask& task) {
+    files.insert(files.end(), task.task.files.begin(), task.task.files.end());
+}
+
 }  // namespace
 
 std::optional<ORVFileDate> ORVTaskViewer::sinceOf(const ORVListRequest& request) const {
@@ -79,12 +83,18 @@ std::shared_ptr<const ORVTaskListView> ORVTaskViewer::list(const ORVListRequest&
     const bool isBeginning = request.readAtOnce > 0 && !std::exchange(hasListed_, true);
     const std::vector<ORVListedTask> tasks =
         listed(isBeginning ? beginningOf(request) : request, since);
-    KeptViews known = std::exchange(kept_, {});
-    std::vector<std::size_t> unread = placeTasks(view.tasks, tasks, known);
+    std::vector<std::size_t> unread = placeTasks(view.tasks, tasks);
     const std::size_t most = request.readAtOnce > 0 ? request.readAtOnce : unread.size();
     view.isComplete = unread.size() <= most && !isBeginning;
     unread.resize(std::min(unread.size(), most));
-    readTasks(view.tasks, tasks, unread, Memory::kept);
+    std::vector<const ORVWalkedFile*> files;
+    for (const std::size_t place : unread) {
+        appendFiles(files, tasks[place]);
+    }
+    sessions_.readAhead(files, {});
+    for (const std::size_t place : unread) {
+        view.tasks[place] = viewOfListed(tasks[place]);
+    }
     const bool isWhole = keep(view, tasks) && !isBeginning;
     keptList_ = {isWhole ? result : nullptr, request, since, tasks_.revision()};
     return result;
@@ -96,14 +106,23 @@ ORVTaskListView ORVTaskViewer::listOnce(const ORVListRequest& request, const Pro
     if (wantsEverything) {
         readEverything(request, progress);
     }
-    const std::vector<ORVListedTask> tasks = listed(request, sinceOf(request));
-    KeptViews known;
-    const std::vector<std::size_t> unread = placeTasks(view.tasks, tasks, known);
-    for (std::size_t first = 0; first < unread.size(); first += kBatch) {
-        const std::size_t count = std::min(kBatch, unread.size() - first);
-        readTasks(view.tasks, tasks, std::span(unread).subspan(first, count), Memory::freed);
+    std::vector<ORVListedTask> tasks = listed(request, sinceOf(request));
+    view.tasks.reserve(tasks.size());
+    while (view.tasks.size() < tasks.size()) {
+        const std::size_t first = view.tasks.size();
+        const auto batch = std::span(tasks).subspan(first, std::min(kBatch, tasks.size() - first));
+        std::vector<const ORVWalkedFile*> files;
+        for (const ORVListedTask& task : batch) {
+            appendFiles(files, task);
+        }
+        sessions_.readAhead(files, {});
+        for (ORVListedTask& task : batch) {
+            view.tasks.push_back(viewOfListed(task));
+            sessions_.forget(task.task);
+            task = {};  // Its memory serves the next views.
+        }
         if (!wantsEverything) {
-            progress(first + count, unread.size());
+            progress(view.tasks.size(), tasks.size());
         }
     }
     return view;
@@ -114,6 +133,7 @@ ORVTaskListView ORVTaskViewer::listOnce(const ORVListRequest& request, const Pro
 void ORVTaskViewer::readEverything(const ORVListRequest& request, const Progress& progress) {
     std::vector<const ORVWalkedFile*> files;
     tasks_.tree().forEachFile([&](const ORVWalkedFile& file) { files.push_back(&file); });
+    tasks_.firstLines().reserve(files.size());
     sessions_.readAhead(
         files, {[&](const ORVWalkedFile& file, std::string_view bytes, ORVJSONReader& json) {
                     const auto* const line = tasks_.firstLines().takeFrom(bytes, file, json);
@@ -122,15 +142,16 @@ void ORVTaskViewer::readEverything(const ORVListRequest& request, const Progress
                 [&](std::size_t done) { progress(done, files.size()); }});
 }
 
-/// Makes a row of each task, and returns the places of those that must be read.
+/// Makes a row of each task, with what is kept of it, and returns the places of the others, which
+/// must be read. Of tasks that are not among these, nothing is kept any more.
 std::vector<std::size_t> ORVTaskViewer::placeTasks(std::vector<ORVTaskView>& rows,
-                                                   const std::vector<ORVListedTask>& tasks,
-                                                   KeptViews& known) {
+                                                   const std::vector<ORVListedTask>& tasks) {
+    KeptViews known = std::exchange(kept_, {});
     std::vector<std::size_t> unread;
     rows.reserve(tasks.size());
     for (const ORVListedTask& task : tasks) {
         const auto found = known.find(task.task.threadID);
-        if (found != known.end() && found->second.files == task.task.files) {
+        if (found != known.end() && found->second.filesRevision == task.filesRevision) {
             rows.push_back(std::move(found->second.view));
             known.erase(found);
         } else {
@@ -165,30 +186,16 @@ bool ORVTaskViewer::keep(const ORVTaskListView& list, const std::vector<ORVListe
         const ORVTaskView& row = list.tasks[i];
         isWhole = isWhole && row.snapshot;
         if (row.snapshot) {
-            kept_[tasks[i].task.threadID] = {row, tasks[i].task.files};
+            kept_[tasks[i].task.threadID] = {row, tasks[i].filesRevision};
         }
     }
     return isWhole;
 }
 
-/// Reads the tasks at these places of the list, on all processors.
-void ORVTaskViewer::readTasks(std::vector<ORVTaskView>& rows,
-                              const std::vector<ORVListedTask>& tasks,
-                              std::span<const std::size_t> places, Memory memory) {
-    std::vector<const ORVWalkedFile*> files;
-    for (const std::size_t place : places) {
-        for (const ORVWalkedFile& file : tasks[place].task.files) {
-            files.push_back(&file);
-        }
-    }
-    sessions_.readAhead(files, {});
-    for (const std::size_t place : places) {
-        rows[place] = viewOfTask(tasks[place].task);
-        placeInFamily(rows[place], tasks[place]);
-        if (memory == Memory::freed) {
-            sessions_.forget(tasks[place].task);
-        }
-    }
+ORVTaskView ORVTaskViewer::viewOfListed(const ORVListedTask& listed) {
+    ORVTaskView view = viewOfTask(listed.task);
+    placeInFamily(view, listed);
+    return view;
 }
 
 ORVTaskView ORVTaskViewer::viewOfTask(const ORVTask& task) {

@@ -165,8 +165,8 @@ private:
         std::vector<std::pair<std::uint64_t, std::string>> tasks;
         for (const ORVTask& task : viewer_.tasks().matching("")) {
             std::uint64_t bytes = 0;
-            for (const ORVWalkedFile& file : task.files) {
-                bytes += file.size;
+            for (const ORVWalkedFile* file : task.files) {
+                bytes += file->size;
             }
             all += bytes;
             tasks.emplace_back(bytes, viewer_.tasks().shortIdentifier(task));

@@ -92,9 +92,9 @@ public:
     std::shared_ptr<const ORVHistory> historyForThreadID(std::string_view threadID) const;
 
     /// Returns what the agent says beside the figures, in the task's newest record of each kind up
-    /// to its last snapshot; none when no snapshot was made since forgetFiles, or when it is not
+    /// to its last snapshot; null when no snapshot was made since forgetFiles, or when it is not
     /// wanted.
-    std::optional<ORVAgentFacts> agentFactsForThreadID(std::string_view threadID) const;
+    std::shared_ptr<const ORVAgentFacts> agentFactsForThreadID(std::string_view threadID) const;
 
     /// Returns the account's rate limits (rate_limits.cpp) as the newest of these files' last ones
     /// tells them; none when no file has any. At most 20 files are looked at, and only at their
@@ -169,7 +169,7 @@ private:
         std::int64_t compactionCount = 0;
         std::optional<ORVCompactionStatus> signalledStatus;  ///< Of the newest file with a signal.
         std::shared_ptr<const ORVHistory> history;           ///< Null unless histories are wanted.
-        std::optional<ORVAgentFacts> agentFacts;             ///< None unless they are wanted.
+        std::shared_ptr<const ORVAgentFacts> agentFacts;     ///< Null unless they are wanted.
     };
     using States = std::vector<const ORVSessionParseState*>;  ///< Of a task's files, oldest first.
 

@@ -49,7 +49,12 @@ public:
         return found == members_.end() ? nullptr : &found->second.value;
     }
 
-    void erase(std::string_view key) { members_.erase(std::string(key)); }
+    void erase(std::string_view key) {
+        if (const auto found = members_.find(key); found != members_.end()) {
+            members_.erase(found);
+        }
+    }
+    void reserve(std::size_t count) { members_.reserve(count); }
     void clear() { members_.clear(); }
     std::size_t size() const { return members_.size(); }
 

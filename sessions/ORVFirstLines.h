@@ -68,6 +68,9 @@ public:
     /// Returns what is known of the file; null when nothing is.
     const Known* knownOf(const ORVWalkedFile& file) const;
 
+    /// Prepares for so many files.
+    void reserve(std::size_t files) { known_.reserve(files); }
+
     void forget(const ORVWalkedFile& file) { known_.erase(&file); }
     void forgetAll() { known_.clear(); }
 

@@ -63,7 +63,7 @@ public:
                                  ORVErrorSlot* error);
 
     /// Does the same up to the size that a walk has found, and does not ask for it again.
-    std::optional<File> readFile(const ORVWalkedFile& file, ORVReadingMemory& memory,
+    std::optional<File> readFile(const ORVWalkedFile* file, ORVReadingMemory& memory,
                                  ORVErrorSlot* error);
 
     /// What readAhead calls, by several threads at once but for `progress`. Each may be empty.

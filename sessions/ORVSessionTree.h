@@ -26,9 +26,10 @@ struct ORVTask {
     /// The identifier as the newest file's name writes it. A file whose name holds none is a task
     /// by itself, and its whole name stands here.
     std::string threadID;
-    std::vector<ORVWalkedFile> files;  ///< Oldest first, equal dates by path; never empty.
+    /// Oldest first, equal dates by path; never empty. Valid until the tree is refreshed.
+    std::vector<const ORVWalkedFile*> files;
 
-    const ORVWalkedFile& newestFile() const { return files.back(); }
+    const ORVWalkedFile& newestFile() const { return *files.back(); }
 };
 
 /// All session files below a folder, and what has become of them since the last look.

@@ -27,6 +27,8 @@ struct ORVListedTask {
     /// The helpers of a head's family, where they were asked for: the one that changed last first.
     std::vector<ORVListedTask> helperTasks;
     bool followsHead = false;  ///< Whether it is one of the `helperTasks`.
+    /// The list's revision with which one of the task's files appeared, changed or vanished last.
+    std::uint64_t filesRevision = 0;
     /// Whether the last refresh, which was not the first, met the task for the first time.
     bool isNew = false;
 };
@@ -88,9 +90,10 @@ public:
     /// path without links.
     std::optional<ORVListedTask> headForFolder(const std::string& folder);
 
-    /// Returns the head of the family that the task belongs to; none when there is no such task any
-    /// more. Reads first lines until it meets the family's newest file.
-    std::optional<ORVListedTask> headOfFamily(const ORVTask& task);
+    /// Returns the head of the family of the task with this identifier, or, where no file's name
+    /// holds it, with this file; none when there is no such task any more. Reads first lines until
+    /// it meets the family's newest file.
+    std::optional<ORVListedTask> headOfFamily(const std::string& threadID, const std::string& path);
 
     // Identifiers (identifiers.cpp)
 
@@ -132,6 +135,7 @@ private:
         const ORVWalkedFile* newest = nullptr;  ///< Of the files that count; null when none does.
         ORVFileDate changedAt;                  ///< Of that file.
         const ORVFirstLines::Known* known = nullptr;  ///< Of that file; null until it is wanted.
+        std::uint64_t filesRevision = 0;
         std::uint64_t metAt = 0;      ///< The number of the refresh since which some file counts.
         std::size_t shortLength = 0;  ///< Of the identifier's ending that no other task has.
 

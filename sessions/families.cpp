@@ -242,9 +242,10 @@ std::optional<ORVListedTask> ORVTaskList::headForFolder(const std::string& folde
     });
 }
 
-std::optional<ORVListedTask> ORVTaskList::headOfFamily(const ORVTask& task) {
-    return foundHead(headOfFamily_, task.threadID + '/' + task.newestFile().path, [&] {
-        Group* const member = groupOf(task);
+std::optional<ORVListedTask> ORVTaskList::headOfFamily(const std::string& threadID,
+                                                       const std::string& path) {
+    return foundHead(headOfFamily_, threadID + '/' + path, [&] {
+        Group* const member = groupOf(threadID, path);
         const Group* head = nullptr;
         visitTasks([&](Group& group) {
             if (!head) {
@@ -264,8 +265,8 @@ void ORVTaskList::follow(const ORVTask& task) {
         return;
     }
     namedPaths_.clear();
-    for (const ORVWalkedFile& file : task.files) {
-        namedPaths_.insert(file.path);
+    for (const ORVWalkedFile* file : task.files) {
+        namedPaths_.insert(file->path);
     }
     if (refreshes_ < 2) {
         return;  // Whoever asks once follows nothing.

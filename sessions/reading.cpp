@@ -45,10 +45,10 @@ std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const std::stri
     return readOn(states_[path], path, *attributes, memory, {}, error);
 }
 
-std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const ORVWalkedFile& file,
+std::optional<ORVSessionReader::File> ORVSessionReader::readFile(const ORVWalkedFile* file,
                                                                  ORVReadingMemory& memory,
                                                                  ORVErrorSlot* error) {
-    return readOn(states_[file.path], file.path, attributesOf(file), memory, {}, error);
+    return readOn(states_[file->path], file->path, attributesOf(*file), memory, {}, error);
 }
 
 std::optional<ORVSessionReader::File> ORVSessionReader::readOn(
@@ -83,6 +83,7 @@ void ORVSessionReader::readAhead(std::span<const ORVWalkedFile* const> files,
         ORVSessionParseState& state;
     };
     std::vector<Unread> unread;
+    states_.reserve(files.size());
     std::unordered_set<const ORVSessionParseState*> seen;  // A file may belong to several tasks.
     for (const ORVWalkedFile* file : files) {
         ORVSessionParseState& state = states_[file->path];

@@ -14,8 +14,8 @@ namespace {
 const std::string& pathOf(const std::string& path) {
     return path;
 }
-const std::string& pathOf(const ORVWalkedFile& file) {
-    return file.path;
+const std::string& pathOf(const ORVWalkedFile* file) {
+    return file->path;
 }
 
 }  // namespace
@@ -153,7 +153,8 @@ ORVCodexSessionSource::Totals ORVCodexSessionSource::sumOf(const States& states)
         totals.history = std::make_shared<const ORVHistory>(ORVSessionReader::historyOf(states));
     }
     if (reader_.wants().agentFacts) {
-        totals.agentFacts = ORVSessionReader::agentFactsOf(states);
+        totals.agentFacts =
+            std::make_shared<const ORVAgentFacts>(ORVSessionReader::agentFactsOf(states));
     }
     return totals;
 }
@@ -176,10 +177,10 @@ std::shared_ptr<const ORVHistory> ORVCodexSessionSource::historyForThreadID(
     return totals ? totals->history : nullptr;
 }
 
-std::optional<ORVAgentFacts> ORVCodexSessionSource::agentFactsForThreadID(
+std::shared_ptr<const ORVAgentFacts> ORVCodexSessionSource::agentFactsForThreadID(
     std::string_view threadID) const {
     const Totals* const totals = totals_.find(threadID);
-    return totals ? totals->agentFacts : std::nullopt;
+    return totals ? totals->agentFacts : nullptr;
 }
 
 /// Called before anything is read, since it ends what is lent from the tables.
@@ -194,8 +195,8 @@ void ORVCodexSessionSource::forgetFiles() {
 }
 
 void ORVCodexSessionSource::forget(const ORVTask& task) {
-    for (const ORVWalkedFile& file : task.files) {
-        reader_.forgetFile(file.path);
+    for (const ORVWalkedFile* file : task.files) {
+        reader_.forgetFile(file->path);
     }
     totals_.erase(task.threadID);
 }

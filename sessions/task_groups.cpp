@@ -110,6 +110,7 @@ void ORVTaskList::apply(const ORVSessionTree::Change& change, bool places) {
         const auto found = groups_.try_emplace(key).first;
         Group& group = found->second;
         group.identifier = found->first;
+        group.filesRevision = revision_;
         if (change.kind == Kind::appeared) {
             group.files.push_back(file);
             group.namesWithItFirst += isFirst ? 1 : 0;
@@ -246,11 +247,9 @@ std::optional<ORVListedTask> ORVTaskList::headOfNewestFile() {
 }
 
 ORVTask ORVTaskList::taskOf(const Group& group) {
-    ORVTask task;
-    for (const ORVWalkedFile* file : group.files) {
-        task.files.push_back(*file);
-    }
-    std::sort(task.files.begin(), task.files.end(), isOlder);
+    ORVTask task = {"", group.files};
+    std::sort(task.files.begin(), task.files.end(),
+              [](const auto* a, const auto* b) { return isOlder(*a, *b); });
     task.threadID = spellingIn(task.newestFile(), group.identifier);
     return task;
 }
@@ -260,6 +259,7 @@ ORVListedTask ORVTaskList::listed(const Group& group, ORVFileDate changedAt) con
     task.task = taskOf(group);
     task.firstLine = group.known ? group.known->line : ORVFirstLine();
     task.changedAt = changedAt;
+    task.filesRevision = group.filesRevision;
     task.isNew = refreshes_ > 1 && group.metAt == refreshes_;
     return task;
 }

@@ -61,7 +61,7 @@ std::string rateLimits(const std::vector<ORVRateLimit>& limits) {
     });
 }
 
-std::string agent(const std::optional<ORVAgentFacts>& facts) {
+std::string agent(const ORVAgentFacts* facts) {
     if (!facts) {
         return "null";
     }
@@ -75,7 +75,7 @@ std::string agent(const std::optional<ORVAgentFacts>& facts) {
 std::string listedTask(const ORVTaskView& view) {
     Fields fields = fieldsOf(*view.snapshot);
     fields.emplace_back("folder", text::quotedJSONOrNull(view.folder));
-    fields.emplace_back("agent", agent(view.agent));
+    fields.emplace_back("agent", agent(view.agent.get()));
     fields.emplace_back("parent", text::quotedJSONOrNull(view.parentID));
     fields.emplace_back("helpers", std::to_string(view.helpers));
     fields.emplace_back("changedAt", text::quotedJSON(utcText(view.changedAt)));
@@ -151,7 +151,7 @@ std::string snapshotAnswer(const std::optional<ORVSessionSnapshot>& shown,
 std::string taskAnswer(const ORVTaskView& view) {
     return text::objectJSON({{"snapshot", snapshot(view.snapshot)},
                              {"error", error(view.error)},
-                             {"agent", agent(view.agent)}});
+                             {"agent", agent(view.agent.get())}});
 }
 
 std::string focusAnswer(const ORVCodexFocusState& focusState, const ORVErrorSlot& slot) {

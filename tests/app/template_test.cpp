@@ -28,8 +28,8 @@ std::string filled(const std::string& text, const ORVSessionSnapshot* snapshot) 
         view.changedAt = snapshot->lastUpdated();
         view.folder = "/w\x1b";
         view.shortID = "b7";
-        view.agent =
-            ORVAgentFacts{"gpt", std::nullopt, 55, 1'234, {{300, 42.5, 2'000}, {10'080, 7, 1'000}}};
+        view.agent = std::make_shared<ORVAgentFacts>(ORVAgentFacts{
+            "gpt", std::nullopt, 55, 1'234, {{300, 42.5, 2'000}, {10'080, 7, 1'000}}});
     }
     ORVTemplateValues values;
     values.status = "C3 · 47%";

@@ -58,7 +58,7 @@ class AgentFactsTest : public SessionSourceTest {
 protected:
     std::string factsOf(ORVCodexSessionSource& from) {
         EXPECT_TRUE(from.snapshotForThreadID(kTask, nullptr));
-        const ORVAgentFacts facts = from.agentFactsForThreadID(kTask).value();
+        const ORVAgentFacts facts = *from.agentFactsForThreadID(kTask);
         return shown(facts.model) + '/' + shown(facts.effort) + ' ' + shown(facts.leftPercent) +
                '%' + shown(facts.totalTokens) + shown(facts.rateLimits);
     }
@@ -159,9 +159,9 @@ TEST_F(AgentFactsTest, HoweverAFileIsReadItTellsTheSame) {
         EXPECT_EQ(whole, factsOf(asking)) << step;
         EXPECT_EQ(figures, app::statusTitle(*asking.snapshotForThreadID(kTask, nullptr)).text());
     }
-    EXPECT_EQ(std::nullopt, source.agentFactsForThreadID(kTask)) << "where nobody asks";
+    EXPECT_EQ(nullptr, source.agentFactsForThreadID(kTask)) << "where nobody asks";
     asking.forgetFiles();
-    EXPECT_EQ(std::nullopt, asking.agentFactsForThreadID(kTask));
+    EXPECT_EQ(nullptr, asking.agentFactsForThreadID(kTask));
 }
 
 class AccountLimitsTest : public SessionSourceTest {

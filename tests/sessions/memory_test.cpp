@@ -106,11 +106,12 @@ TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
         const auto state = focus.currentFocusStateWithError(&slot);
         const auto latest = sessions.latestSnapshotWithError(&slot);
         const auto found = sessions.snapshotForThreadID(kTask, &slot);
-        const ORVTask task{kTask, {{fileOf(kTask, "b"), {}, 0, 100}}};
-        const ORVWalkedFile* const file = &task.files.front();
+        const std::vector<ORVWalkedFile> walked = {{fileOf(kTask, "b"), {}, 0, 100}};
+        const ORVWalkedFile* const file = &walked.front();
+        const ORVTask task{kTask, {file}};
         sessions.readAhead({&file, 1}, {});
         (void)sessions.snapshotForTask(task, &slot);
-        (void)sessions.accountLimits(task.files, nullptr);
+        (void)sessions.accountLimits(walked, nullptr);
         const auto facts = sessions.agentFactsForThreadID(kTask);
         const bool isWhole = latest && found && facts && sessions.historyForThreadID(kTask);
         return isWhole && state.threadID() == kTask && heads.size() == 1 && heads[0].helpers == 1 &&

@@ -17,7 +17,7 @@ ORVTaskView task(const std::string& title, std::int64_t tokens, const std::strin
                            ORVContextStatusAvailable, ORVCompactionStatusValid, view.changedAt);
     view.shortID = shortID;
     view.folder = "/code/site";
-    view.agent = ORVAgentFacts{"gpt-5", {}, {}, {}, {}};
+    view.agent = std::make_shared<ORVAgentFacts>(ORVAgentFacts{"gpt-5", {}, {}, {}, {}});
     return view;
 }
 
