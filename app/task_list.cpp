@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <iterator>
 #include <new>
 #include <span>
 #include <tuple>
@@ -52,13 +51,7 @@ std::vector<ORVListedTask> ORVTaskViewer::listed(const ORVListRequest& request,
                      : request.countsHelpers ? Helpers::counted
                                              : Helpers::none;
     wanted.changedSince = since;
-    std::vector<ORVListedTask> tasks;
-    for (ORVListedTask& head : tasks_.heads(wanted)) {
-        std::vector<ORVListedTask> helpers = std::move(head.helperTasks);
-        tasks.push_back(std::move(head));
-        std::move(helpers.begin(), helpers.end(), std::back_inserter(tasks));
-    }
-    return tasks;
+    return tasks_.heads(wanted);
 }
 
 ORVTaskListView ORVTaskViewer::beginList() {

@@ -67,6 +67,8 @@ ORVFileFollower::Result ORVFileFollower::readFile(ORVFollowedFile& state, const 
         return Result::failed;
     }
     if (state.pendingData.empty()) {
+        // Most lines fit; growing would hold a line twice. What is not touched takes no memory.
+        memory.spareLine.reserve(2 * ORVReadingMemory::kChunkBytes);
         std::swap(state.pendingData, memory.spareLine);
     }
     Result result = Result::upToDate;

@@ -175,7 +175,6 @@ private:
 
     // Snapshots (snapshots.cpp)
     enum class Titles { refreshed, asTheyAre };
-    ORVSessionSnapshot snapshotOfFile(const std::string& path, const ORVSessionReader::File& file);
     template <typename Files>
     std::optional<ORVSessionSnapshot> snapshotOfFiles(const Files& files, std::string_view threadID,
                                                       Titles titles, ORVErrorSlot* error);

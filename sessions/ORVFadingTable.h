@@ -63,8 +63,12 @@ private:
         Value value;
         bool isAskedFor = true;  ///< Since the table was aged.
     };
-    struct Hash : std::hash<std::string_view> {
+    /// Is not noexcept, since the GNU library would then make it anew for each comparison.
+    struct Hash {
         using is_transparent = void;
+        std::size_t operator()(std::string_view key) const {
+            return std::hash<std::string_view>()(key);
+        }
     };
     std::unordered_map<std::string, Member, Hash, std::equal_to<>> members_;
     ORVClock::TimePoint agedAt_;

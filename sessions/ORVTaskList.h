@@ -23,10 +23,8 @@ struct ORVListedTask {
     /// When the task's newest file that counts was written; for the head of a family, when any of
     /// its family was.
     ORVFileDate changedAt;
-    std::size_t helpers = 0;  ///< How many helpers a head's family has, where it was asked for.
-    /// The helpers of a head's family, where they were asked for: the one that changed last first.
-    std::vector<ORVListedTask> helperTasks;
-    bool followsHead = false;  ///< Whether it is one of the `helperTasks`.
+    std::size_t helpers = 0;   ///< How many helpers a head's family has, where it was asked for.
+    bool followsHead = false;  ///< Whether it is one of the helpers that follow their head.
     /// The list's revision with which one of the task's files appeared, changed or vanished last.
     std::uint64_t filesRevision = 0;
     /// Whether the last refresh, which was not the first, met the task for the first time.
@@ -78,7 +76,8 @@ public:
         Helpers helpers = Helpers::none;  ///< All others need all first lines.
     };
 
-    /// Returns the heads, the one whose family changed last first.
+    /// Returns the heads, the one whose family changed last first, and each followed by its
+    /// helpers, if they are to be listed: the one that changed last first.
     std::vector<ORVListedTask> heads(const Wanted& wanted);
 
     /// Returns the head of the family that changed last; none when there are no tasks. Opens no

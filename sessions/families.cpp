@@ -1,6 +1,7 @@
 // Which tasks belong together: the agent lets helpers work for a task, and names the task in their
 // first lines. Tests: tests/sessions/task_list_test.cpp.
 
+#include <iterator>
 #include <unordered_map>
 
 #include "sessions/ORVTaskList.h"
@@ -173,27 +174,38 @@ std::vector<ORVListedTask> ORVTaskList::heads(const Wanted& wanted) {
             const auto& path = head.known->line.folder;
             return !wanted.folder || (path && neighbourhood.of(*path).isNear);
         };
-        std::vector<ORVListedTask> tasks;
-        std::unordered_map<const Group*, std::optional<std::size_t>> positions;  // In `tasks`.
+        struct Family {
+            ORVListedTask head;
+            std::vector<ORVListedTask> helpers;
+        };
+        std::vector<Family> families;
+        std::unordered_map<const Group*, std::optional<std::size_t>> positions;  // In `families`.
+        positions.reserve(wanted.limit > 0 ? wanted.limit : order_.size());
         visitTasks([&](Group& group) {
-            const auto isFull = [&] { return wanted.limit > 0 && tasks.size() == wanted.limit; };
+            const auto isFull = [&] { return wanted.limit > 0 && families.size() == wanted.limit; };
             const bool isOld = wanted.changedSince && group.changedAt < *wanted.changedSince;
             const Group& head = headOf(group);
             const auto [position, isNew] = positions.try_emplace(&head);
             if (isNew && !isFull() && !isOld && isWanted(head)) {
-                position->second = tasks.size();
-                tasks.push_back(listed(head, group.changedAt));
+                position->second = families.size();
+                families.push_back({listed(head, group.changedAt), {}});
             }
             if (wantsHelpers && position->second && &group != &head) {
-                ORVListedTask& task = tasks[*position->second];
-                ++task.helpers;
+                Family& family = families[*position->second];
+                ++family.head.helpers;
                 if (wanted.helpers == Helpers::listed) {
-                    task.helperTasks.push_back(listed(group, group.changedAt));
-                    task.helperTasks.back().followsHead = true;
+                    family.helpers.push_back(listed(group, group.changedAt));
+                    family.helpers.back().followsHead = true;
                 }
             }
             return wantsHelpers || !(isFull() || isOld);
         });
+        std::vector<ORVListedTask> tasks;
+        tasks.reserve(families.size());
+        for (Family& family : families) {
+            tasks.push_back(std::move(family.head));
+            std::move(family.helpers.begin(), family.helpers.end(), std::back_inserter(tasks));
+        }
         return tasks;
     });
 }

@@ -18,6 +18,12 @@ const std::string& pathOf(const ORVWalkedFile* file) {
     return file->path;
 }
 
+/// Returns the identifier in the file's name, or else the whole name.
+std::string idOfFile(const std::string& path) {
+    return ORVCodexSessionSource::threadIDFromSessionURL(path).value_or(
+        std::string(text::lastPathComponent(path)));
+}
+
 }  // namespace
 
 ORVCodexSessionSource::ORVCodexSessionSource(ORVFiles& files, const ORVClock& clock,
@@ -62,18 +68,12 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForSessionURL(
         return std::nullopt;
     }
     titles_.refreshIfNeeded();
-    return snapshotOfFile(path, *file);
-}
-
-ORVSessionSnapshot ORVCodexSessionSource::snapshotOfFile(const std::string& path,
-                                                         const ORVSessionReader::File& file) {
-    std::string threadID =
-        threadIDFromSessionURL(path).value_or(std::string(text::lastPathComponent(path)));
+    std::string threadID = idOfFile(path);
     std::string title = titles_.titleOf(threadID);
-    const ORVSessionParseState& state = file.state;
-    return {std::move(title),       std::move(threadID), path,
-            state.compactionCount,  state.contextUsage,  state.contextStatus,
-            state.compactionStatus, file.modifiedAt};
+    const ORVSessionParseState& state = file->state;
+    return ORVSessionSnapshot(std::move(title), std::move(threadID), path, state.compactionCount,
+                              state.contextUsage, state.contextStatus, state.compactionStatus,
+                              file->modifiedAt);
 }
 
 std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotForThreadID(
@@ -112,13 +112,13 @@ std::optional<ORVSessionSnapshot> ORVCodexSessionSource::snapshotOfFiles(const F
     if (titles == Titles::refreshed) {
         titles_.refreshIfNeeded();
     }
-    const ORVSessionSnapshot newest =
-        snapshotOfFile(pathOf(files.back()), {*states.back(), *lastUpdated});
+    const std::string& newestPath = pathOf(files.back());
+    const ORVSessionParseState& newest = *states.back();
     const Totals& totals = totalsOfTask(states, threadID);
-    return ORVSessionSnapshot(newest.title(), std::string(threadID), newest.fileURL(),
-                              totals.compactionCount, newest.contextUsage(), newest.contextStatus(),
-                              totals.signalledStatus.value_or(newest.compactionStatus()),
-                              newest.lastUpdated());
+    return ORVSessionSnapshot(
+        titles_.titleOf(idOfFile(newestPath)), std::string(threadID), newestPath,
+        totals.compactionCount, newest.contextUsage, newest.contextStatus,
+        totals.signalledStatus.value_or(newest.compactionStatus), *lastUpdated);
 }
 
 const ORVCodexSessionSource::Totals& ORVCodexSessionSource::totalsOfTask(

@@ -106,8 +106,8 @@ void ORVTaskList::apply(const ORVSessionTree::Change& change, bool places) {
     using Kind = ORVSessionTree::Change::Kind;
     const ORVWalkedFile* const file = change.file;
     bool isFirst = true;
-    for (const std::string& key : keysOf(*file)) {
-        const auto found = groups_.try_emplace(key).first;
+    for (std::string& key : keysOf(*file)) {
+        const auto found = groups_.try_emplace(std::move(key)).first;
         Group& group = found->second;
         group.identifier = found->first;
         group.filesRevision = revision_;

@@ -114,7 +114,7 @@ TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
         (void)sessions.accountLimits(walked, nullptr);
         const auto facts = sessions.agentFactsForThreadID(kTask);
         const bool isWhole = latest && found && facts && sessions.historyForThreadID(kTask);
-        return isWhole && state.threadID() == kTask && heads.size() == 1 && heads[0].helpers == 1 &&
+        return isWhole && state.threadID() == kTask && heads.size() == 2 && heads[0].helpers == 1 &&
                        list.newestHead()->task.threadID == kTask
                    ? std::to_string(found->compactionCount()) + found->title()
                    : "nothing";

@@ -62,13 +62,17 @@ protected:
 
     static std::string described(const std::vector<ORVListedTask>& tasks) {
         std::string text;
+        bool isAmongHelpers = false;
         for (const ORVListedTask& task : tasks) {
-            text += (text.empty() ? "" : " ") + nameOf(task.task) + '@' +
-                    std::to_string(task.changedAt.seconds) +
-                    (task.helpers > 0 ? '+' + std::to_string(task.helpers) : "") +
-                    (task.helperTasks.empty() ? "" : '(' + described(task.helperTasks) + ')');
+            text += task.followsHead && !isAmongHelpers   ? "("
+                    : !task.followsHead && isAmongHelpers ? ") "
+                    : text.empty()                        ? ""
+                                                          : " ";
+            isAmongHelpers = task.followsHead;
+            text += nameOf(task.task) + '@' + std::to_string(task.changedAt.seconds) +
+                    (task.helpers > 0 ? '+' + std::to_string(task.helpers) : "");
         }
-        return text;
+        return text + (isAmongHelpers ? ")" : "");
     }
 
     static std::string described(const std::optional<ORVListedTask>& task) {
