@@ -93,6 +93,7 @@ private:
     using KeptViews = std::unordered_map<std::string, KeptView>;  ///< By identifier.
     ORVTaskListView beginList();
     std::optional<ORVFileDate> sinceOf(const ORVListRequest& request) const;
+    std::vector<const ORVWalkedFile*> allFiles() const;
     void readEverything(const ORVListRequest& request, const Progress& progress);
     std::vector<std::size_t> placeTasks(std::vector<ORVTaskView>& rows,
                                         const std::vector<ORVListedTask>& tasks);

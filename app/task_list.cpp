@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <new>
 #include <span>
-#include <tuple>
 #include <utility>
 
 #include "app/ORVTaskViewer.h"
@@ -121,11 +120,16 @@ ORVTaskListView ORVTaskViewer::listOnce(const ORVListRequest& request, const Pro
     return view;
 }
 
+std::vector<const ORVWalkedFile*> ORVTaskViewer::allFiles() const {
+    std::vector<const ORVWalkedFile*> files;
+    tasks_.tree().forEachFile([&](const ORVWalkedFile& file) { files.push_back(&file); });
+    return files;
+}
+
 /// Reads all files, and takes their first lines from the same reads, so that none is opened twice.
 /// Passes over those that prove to be helpers', unless helpers are shown.
 void ORVTaskViewer::readEverything(const ORVListRequest& request, const Progress& progress) {
-    std::vector<const ORVWalkedFile*> files;
-    tasks_.tree().forEachFile([&](const ORVWalkedFile& file) { files.push_back(&file); });
+    const std::vector<const ORVWalkedFile*> files = allFiles();
     tasks_.firstLines().reserve(files.size());
     sessions_.readAhead(
         files, {[&](const ORVWalkedFile& file, std::string_view bytes, ORVJSONReader& json) {
@@ -222,20 +226,11 @@ void ORVTaskViewer::placeInFamily(ORVTaskView& view, const ORVListedTask& listed
 }
 
 std::optional<ORVAccountLimits> ORVTaskViewer::accountLimits() {
-    constexpr std::size_t kMostFiles = 20;
     if (!tasks_.refresh(nullptr)) {
         return std::nullopt;
     }
-    std::vector<ORVWalkedFile> files;
-    tasks_.tree().forEachFile([&](const ORVWalkedFile& file) { files.push_back(file); });
-    const std::size_t count = std::min(kMostFiles, files.size());
-    std::partial_sort(files.begin(), files.begin() + static_cast<std::ptrdiff_t>(count),
-                      files.end(), [](const ORVWalkedFile& a, const ORVWalkedFile& b) {
-                          return std::tie(b.modifiedAt, a.path) < std::tie(a.modifiedAt, b.path);
-                      });
-    files.resize(count);
     unreadableForLimits_.clear();
-    return sessions_.accountLimits(files, &unreadableForLimits_);
+    return sessions_.accountLimits(allFiles(), &unreadableForLimits_);
 }
 
 std::vector<ORVUnreadable> ORVTaskViewer::unreadable() const {

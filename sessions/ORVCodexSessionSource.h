@@ -97,12 +97,11 @@ public:
     std::shared_ptr<const ORVAgentFacts> agentFactsForThreadID(std::string_view threadID) const;
 
     /// Returns the account's rate limits (rate_limits.cpp) as the newest of these files' last ones
-    /// tells them; none when no file has any. At most 20 files are looked at, and only at their
+    /// tells them; none when no file has any. The 20 newest files are looked at, and only at their
     /// ends. A file that is older than the longest window of its rate limits does not count. Of the
     /// others the record with the latest time counts: of its time stamp, or of its file where it
-    /// has none that can be read. `unreadable` may be null, and takes the files that cannot be
-    /// read.
-    std::optional<ORVAccountLimits> accountLimits(std::span<const ORVWalkedFile> newestFirst,
+    /// has none that can be read. `unreadable` takes the files that cannot be read.
+    std::optional<ORVAccountLimits> accountLimits(std::vector<const ORVWalkedFile*> files,
                                                   std::vector<ORVUnreadable>* unreadable) const;
 
     // Files

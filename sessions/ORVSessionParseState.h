@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -43,7 +44,7 @@ struct ORVSessionParseState : ORVFollowedFile {
     /// What happened, in file order; empty unless histories are wanted.
     std::vector<ORVRecordedEvent> history;
 
-    ORVRecordedFacts facts;  ///< Nothing unless they are wanted.
+    std::unique_ptr<ORVRecordedFacts> facts;  ///< Null unless they are wanted.
 
     /// How many usages one event may stand for: grows when there were too many events.
     std::size_t answersPerEvent = 1;

@@ -146,7 +146,9 @@ void ORVSessionReader::takeFacts(std::span<const std::string_view> lines, ORVRec
 ORVAgentFacts ORVSessionReader::agentFactsOf(std::span<const ORVSessionParseState* const> files) {
     ORVRecordedFacts told;
     for (auto file = files.rbegin(); file != files.rend(); ++file) {
-        told.fillFrom((*file)->facts);
+        if ((*file)->facts) {
+            told.fillFrom(*(*file)->facts);
+        }
     }
     return std::move(told.facts);
 }

@@ -85,7 +85,10 @@ void ORVSessionReader::consumeLines(std::span<const std::string_view> lines,
     if (!wants_.agentFacts) {
         return consumeFigures(lines, state, json);
     }
-    takeFacts(lines, state.facts, json);
+    if (!state.facts) {
+        state.facts = std::make_unique<ORVRecordedFacts>();
+    }
+    takeFacts(lines, *state.facts, json);
     std::vector<std::string_view> telling;  // The others are about turns alone.
     std::copy_if(lines.begin(), lines.end(), std::back_inserter(telling), [](auto line) {
         return dataContainsUTF8(line, kCompact) || dataContainsUTF8(line, kTokenCount);

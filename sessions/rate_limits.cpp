@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <tuple>
 
 #include "sessions/ORVCodexSessionSource.h"
 #include "text/timestamps.h"
@@ -78,21 +79,28 @@ std::optional<ORVRecordedFacts> ORVSessionReader::lastRateLimits(const ORVWalked
 }
 
 std::optional<ORVAccountLimits> ORVCodexSessionSource::accountLimits(
-    std::span<const ORVWalkedFile> newestFirst, std::vector<ORVUnreadable>* unreadable) const {
+    std::vector<const ORVWalkedFile*> files, std::vector<ORVUnreadable>* unreadable) const {
     constexpr std::size_t kMostFiles = 20;
+    const std::size_t count = std::min(kMostFiles, files.size());
+    std::partial_sort(files.begin(), files.begin() + static_cast<std::ptrdiff_t>(count),
+                      files.end(), [](const ORVWalkedFile* a, const ORVWalkedFile* b) {
+                          return std::tie(b->modifiedAt, a->path) <
+                                 std::tie(a->modifiedAt, b->path);
+                      });
+    files.resize(count);
     ORVReadingMemory memory;
     std::optional<ORVAccountLimits> best;
-    for (const ORVWalkedFile& file : newestFirst.first(std::min(kMostFiles, newestFirst.size()))) {
+    for (const ORVWalkedFile* const file : files) {
         ORVErrorSlot error;
-        auto found = reader_.lastRateLimits(file, memory, &error);
-        if (!found && unreadable && error->code != ENOENT) {
-            unreadable->push_back({file.path, std::move(*error)});
+        auto found = reader_.lastRateLimits(*file, memory, &error);
+        if (!found && error->code != ENOENT) {
+            unreadable->push_back({file->path, std::move(*error)});
         }
         if (!found || found->facts.rateLimits.empty() ||
-            isOutdated(found->facts.rateLimits, file.modifiedAt, clock_.now())) {
+            isOutdated(found->facts.rateLimits, file->modifiedAt, clock_.now())) {
             continue;
         }
-        const ORVFileDate date = dateOf(found->rateLimitsAt).value_or(file.modifiedAt);
+        const ORVFileDate date = dateOf(found->rateLimitsAt).value_or(file->modifiedAt);
         if (!best || date > best->date) {
             best = {std::move(found->facts.rateLimits), std::move(found->rateLimitsAt), date};
         }

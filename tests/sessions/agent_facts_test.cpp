@@ -175,10 +175,18 @@ protected:
         files.push_back({path, {now() - secondsAgo, 0}, 0, content.size()});
     }
 
+    std::optional<ORVAccountLimits> limitsOfFiles() {
+        std::vector<const ORVWalkedFile*> pointers;
+        for (const ORVWalkedFile& file : files) {
+            pointers.push_back(&file);
+        }
+        return source.accountLimits(std::move(pointers), &unreadable);
+    }
+
     /// Returns the limits of the files that were added, and forgets those.
     std::string answer() {
         unreadable.clear();
-        const auto found = source.accountLimits(files, &unreadable);
+        const auto found = limitsOfFiles();
         files.clear();
         return found ? found->at + shown(found->rateLimits) : "none";
     }
@@ -229,7 +237,7 @@ TEST_F(AccountLimitsTest, TheFilesDateStandsInForATimeStamp) {
     add(limits("{}", "null", "0000-99-99T99:99:99Z"), 2);
     EXPECT_EQ("0000-99-99T99:99:99Z -:-@-", answer());
     add(limits("{}", "null", "2001-01-01T00:00:00Z"), 1);
-    const auto found = source.accountLimits(files, nullptr);
+    const auto found = limitsOfFiles();
     EXPECT_EQ((ORVFileDate{978'307'200, 0}), found->date);
 }
 

@@ -106,12 +106,13 @@ TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
         const auto state = focus.currentFocusStateWithError(&slot);
         const auto latest = sessions.latestSnapshotWithError(&slot);
         const auto found = sessions.snapshotForThreadID(kTask, &slot);
-        const std::vector<ORVWalkedFile> walked = {{fileOf(kTask, "b"), {}, 0, 100}};
-        const ORVWalkedFile* const file = &walked.front();
+        const ORVWalkedFile walked{fileOf(kTask, "b"), {}, 0, 100};
+        const ORVWalkedFile* const file = &walked;
+        std::vector<ORVUnreadable> unreadable;
         const ORVTask task{kTask, {file}};
         sessions.readAhead({&file, 1}, {});
         (void)sessions.snapshotForTask(task, &slot);
-        (void)sessions.accountLimits(walked, nullptr);
+        (void)sessions.accountLimits({file}, &unreadable);
         const auto facts = sessions.agentFactsForThreadID(kTask);
         const bool isWhole = latest && found && facts && sessions.historyForThreadID(kTask);
         return isWhole && state.threadID() == kTask && heads.size() == 2 && heads[0].helpers == 1 &&
