@@ -20,13 +20,22 @@
 namespace platform {
 namespace {
 
-/// Returns the modification date, which has another name in macOS's `struct stat`.
+/// Dates of an item.
+struct Dates {
+    ORVFileDate modified;
+    ORVFileDate changed;  ///< In any way: content, name, place or rights.
+};
+
+/// Returns the dates, which have other names in macOS's `struct stat`.
 template <typename Status>
-ORVFileDate modificationDate(const Status& status) {
+Dates datesOf(const Status& status) {
+    const auto date = [](const timespec& time) {
+        return ORVFileDate{time.tv_sec, static_cast<std::int32_t>(time.tv_nsec)};
+    };
     if constexpr (requires { status.st_mtimespec; }) {
-        return {status.st_mtimespec.tv_sec, static_cast<std::int32_t>(status.st_mtimespec.tv_nsec)};
+        return {date(status.st_mtimespec), date(status.st_ctimespec)};
     } else {
-        return {status.st_mtim.tv_sec, static_cast<std::int32_t>(status.st_mtim.tv_nsec)};
+        return {date(status.st_mtim), date(status.st_ctim)};
     }
 }
 
@@ -77,24 +86,15 @@ private:
     FileDescriptor descriptor_;
 };
 
-/// Returns the date of the last change of any kind, which has another name in macOS's, too.
-template <typename Status>
-ORVFileDate statusChangeDate(const Status& status) {
-    if constexpr (requires { status.st_ctimespec; }) {
-        return {status.st_ctimespec.tv_sec, static_cast<std::int32_t>(status.st_ctimespec.tv_nsec)};
-    } else {
-        return {status.st_ctim.tv_sec, static_cast<std::int32_t>(status.st_ctim.tv_nsec)};
-    }
-}
-
 ORVItemStatus itemStatus(const struct stat& status) {
     using Kind = ORVItemStatus::Kind;
     const Kind kind = hasHiddenFlag(status)     ? Kind::other
                       : S_ISREG(status.st_mode) ? Kind::file
                       : S_ISDIR(status.st_mode) ? Kind::folder
                                                 : Kind::other;
-    return {kind, modificationDate(status), statusChangeDate(status),
-            static_cast<std::uint64_t>(status.st_ino), static_cast<std::uint64_t>(status.st_size)};
+    const auto [modified, changed] = datesOf(status);
+    return {kind, modified, changed, static_cast<std::uint64_t>(status.st_ino),
+            static_cast<std::uint64_t>(status.st_size)};
 }
 
 struct DirectoryCloser {
@@ -209,7 +209,7 @@ public:
         }
         return ORVFileAttributes{static_cast<std::uint64_t>(status.st_size),
                                  static_cast<std::uint64_t>(status.st_ino),
-                                 modificationDate(status)};
+                                 datesOf(status).modified};
     }
 
     std::optional<ORVFileDate> contentModificationDate(const std::string& path) override {
@@ -217,7 +217,7 @@ public:
         if (uninterrupted([&] { return stat(path.c_str(), &status); }) != 0) {
             return std::nullopt;
         }
-        return modificationDate(status);
+        return datesOf(status).modified;
     }
 
     bool itemExists(const std::string& path) override {

@@ -71,12 +71,6 @@ bool isWhiteSpace(char32_t code) {
            (code >= 0x80 && categoryOf(code) == UTF8PROC_CATEGORY_ZS);
 }
 
-int widthOf(const Character& character) {
-    return character.code == kNotACharacter
-               ? 1
-               : utf8proc_charwidth(static_cast<utf8proc_int32_t>(character.code));
-}
-
 bool endsLine(char32_t code) {
     return code == '\n' || code == '\r' || code == 0x85 || code == 0x2028 || code == 0x2029;
 }
@@ -153,21 +147,25 @@ void forEachLine(std::string_view text, const std::function<void(std::string_vie
     }
 }
 
-int columnsOf(std::string_view text) {
+int unicodeWidth(char32_t code) {
+    return code == kNotACharacter ? 1 : utf8proc_charwidth(static_cast<utf8proc_int32_t>(code));
+}
+
+int columnsOf(std::string_view text, WidthOf widthOf) {
     int columns = 0;
     while (!text.empty()) {
         const Character next = nextCharacter(text);
-        columns += widthOf(next);
+        columns += widthOf(next.code);
         text.remove_prefix(next.bytes);
     }
     return columns;
 }
 
-std::string_view beginning(std::string_view text, int columns) {
+std::string_view beginning(std::string_view text, int columns, WidthOf widthOf) {
     std::size_t end = 0;
     while (end < text.size()) {
         const Character next = nextCharacter(text.substr(end));
-        columns -= widthOf(next);
+        columns -= widthOf(next.code);
         if (columns < 0) {
             break;
         }

@@ -51,11 +51,15 @@ std::string shortened(std::string_view bytes, std::size_t characters);
 /// escaped.
 std::string escapedForMarkup(std::string_view text);
 
-/// Returns the columns that a text takes where every character has the width that Unicode gives it,
-/// and its longest beginning of at most so many columns. A terminal may have another table; what is
-/// laid out there is measured with the C library's.
-int columnsOf(std::string_view text);
-std::string_view beginning(std::string_view text, int columns);
+/// Returns the columns of a character, or of what stands for kNotACharacter.
+using WidthOf = int (*)(char32_t code);
+
+/// Returns the width that Unicode gives a character. A terminal may have another table.
+int unicodeWidth(char32_t code);
+
+/// Returns the columns that a text takes, and its longest beginning of at most so many columns.
+int columnsOf(std::string_view text, WidthOf widthOf = unicodeWidth);
+std::string_view beginning(std::string_view text, int columns, WidthOf widthOf = unicodeWidth);
 
 /// Returns a text without the character that its end cuts through.
 std::string_view wholeCharacters(std::string_view text);

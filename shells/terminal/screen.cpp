@@ -23,25 +23,17 @@
 namespace terminal {
 namespace {
 
-struct Character {
-    std::string_view bytes;
-    wchar_t code;
-    int columns;  ///< -1 when the library does not know the character.
-};
-
-/// Returns the first character of a text, which must be valid UTF-8.
-Character nextCharacter(std::string_view text) {
-    const auto [code, bytes] = text::nextCharacter(text);
-    const auto wide = static_cast<wchar_t>(code);
-    return {text.substr(0, bytes), wide, wcwidth(wide)};
+/// Returns the columns of a character, -1 when the library does not know it.
+int widthOf(char32_t code) {
+    return wcwidth(static_cast<wchar_t>(code));
 }
 
 /// Whether the character makes one picture of several, which some terminals do and others do not:
 /// the variants, skin tones and tags of pictures, and the joiner behind a wide character. (Behind
 /// other characters the joiner shapes letters.)
-bool joinsPictures(const Character& character, int columnsBefore) {
-    const auto isIn = [&](wchar_t first, wchar_t last) {
-        return character.code >= first && character.code <= last;
+bool joinsPictures(char32_t code, int columnsBefore) {
+    const auto isIn = [code](char32_t first, char32_t last) {
+        return code >= first && code <= last;
     };
     return isIn(0xFE00, 0xFE0F) || isIn(0xE0000, 0xE01EF) ||
            (columnsBefore == 2 && (isIn(0x200D, 0x200D) || isIn(0x1F3FB, 0x1F3FF)));
@@ -51,13 +43,12 @@ std::string unicodeText(std::string_view text) {
     std::string result;
     int columnsBefore = 0;
     while (!text.empty()) {
-        const Character next = nextCharacter(text);
-        text.remove_prefix(next.bytes.size());
-        if (joinsPictures(next, columnsBefore)) {
-            continue;
+        const auto [code, bytes] = text::nextCharacter(text);
+        if (!joinsPictures(code, columnsBefore)) {
+            columnsBefore = widthOf(code);
+            result += columnsBefore < 0 ? "\uFFFD" : text.substr(0, bytes);
         }
-        result += next.columns < 0 ? "\uFFFD" : next.bytes;
-        columnsBefore = next.columns;
+        text.remove_prefix(bytes);
     }
     return result;
 }
@@ -71,13 +62,13 @@ std::string asciiText(std::string_view text) {
         {"▲", "^"}, {"▼", "v"}, {"•", "*"}, {"简体中文", "Simplified Chinese"}};
     std::string result;
     while (!text.empty()) {
-        const Character next = nextCharacter(text);
+        const std::size_t bytes = text::nextCharacter(text).bytes;
         const auto* standIn =
             std::find_if(std::begin(kStandIns), std::end(kStandIns),
                          [&](const auto& pair) { return text.starts_with(pair.first); });
         const bool hasStandIn = standIn != std::end(kStandIns);
-        result += hasStandIn ? standIn->second : next.bytes.size() == 1 ? next.bytes : "?";
-        text.remove_prefix(hasStandIn ? standIn->first.size() : next.bytes.size());
+        result += hasStandIn ? standIn->second : bytes == 1 ? text.substr(0, 1) : "?";
+        text.remove_prefix(hasStandIn ? standIn->first.size() : bytes);
     }
     return result;
 }
@@ -134,26 +125,11 @@ std::string shown(std::string_view text, const Screen& screen) {
 }
 
 int textColumns(std::string_view text) {
-    int columns = 0;
-    while (!text.empty()) {
-        const Character next = nextCharacter(text);
-        columns += next.columns;
-        text.remove_prefix(next.bytes.size());
-    }
-    return columns;
+    return text::columnsOf(text, widthOf);
 }
 
 std::string_view beginning(std::string_view text, int columns) {
-    std::size_t end = 0;
-    while (end < text.size()) {
-        const Character next = nextCharacter(text.substr(end));
-        if (next.columns > columns) {
-            break;
-        }
-        columns -= next.columns;
-        end += next.bytes.size();
-    }
-    return text.substr(0, end);
+    return text::beginning(text, columns, widthOf);
 }
 
 std::string cut(std::string_view text, int columns, const Screen& screen) {
