@@ -100,7 +100,7 @@ void sweep(Fault fault, bool isSeen, bool afterChange) {
 TEST(TaskViewerTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
     constexpr int kAttributesOfTheLog = 3;  // The calls before it: property list and walk.
     constexpr const char* kLog = "/h/Library/Logs/com.openai.codex/main.log";
-    const std::string file = std::string("/codex/sessions/") + kTask + ".jsonl";
+    const std::string file = "/codex/sessions/" + kTask + ".jsonl";
     MemoryFiles disk;
     const ManualClock clock;
     setenv("HOME", "/h", 1);

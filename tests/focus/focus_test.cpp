@@ -8,8 +8,8 @@ namespace {
 
 using records::log;
 
-const std::string kInTask = std::string("0 ") + records::kTask;
-const std::string kInOther = std::string("0 ") + records::kOther;
+const std::string kInTask = "0 " + records::kTask;
+const std::string kInOther = "0 " + records::kOther;
 
 struct LogCase {
     const char* name;

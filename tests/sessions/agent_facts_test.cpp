@@ -5,9 +5,6 @@
 
 namespace {
 
-using records::compacted;
-using records::message;
-
 /// Returns a text or a number, and "-" for none.
 template <typename Value>
 std::string shown(const std::optional<Value>& value) {
@@ -28,12 +25,11 @@ std::string shown(const std::vector<ORVRateLimit>& limits) {
 }
 
 std::string turn(const std::string& payload) {
-    return R"({"timestamp":"t","type":"turn_context","payload":)" + payload + "}\n";
+    return records::record("turn_context", payload);
 }
 
 std::string count(const std::string& members, const std::string& at = "t") {
-    return R"({"timestamp":")" + at + R"(","type":"event_msg","payload":{"type":"token_count",)" +
-           members + "}}\n";
+    return records::record("event_msg", R"({"type":"token_count",)" + members + '}', at);
 }
 
 std::string tokens(const std::string& last, const std::string& window, const std::string& total) {
@@ -91,10 +87,7 @@ const FactsCase kFactsCases[] = {
     {"too long",
      {"", turn(R"({"effort":"","model":")" + std::string(4'097, 'm') + "\"}")},
      "-/ -%-"},
-    {"not a turn",
-     {kTurn, R"({"type":"x","payload":{"model":"turn_context"}})"
-             "\n"},
-     "m1/high -%-"},
+    {"not a turn", {kTurn, records::record("x", R"({"model":"turn_context"})")}, "m1/high -%-"},
     {"usage without tokens does not count", {kTokens, records::tokenCount("5")}, "-/- 50%999"},
     {"nor does one of another kind", {kTokens, tokens("\"1\"", "272000", "1")}, "-/- 50%999"},
     {"nor a fraction", {kTokens, tokens("1.5", "272000", "1")}, "-/- 50%999"},
@@ -123,8 +116,7 @@ const FactsCase kFactsCases[] = {
      "-/- -%- 60:-1@- 60:2@-"},
     {"beyond every number", {"", limits(limit("60", "1e999", "null"), "null")}, "-/- -%- 60:-@-"},
     {"not a token count",
-     {"", R"({"type":"token_count","payload":{"rate_limits":{"primary":{}}}})"
-          "\n"},
+     {"", records::record("token_count", R"({"rate_limits":{"primary":{}}})")},
      "-/- -%-"},
     {"half a line", {"", kTurn.substr(0, kTurn.size() - 1)}, "-/- -%-"},
 };

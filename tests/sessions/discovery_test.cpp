@@ -87,14 +87,12 @@ TEST_F(SessionDiscoveryTest, WithoutASessionsFolder) {
 
 TEST_F(SessionDiscoveryTest, IdentifiersInNames) {
     const auto found = [](const std::string& name) {
-        return ORVCodexSessionSource::threadIDFromSessionURL(std::string("/x-") + kOther + "/" +
-                                                             name);
+        return ORVCodexSessionSource::threadIDFromSessionURL("/x-" + kOther + "/" + name);
     };
-    const std::string task = kTask;
-    EXPECT_EQ(task, found("rollout-" + task + "_" + kOther + ".jsonl"));
-    EXPECT_EQ(task, found("f" + task + "0.jsonl")) << "no word boundaries";
-    EXPECT_EQ(task, found(task));
-    EXPECT_EQ(kOther, found(std::string(kOther) + ".jsonl"));
+    EXPECT_EQ(kTask, found("rollout-" + kTask + "_" + kOther + ".jsonl"));
+    EXPECT_EQ(kTask, found("f" + kTask + "0.jsonl")) << "no word boundaries";
+    EXPECT_EQ(kTask, found(kTask));
+    EXPECT_EQ(kOther, found(kOther + ".jsonl"));
     EXPECT_EQ(std::nullopt, found("01a20e72-983b-7e83-81c7-e87b7b63d18.jsonl"));
     EXPECT_EQ(std::nullopt, found("01a20e72-983b-7e83-81c7-e87b7b63g181.jsonl"));
 }

@@ -54,8 +54,6 @@ bool mustFail() {
 
 namespace {
 
-using records::compacted;
-using records::tokenCount;
 using SessionMemoryTest = SessionSourceTest;
 
 TEST_F(SessionMemoryTest, AWeekOfChurnLeavesNothing) {
@@ -92,10 +90,7 @@ TEST_F(SessionMemoryTest, OnlyFilesThatNobodyAsksForAreReadAgain) {
 TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
     disk.append(fileOf(kTask, "a"), compacted("w1") + tokenCount("1000"));
     disk.append(fileOf(kTask, "b"), compacted("w1") + tokenCount("136000"));
-    disk.append(
-        fileOf(kOther, "a"),
-        R"({"type":"session_meta","payload":{"thread_source":"subagent","parent_thread_id":")" +
-            std::string(kTask) + "\"}}\n");
+    disk.append(fileOf(kOther, "a"), records::helperMeta(kTask));
     disk.append("/codex/session_index.jsonl", records::title(kTask, "a title of some length"));
     disk.append("/logs/main.log", records::log("1 window | 2 route /local/TASK"));
     const auto ask = [](ORVCodexSessionSource& sessions, ORVCodexFocusLogSource& focus,

@@ -23,23 +23,15 @@ std::string described(const ORVWalkedFile& file) {
            ' ' + std::to_string(file.size) + '\n';
 }
 
-/// The files of a system that does not tell what is written.
-class UnwatchedFiles final : public ORVFiles {
+/// The folders of a system that does not tell what is written.
+class UnwatchedFiles final : public MemoryFiles {
 public:
     std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
                                               ORVErrorSlot* error) override {
         return files_->openFolder(path, links, error);
     }
-    std::optional<ORVFileAttributes> attributesOfItem(const std::string&, ORVErrorSlot*) override {
-        return std::nullopt;
-    }
     std::optional<ORVFileDate> contentModificationDate(const std::string& path) override {
         return files_->contentModificationDate(path);
-    }
-    bool itemExists(const std::string&) override { return false; }
-    std::optional<std::string> realPath(const std::string&) override { return std::nullopt; }
-    std::unique_ptr<ORVOpenFile> openForReading(const std::string&, ORVErrorSlot*) override {
-        return nullptr;
     }
 
 private:
@@ -219,26 +211,16 @@ TEST_P(SessionTreeTest, AFolderThatBecomesALinkIsGone) {
 
 INSTANTIATE_TEST_SUITE_P(WithAndWithoutAWatch, SessionTreeTest, testing::Bool());
 
-/// A disk in memory that tells what is written, as far as the test wants it to, and has folders
-/// that may not be read.
+/// A disk in memory that tells what is written, as far as the test wants it to.
 class TellingFiles final : public MemoryFiles {
 public:
     std::set<std::string> watched;
     std::set<std::string> written;
     bool tellsNothing = false;
     bool losesChanges = false;
-    std::string locked;
 
     std::unique_ptr<ORVFolderWatch> makeFolderWatch() override {
         return tellsNothing ? nullptr : std::make_unique<Watch>(*this);
-    }
-    std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
-                                              ORVErrorSlot* error) override {
-        if (path == locked) {
-            storeError(error, platform::posixError(EACCES));
-            return nullptr;
-        }
-        return MemoryFiles::openFolder(path, links, error);
     }
 
 private:
@@ -370,7 +352,7 @@ TEST_F(TreeInMemoryTest, AFolderThatMayNotBeReadHoldsNothing) {
     disk.append("/s/1/2/a.jsonl", "");
     disk.append("/s/10/a.jsonl", "");
     EXPECT_EQ(1, noticedAfter(1));
-    disk.locked = "/s/1";
+    disk.locked = {"/s/1"};
     disk.append(pathOf(1), "");
     EXPECT_EQ(1, noticedAfter(1));
     EXPECT_EQ(1U, tree.fileCount());
@@ -378,11 +360,11 @@ TEST_F(TreeInMemoryTest, AFolderThatMayNotBeReadHoldsNothing) {
     EXPECT_EQ("/s/1", tree.unreadable().front().path);
     EXPECT_TRUE(tree.unreadable().front().isFolder);
     EXPECT_EQ(EACCES, tree.unreadable().front().error.code);
-    disk.locked = "/s";
+    disk.locked = {"/s"};
     clock.time += 2s;
     EXPECT_FALSE(tree.refresh(nullptr));
     EXPECT_EQ("/s", tree.unreadable().front().path);
-    disk.locked = "";
+    disk.locked.clear();
     EXPECT_EQ(1, noticedAfter(1));
     EXPECT_EQ(603U, tree.fileCount());
     EXPECT_TRUE(tree.unreadable().empty());

@@ -3,9 +3,6 @@
 namespace {
 
 using SessionSnapshotTest = SessionSourceTest;
-using records::compacted;
-using records::contextCompacted;
-using records::tokenCount;
 
 TEST_F(SessionSnapshotTest, ATaskIsTheSumOfItsFilesAndShowsTheNewestOnesUsage) {
     const std::string first = compacted("w1") + contextCompacted("") + tokenCount("1000");

@@ -258,7 +258,7 @@ protected:
         setenv("HOME", home.root().c_str(), 1);
         setenv("LANGUAGE", "en", 1);
         setTitle("Fix the tests");
-        home.append(".codex/sessions/" + std::string(kTask) + ".jsonl",
+        home.append(".codex/sessions/" + kTask + ".jsonl",
                     records::compacted("w1") + records::tokenCount("128000"));
         home.append("Library/Logs/com.openai.codex/x.log", records::log("1 activity TASK"));
     }
@@ -446,7 +446,7 @@ TEST_F(TerminalTest, TheLanguageChosenIsStoredAndChecked) {
 #endif
 
 TEST_F(TerminalTest, TopShowsTasksOpensAMenuAndKeepsTheSelection) {
-    const std::string other = ".codex/sessions/" + std::string(records::kOther) + ".jsonl";
+    const std::string other = ".codex/sessions/" + records::kOther + ".jsonl";
     home.append(other, records::tokenCount("27200"));
     home.setDate(other, 1'000'000'000);
     PseudoTerminal& t = start("exec $b top");

@@ -98,7 +98,7 @@ public:
     bool givesFileNumbers = true;  ///< Some file systems have none.
     bool tellsHoles = false;       ///< Whether every run of NULs is a hole.
     bool lacksMemory = false;      ///< Whether a read throws std::bad_alloc.
-    std::set<std::string> locked;  ///< Files that may not be read.
+    std::set<std::string> locked;  ///< Items that may not be opened.
 
     // Several threads may read at once.
     std::atomic<int> calls = 0;
@@ -107,7 +107,7 @@ public:
 
     std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links,
                                               ORVErrorSlot* error) override {
-        const Item* item = beginCall(path, error);
+        const Item* item = beginOpening(path, error);
         if (item && !item->isFolder) {
             storeError(error, platform::posixError(ENOTDIR));
             return nullptr;
@@ -158,11 +158,7 @@ public:
 
     std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
                                                 ORVErrorSlot* error) override {
-        if (locked.contains(path)) {
-            storeError(error, platform::posixError(EACCES));
-            return nullptr;
-        }
-        const Item* item = beginCall(path, error);
+        const Item* item = beginOpening(path, error);
         opened += item ? 1 : 0;
         return item ? std::make_unique<OpenFile>(*this, path) : nullptr;
     }
@@ -281,6 +277,14 @@ private:
             return nullptr;
         }
         return &found->second;
+    }
+
+    const Item* beginOpening(const std::string& path, ORVErrorSlot* error) {
+        if (locked.contains(path)) {
+            storeError(error, platform::posixError(EACCES));
+            return nullptr;
+        }
+        return beginCall(path, error);
     }
 
     std::map<std::string, Item> items_;
