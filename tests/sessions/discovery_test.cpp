@@ -69,22 +69,6 @@ TEST_F(SessionDiscoveryTest, ASearchIsGoodForTenSecondsWhileItsFolderKeepsItsDat
     EXPECT_EQ(2U, count()) << "a search that found nothing is not remembered";
 }
 
-TEST_F(SessionDiscoveryTest, WithoutASessionsFolder) {
-    EXPECT_FALSE(source.latestSnapshotWithError(&error));
-    EXPECT_FALSE(error) << "an empty one is no error";
-    EXPECT_EQ("Orvellan 2", title());
-    disk.remove("/codex");
-    EXPECT_EQ("Orvellan 1", title());
-    error = ORVError{"posix", EACCES, "from the focus source"};
-    EXPECT_FALSE(source.snapshotForThreadID(kTask, &error));
-    EXPECT_EQ(1, error->code) << "before an earlier cause";
-    error.reset();
-    EXPECT_FALSE(source.latestSnapshotWithError(&error));
-    EXPECT_EQ(1, error->code);
-    disk.write("/codex/sessions", "a file");
-    EXPECT_EQ("Orvellan 1", title());
-}
-
 TEST_F(SessionDiscoveryTest, IdentifiersInNames) {
     const auto found = [](const std::string& name) {
         return ORVCodexSessionSource::threadIDFromSessionURL("/x-" + kOther + "/" + name);

@@ -30,7 +30,8 @@ bool mustFail() {
 
 }  // namespace
 
-// Not inlined, because the compiler would take the pairs for mismatched ones.
+// Not inlined, because the compiler would find fault with malloc() beside the library's own
+// `operator delete`, which frees the same memory.
 [[gnu::noinline]] void* operator new(std::size_t size) {
     void* const bytes = mustFail() ? nullptr : std::malloc(size > 0 ? size : 1);
     return bytes ? bytes : throw std::bad_alloc();
@@ -38,18 +39,6 @@ bool mustFail() {
 // The JSON library allocates this way.
 [[gnu::noinline]] void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return mustFail() ? nullptr : std::malloc(size > 0 ? size : 1);
-}
-[[gnu::noinline]] void operator delete(void* bytes) noexcept {
-    std::free(bytes);
-}
-[[gnu::noinline]] void operator delete[](void* bytes) noexcept {
-    std::free(bytes);
-}
-[[gnu::noinline]] void operator delete[](void* bytes, std::size_t) noexcept {
-    std::free(bytes);
-}
-[[gnu::noinline]] void operator delete(void* bytes, std::size_t) noexcept {
-    std::free(bytes);
 }
 
 namespace {
