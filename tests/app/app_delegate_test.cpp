@@ -42,13 +42,13 @@ protected:
     }
 
     const ORVMenuItem& item(std::string_view field) const {
-        std::vector<const ORVMenu*> menus = {app->statusItem().menu.get()};
-        for (std::size_t i = 0; i < menus.size(); ++i) {
-            for (const auto& each : menus[i]->items) {
+        const ORVMenu* const menu = app->statusItem().menu.get();
+        const ORVMenu* const languages = menu->items[10]->submenu.get();
+        for (const ORVMenu* shown : {menu, languages}) {
+            for (const auto& each : shown->items) {
                 if (each->field == field) {
                     return *each;
                 }
-                each->submenu ? menus.push_back(each->submenu.get()) : void();
             }
         }
         std::abort();
