@@ -38,11 +38,17 @@ private:
     std::unique_ptr<ORVFiles> files_ = platform::makeFiles();
 };
 
+using Picture = std::set<std::string>;
+
+Picture pictureOf(const ORVSessionTree& tree) {
+    Picture all;
+    tree.forEachFile([&](const ORVWalkedFile& file) { all.insert(described(file)); });
+    return all;
+}
+
 /// With and without a watch.
 class SessionTreeTest : public testing::TestWithParam<bool> {
 protected:
-    using Picture = std::set<std::string>;
-
     SessionTreeTest() {
         clock.time = ORVSystemClock().now();
         // So many that few of them are asked for their dates at every refresh.
@@ -62,12 +68,6 @@ protected:
                 fromChanges.insert(change.file);
             }
         }
-    }
-
-    Picture picture() const {
-        Picture all;
-        tree.forEachFile([&](const ORVWalkedFile& file) { all.insert(described(file)); });
-        return all;
     }
 
     Picture pictureFromChanges() const {
@@ -96,46 +96,32 @@ protected:
         }
     }
 
+    /// Changes a file or a folder below the root at random.
+    void changeSomething() {
+        const std::string file = anyFile();
+        const std::string folder = anyFolder();
+        const std::function<void()> kChanges[] = {
+            [&] { home.append(file, "x"); },
+            [&] { home.replace(file, "y"); },
+            [&] { move(file, anyFile()); },
+            [&] { home.remove(file); },
+            [&] { home.setDate(home.holds(file) ? file : "s", 1'000'000 + any(3)); },
+            [&] { move(folder, anyFolder()); },
+            [&] { home.holds(folder) ? home.setDate(folder, 1'000'000) : void(); },
+            [&] { move(folder, "s/." + std::to_string(any(99))); },
+            [&] { home.remove(any(3) == 0 ? folder : file); }};
+        kChanges[any(std::size(kChanges))]();
+    }
+
     TemporaryHome home;
     std::unique_ptr<ORVFiles> files =
         GetParam() ? platform::makeFiles() : std::make_unique<UnwatchedFiles>();
     ManualClock clock;
     ORVSessionTree tree{*files, clock, home.path("s")};
     std::set<const ORVWalkedFile*> fromChanges;
-};
-
-/// Changes things below the folder at random.
-class Changes {
-public:
-    Changes(TemporaryHome& home, unsigned seed) : home_(home), random_(seed) {}
-
-    void make() {
-        const std::string file = anyFile();
-        const std::string other = anyFile();
-        const std::string folder = anyFolder();
-        switch (any(9)) {
-            case 0:
-            case 1:
-                return home_.append(file, "x");
-            case 2:
-                return home_.replace(file, "y");
-            case 3:
-                return move(file, other);
-            case 4:
-                return home_.remove(file);
-            case 5:
-                return home_.setDate(home_.holds(file) ? file : "s", 1'000'000 + any(3));
-            case 6:
-                return move(folder, anyFolder());
-            case 7:
-                return home_.holds(folder) ? home_.setDate(folder, 1'000'000) : void();
-            default:
-                return any(3) == 0 ? home_.remove(folder) : move(folder, folder + "/.hidden");
-        }
-    }
 
 private:
-    unsigned any(unsigned count) { return static_cast<unsigned>(random_() % count); }
+    unsigned any(std::size_t count) { return static_cast<unsigned>(random_() % count); }
 
     std::string anyFolder() {
         std::string folder = "s";
@@ -150,21 +136,19 @@ private:
     }
 
     void move(const std::string& from, const std::string& to) {
-        if (home_.holds(from)) {
-            home_.makeFolder(to.substr(0, to.rfind('/')));
-            rename(home_.path(from).c_str(), home_.path(to).c_str());
+        if (home.holds(from)) {
+            home.makeFolder(to.substr(0, to.rfind('/')));
+            rename(home.path(from).c_str(), home.path(to).c_str());
         }
     }
 
-    TemporaryHome& home_;
-    std::mt19937 random_;
+    std::mt19937 random_{1};
 };
 
 TEST_P(SessionTreeTest, AnyChangesAreNoticedWithinSixRefreshes) {
-    Changes changes(home, 1);
     for (int round = 0; round < 60; ++round) {
-        for (unsigned count = static_cast<unsigned>(round % 5); count > 0; --count) {
-            changes.make();
+        for (int count = round % 5; count > 0; --count) {
+            changeSomething();
             if (round % 3 == 0) {
                 refresh();
             }
@@ -174,7 +158,7 @@ TEST_P(SessionTreeTest, AnyChangesAreNoticedWithinSixRefreshes) {
             refresh();
         }
         const Picture expected = walked();
-        ASSERT_EQ(expected, picture()) << "round " << round;
+        ASSERT_EQ(expected, pictureOf(tree)) << "round " << round;
         ASSERT_EQ(expected, pictureFromChanges());
         ASSERT_EQ(expected.size(), tree.fileCount());
     }
@@ -195,7 +179,7 @@ TEST_P(SessionTreeTest, ChangesThatWereLostAreMadeUpFor) {
         for (int i = 0; i < 6; ++i) {
             refresh();
         }
-        EXPECT_EQ(walked(), picture());
+        EXPECT_EQ(walked(), pictureOf(tree));
     }
 }
 
@@ -205,7 +189,7 @@ TEST_P(SessionTreeTest, AFolderThatBecomesALinkIsGone) {
     rename(home.path("s/1").c_str(), home.path("elsewhere").c_str());
     home.makeLink("s/1", home.path("elsewhere"));
     refresh();
-    EXPECT_EQ(walked(), picture());
+    EXPECT_EQ(walked(), pictureOf(tree));
     EXPECT_EQ(1'000U, tree.fileCount());
 }
 
@@ -370,13 +354,6 @@ TEST_F(TreeInMemoryTest, AFolderThatMayNotBeReadHoldsNothing) {
     EXPECT_TRUE(tree.unreadable().empty());
 }
 
-/// Returns all that the tree holds.
-std::string contentOf(const ORVSessionTree& tree) {
-    std::string all = std::to_string(tree.fileCount()) + '\n';
-    tree.forEachFile([&](const ORVWalkedFile& file) { all += described(file); });
-    return all;
-}
-
 /// Lets the call with this number fail in a refresh that has something to notice. Returns how much
 /// was told of it; none when there is no such call.
 std::optional<std::size_t> toldAfterFault(MemoryFiles::Fault fault, int call) {
@@ -404,7 +381,7 @@ std::optional<std::size_t> toldAfterFault(MemoryFiles::Fault fault, int call) {
     EXPECT_TRUE(tree.unreadable().empty());
     ORVSessionTree fresh(disk, clock, "/s");
     EXPECT_TRUE(fresh.refresh(nullptr));
-    EXPECT_EQ(contentOf(fresh), contentOf(tree)) << "after a fault at call " << call;
+    EXPECT_EQ(pictureOf(fresh), pictureOf(tree)) << "after a fault at call " << call;
     return told;
 }
 
