@@ -27,9 +27,9 @@ protected:
     void launch() { app->applicationDidFinishLaunching(); }
 
     void openTask() {
-        const std::string file = std::string(kSessions) + "/" + records::kTask + ".jsonl";
-        around.disk.append(file, records::compacted("w1") + records::tokenCount("128000"));
-        around.disk.setDate(file, 1'000'000'000);
+        const std::string file = kSessions + ("/" + records::kTask) + ".jsonl";
+        around.disk.write(file, records::compacted("w1") + records::tokenCount("128000"),
+                          1'000'000'000);
         around.disk.write("/h/.codex/session_index.jsonl",
                           records::title(records::kTask, "Fix the tests"));
         around.disk.append(kLog, log("1 activity TASK"));

@@ -312,22 +312,6 @@ TEST_F(AppKitTest, TheLogTellsOfTheFirstRefreshAndOfChanges) {
         ORVStandIn.log);
 }
 
-TEST_F(AppKitTest, NothingWaitsForTheMenuToClose) {
-    launch();
-    const auto expectTitle = [this](const char* title) {
-        runWhileMenuIsOpenUntil([&] { return text(button().title) == title; });
-        EXPECT_EQ(title, text(button().title));
-        expectEverythingShown();
-    };
-    expectTitle("C1 · 47%");
-    home.append(file, records::tokenCount("136000"));
-    expectTitle("C1 · 50%");  // The timer has refreshed.
-    home.append(kLog, "2 thread_stream_view_activity_changed active=true\n");
-    choose("refreshItem");
-    expectTitle("✓ Check Complete");
-    EXPECT_FALSE(shown("focusItem").hidden);
-}
-
 }  // namespace
 
 int main(int count, char** values) {

@@ -129,8 +129,7 @@ TEST_F(FocusTest, FilesAreFoundAndReadOldestFirst) {
     EXPECT_EQ("2", focus());
     EXPECT_FALSE(error);
     disk.append("/logs/b/c/newer.LOG", log("5 activity TASK"));
-    disk.append("/logs/older.log", log("5 activity OTHER"));
-    disk.setDate("/logs/older.log", 1'000);
+    disk.write("/logs/older.log", log("5 activity OTHER"), 1'000);
     EXPECT_EQ(kInTask, focus()) << "of equal time stamps the newest file's";
     disk.append("/logs/older.log", log("6 activity OTHER"));
     EXPECT_EQ(kInOther, focus());

@@ -124,8 +124,8 @@ const FactsCase kFactsCases[] = {
 TEST_F(AgentFactsTest, Records) {
     for (const FactsCase& c : kFactsCases) {
         for (const int file : {0, 1}) {
-            disk.replace(fileOf(kTask, file == 0 ? "a" : "b"), c.contents[file]);
-            disk.setDate(fileOf(kTask, file == 0 ? "a" : "b"), 1'000 + file);
+            disk.remove(fileOf(kTask, file == 0 ? "a" : "b"));
+            disk.write(fileOf(kTask, file == 0 ? "a" : "b"), c.contents[file], 1'000 + file);
         }
         EXPECT_EQ(c.facts, factsOf(asking)) << c.name;
     }
@@ -162,8 +162,7 @@ protected:
 
     void add(const std::string& content, std::int64_t secondsAgo = 0) {
         const std::string path = fileOf(taskOf(files.size()));
-        disk.write(path, content);
-        disk.setDate(path, now() - secondsAgo);
+        disk.write(path, content, now() - secondsAgo);
         files.push_back({path, {now() - secondsAgo, 0}, 0, content.size()});
     }
 

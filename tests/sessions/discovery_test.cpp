@@ -13,8 +13,7 @@ TEST_F(SessionDiscoveryTest, NamesThatBelongToTheTask) {
                                                folder + "c-" + upperCase + ".JSONL",
                                                folder + "a/and/deeper/" + kTask + ".jsonl"};
     for (const std::string& file : expected) {
-        disk.append(file, "");
-        disk.setDate(file, file == expected.back() ? 2'000 : 1'000);
+        disk.write(file, "", file == expected.back() ? 2'000 : 1'000);
     }
     for (const char* other : {".jsonl.bak", "-jsonl", ".json", ""}) {
         disk.append(folder + kTask + other, "");

@@ -12,11 +12,6 @@ namespace {
 
 class HistoriesTest : public SessionSourceTest {
 protected:
-    void makeFile(const std::string& path, std::int64_t date, const std::string& content) {
-        disk.write(path, content);
-        disk.setDate(path, date);
-    }
-
     /// Returns the figures of the task, and after them its history.
     static std::string told(ORVCodexSessionSource& from) {
         std::string text =
@@ -37,12 +32,14 @@ protected:
 TEST_F(HistoriesTest, AHistoryTellsEveryUsageAndEachCompactionOnce) {
     ORVCodexSessionSource recording(disk, clock, "/codex",
                                     {.eventsPerFile = std::numeric_limits<std::size_t>::max()});
-    makeFile(fileOf(kTask, "a"), 10,
-             tokenCount("10") + compacted("w1") + tokenCount("0") + tokenCount("20") +
-                 tokenCount("x") + contextCompacted("1"));
-    makeFile(fileOf(kTask, "b"), 20,
-             compacted("w1") + tokenCount("30") + contextCompacted("") + contextCompacted("") +
-                 compacted("w2") + compacted("w2"));
+    disk.write(fileOf(kTask, "a"),
+               tokenCount("10") + compacted("w1") + tokenCount("0") + tokenCount("20") +
+                   tokenCount("x") + contextCompacted("1"),
+               10);
+    disk.write(fileOf(kTask, "b"),
+               compacted("w1") + tokenCount("30") + contextCompacted("") + contextCompacted("") +
+                   compacted("w2") + compacted("w2"),
+               20);
     EXPECT_EQ("C5 · --%: 10 C 20 C 30 C C C ", told(recording));
     EXPECT_EQ("2026-11-24T16:45:21.002Z", recording.historyForThreadID(kTask)->front().at);
     disk.append(fileOf(kTask, "b"), tokenCount("40"));
@@ -90,7 +87,7 @@ TEST_F(HistoriesTest, WhoeverAsksGetsTheSameFigures) {
                                      std::to_string(file) + "-" +
                                      (random() % 9 == 0 ? "" : kIDs[random() % 4]) +
                                      (random() % 5 == 0 ? "_" + kIDs[random() % 4] : "") + ".jsonl";
-            makeFile(path, static_cast<std::int64_t>(random() % 5), content);
+            disk.write(path, content, static_cast<std::int64_t>(random() % 5));
         }
         ORVCodexSessionSource fresh(disk, clock, "/codex");
         ORVTaskList list(disk, clock, "/codex/sessions");

@@ -228,8 +228,7 @@ class TreeInMemoryTest : public testing::Test {
 protected:
     TreeInMemoryTest() {
         for (int i = 100; i < 700; ++i) {
-            disk.write(pathOf(i), "");
-            disk.setDate(pathOf(i), 1'000);
+            disk.write(pathOf(i), "", 1'000);
         }
         EXPECT_TRUE(tree.refresh(nullptr));
     }
@@ -279,8 +278,7 @@ TEST_F(TreeInMemoryTest, AFolderIsReadAgainWhileItsDateIsYoung) {
 }
 
 TEST_F(TreeInMemoryTest, WhatIsWrittenIsNoticedInTurnOrAtOnce) {
-    disk.append(pathOf(690), "x");
-    disk.setDate(pathOf(690), 1'000);
+    disk.write(pathOf(690), "x", 1'000);
     EXPECT_LT(0, noticedAfter(6)) << "a size of the same date";
     clock.time += 2min;
     EXPECT_EQ(0, noticedAfter(7));
@@ -317,8 +315,7 @@ TEST_F(TreeInMemoryTest, OfVeryManyFilesTheNewestAreAskedMoreOften) {
     disk.tellsNothing = true;
     for (int i = 0; i < 5'500; ++i) {
         const std::string path = (i < 500 ? "/s/0/" : "/s/2/") + std::to_string(i) + ".jsonl";
-        disk.write(path, "");
-        disk.setDate(path, 1'000);
+        disk.write(path, "", 1'000);
     }
     EXPECT_EQ(1, noticedAfter(1));
     clock.time += 2min;

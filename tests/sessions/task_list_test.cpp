@@ -38,11 +38,12 @@ protected:
         std::istringstream stream(words);
         for (std::string word; stream >> word;) {
             const std::string path = pathOf(word.substr(0, 1));
-            disk.write(path, word[1] == '<'
-                                 ? helperMeta(word[2] == ':' ? "" : idOf(word.substr(2, 1)))
-                             : word[1] == '?' ? "{"
-                                              : sessionMeta(""));
-            disk.setDate(path, std::stoll(word.substr(word.find(':') + 1)));
+            const std::string parent = word[2] == ':' ? "" : idOf(word.substr(2, 1));
+            disk.write(path,
+                       word[1] == '<'   ? helperMeta(parent)
+                       : word[1] == '?' ? "{"
+                                        : sessionMeta(""),
+                       std::stoll(word.substr(word.find(':') + 1)));
             if (word[1] == '!') {
                 disk.locked.insert(path);
             }
@@ -201,8 +202,7 @@ TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
     disk.write(pathOf("4"), "\n");
     EXPECT_EQ('4', after("")[0]) << "of the same size";
     disk.remove(pathOf("4"));
-    disk.write("/s/b-" + idOf("1") + ".jsonl", sessionMeta(""));
-    disk.setDate("/s/b-" + idOf("1") + ".jsonl", 30);
+    disk.write("/s/b-" + idOf("1") + ".jsonl", sessionMeta(""), 30);
     EXPECT_EQ("1@30", after("")) << "a further file of a known task";
     EXPECT_EQ("1@30", after("3?:40 4!:50"));
     EXPECT_EQ(1U, list.unreadable().size());
@@ -226,8 +226,7 @@ TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
 TEST_F(TaskListTest, EqualDatesAreOrderedByTheNewestFilesPath) {
     for (const std::string& path :
          {"/s/a-" + idOf("1"), "/s/b-" + idOf("2"), "/s/c-" + idOf("1")}) {
-        disk.write(path + ".jsonl", sessionMeta(""));
-        disk.setDate(path + ".jsonl", 10);
+        disk.write(path + ".jsonl", sessionMeta(""), 10);
     }
     refresh();
     EXPECT_EQ("2@10", described(list.newestHead()));
@@ -287,8 +286,7 @@ TEST_F(TaskListTest, TheDeepestFolderWinsAmongEqualsTheNewestFamily) {
     disk.realPaths["/link/site"] = "/code/site";
     disk.makeFolder("/code/site/deep");
     const auto make = [&](const std::string& name, const std::string& payload, int date) {
-        disk.write(pathOf(name), sessionMeta(payload));
-        disk.setDate(pathOf(name), date);
+        disk.write(pathOf(name), sessionMeta(payload), date);
     };
     make("1", R"("cwd":"/")", 90);
     make("2", R"("cwd":"/code")", 80);

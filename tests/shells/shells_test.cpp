@@ -142,26 +142,6 @@ TEST(LineSurfaceTest, ASlowReaderMissesLinesButNeverTheLatest) {
     EXPECT_LT(lines, 20);
 }
 
-TEST(LineSurfaceTest, AReaderThatLeavesIsNoticedAtOnce) {
-    signal(SIGPIPE, SIG_IGN);
-    Pipe pipe;
-    ORVPosixRunLoop loop;
-    int endedWith = -1;
-    ORVLineSurface surface(
-        loop, pipe.ends[1], [] { return "line"; },
-        [&](int failure) {
-            endedWith = failure;
-            loop.stop(0);
-        });
-    loop.post([&] {
-        surface.show();
-        surface.show();
-    });
-    loop.postAfter(std::chrono::milliseconds(1), [&] { pipe.closeEnd(0); });
-    loop.run();
-    EXPECT_EQ(0, endedWith);
-}
-
 TEST(CommandInputTest, EachLineIsATurnAndLongOnesCostNothing) {
     Pipe pipe;
     ORVPosixRunLoop loop;

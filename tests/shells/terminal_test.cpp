@@ -376,7 +376,8 @@ TEST_F(TerminalTest, WhyItCannotBeginIsToldOnTheRestoredScreen) {
     PseudoTerminal& t = start("exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n 4; exec $b watch",
                               "TERM=xterm-256color");
     EXPECT_EQ(256, t.waitForEnd());
-    EXPECT_GT(t.output.find("no file descriptors are left"), t.output.find("\033[?1049l"));
+    const std::size_t end = t.output.find("\033[?1049l");
+    EXPECT_NE(std::string::npos, t.output.find("no file descriptors are left", end));
     expectRestored();
 }
 

@@ -50,6 +50,11 @@ public:
         item.content = std::move(content);
         item.modifiedAt = now_;
     }
+    /// Gives the file this date.
+    void write(const std::string& path, std::string content, std::int64_t seconds) {
+        write(path, std::move(content));
+        setDate(path, seconds);
+    }
     void append(const std::string& path, const std::string& content) {
         write(path, items_.contains(path) ? items_[path].content + content : content);
     }
