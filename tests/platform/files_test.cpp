@@ -130,8 +130,6 @@ TEST_F(FilesTest, ReadingNeverWaits) {
 }
 
 TEST(HomeFolderTest, IsAnAbsolutePathWithoutASlashAtItsEnd) {
-    const char* variable = getenv("HOME");
-    const std::string before = variable ? variable : "";
     const auto folder = [](const char* value) {
         setenv("HOME", value, 1);
         return platform::homeFolder();
@@ -145,7 +143,6 @@ TEST(HomeFolderTest, IsAnAbsolutePathWithoutASlashAtItsEnd) {
     EXPECT_TRUE(!entry || ofUser == entry->pw_dir) << ofUser;
     unsetenv("HOME");
     EXPECT_EQ(ofUser, platform::homeFolder());
-    variable ? setenv("HOME", before.c_str(), 1) : unsetenv("HOME");
 }
 
 }  // namespace
