@@ -189,13 +189,6 @@ TEST(HistoryTest, BarsStandAsHighAsTheirUsage) {
     EXPECT_FALSE(rows[10].level || rows[11].level);
 }
 
-/// Sets the zone of the user for the length of a test.
-class Zone {
-public:
-    explicit Zone(const char* name) { setenv("TZ", name, 1); }
-    ~Zone() { unsetenv("TZ"); }
-};
-
 TEST(HistoryTest, LocalTimesAndCountsStandBelowThePlotWhereTheyFit) {
     struct Case {
         const char *first, *last;
@@ -222,7 +215,7 @@ TEST(HistoryTest, LocalTimesAndCountsStandBelowThePlotWhereTheyFit) {
         {"", kEvening, 40, "       2 answers · ▼ 1  2026-11-24 23:32"},
         {"2026-11-24 08:05:21", "\x1b[31m", 22, "      2 answers · ▼ 1"},
     };
-    const Zone zone("IST-5:30");
+    setenv("TZ", "IST-5:30", 1);
     for (const Case& c : kCases) {
         SCOPED_TRACE(std::string(c.first) + " " + std::to_string(c.columns));
         const Events all = {point(1, c.first), compaction(), point(2, c.last)};
@@ -274,7 +267,7 @@ TEST(HistoryTest, TheLedgerTellsWhatEachCompactionDid) {
 }
 
 TEST(HistoryTest, TheLedgerIsATableOfAnyWidth) {
-    const Zone zone("IST-5:30");
+    setenv("TZ", "IST-5:30", 1);
     Events all;
     for (int i = 0; i < 9; ++i) {
         all.push_back(compaction());
