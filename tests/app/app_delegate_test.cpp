@@ -35,7 +35,6 @@ protected:
         around.disk.append(kLog, log("1 activity TASK"));
     }
 
-    /// Runs the dispatched refresh and delivers its results.
     void finishRefresh() {
         ASSERT_EQ(1U, around.dispatched.size()) << "one refresh is under way";
         around.runDispatched();

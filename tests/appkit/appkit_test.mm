@@ -13,7 +13,6 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
 
-/// Gives the test access to the application and the controller.
 @interface ORVApplicationDelegate (Test)
 - (ORVAppDelegate&)application;
 @end
@@ -26,7 +25,6 @@
 
 namespace {
 
-constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
 constexpr const char* kLog = "Library/Logs/com.openai.codex/main.log";
 constexpr const char* kDomain = "com.orvellan.brimlet.appkit-test";
 NSString* const kMode = @"BrimletLanguageMode";
@@ -69,7 +67,6 @@ protected:
     NSStatusBarButton* button() const { return delegate.controller.statusItem.button; }
     NSMenu* menu() const { return delegate.controller.statusItem.menu; }
 
-    /// Collects every item of the application with the native item in its place.
     void collect(const ORVMenu& menu, NSMenu* shown) {
         ASSERT_EQ(menu.items.size(), static_cast<std::size_t>(shown.numberOfItems));
         EXPECT_FALSE(shown.autoenablesItems);
@@ -130,7 +127,7 @@ protected:
     TemporaryHome home;
     ORVApplicationDelegate* delegate = nil;
     std::vector<std::pair<ORVMenuItem*, NSMenuItem*>> items;
-    const std::string file = std::string(".codex/sessions/") + kTask + ".jsonl";
+    const std::string file = ".codex/sessions/" + records::kTask + ".jsonl";
 };
 
 /// Runs the loop in the common modes, which GNUstep takes for a mode of their own. The tests use

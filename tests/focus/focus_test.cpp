@@ -86,7 +86,6 @@ std::string described(const ORVCodexFocusState& state) {
     return std::to_string(state.status()) + (state.threadID() ? " " + *state.threadID() : "");
 }
 
-/// Returns what a source answers over a log of these lines.
 std::string focusOf(const std::string& lines) {
     MemoryFiles disk;
     const ManualClock clock;

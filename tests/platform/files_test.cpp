@@ -1,5 +1,3 @@
-// Tests the system's own files, in a temporary folder.
-
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <unistd.h>

@@ -1,5 +1,3 @@
-// Tests the settings, preferred languages and times of day of Linux.
-
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>

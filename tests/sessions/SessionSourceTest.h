@@ -24,7 +24,6 @@ protected:
         return "/codex/sessions/" + day + "/rollout-2026-11-24T16-45-20-" + task + ".jsonl";
     }
 
-    /// Returns an identifier for this number.
     static std::string taskOf(std::size_t number) {
         return kTask.substr(0, 24) + std::to_string(100'000'000'000 + number);
     }

@@ -39,7 +39,6 @@ TEST_F(SessionReaderTest, ReplacedOrShortenedFileIsReadFromItsFirstByte) {
     EXPECT_EQ("C2 · --%", title()) << "a longer file without a number is taken for the same";
 }
 
-/// Writes the bytes piece by piece. The figures must be those of one read of the whole.
 TEST_F(SessionReaderTest, EveryCutGivesTheSameFigures) {
     const std::string whole = message("one") + compacted("w1") + "\r\n" + tokenCount("50000") +
                               "{\"broken\ncompact\n" + compacted("w2") + tokenCount("136000") +

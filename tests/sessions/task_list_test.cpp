@@ -1,5 +1,3 @@
-// Tests tasks, families and first lines, over a disk in memory.
-
 #include "sessions/ORVTaskList.h"
 
 #include <gtest/gtest.h>

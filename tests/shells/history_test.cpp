@@ -307,22 +307,10 @@ TEST(HistoryTest, TheLedgerIsATableOfAnyWidth) {
 }
 
 TEST(HistoryTest, ThePictureShowsThePointsInOrder) {
-    const std::vector<int> kPercentages = {10, 95, 4, 250, 0, 50};
-    const std::string picture = history::svg(events(kPercentages), "");
-    const std::string_view kBegin = "class=\"line\" d=\"M";
-    const char* at = picture.c_str() + picture.find(kBegin) + kBegin.size();
-    char* end = nullptr;
-    double x = std::strtod(at, &end);
-    EXPECT_EQ(' ', *end);
-    for (const int percentage : kPercentages) {
-        const double y = std::strtod(end + 1, &end);
-        EXPECT_EQ('H', *end);
-        const double right = std::strtod(end + 1, &end);
-        EXPECT_EQ(percentage == kPercentages.back() ? '"' : 'V', *end);
-        EXPECT_NEAR(std::min(percentage, 100), (204.0 - y) / (204.0 - 52.0) * 100.0, 0.1);
-        EXPECT_NEAR((624.0 - 48.0) / 6, right - x, 0.11);
-        x = right;
-    }
+    EXPECT_EQ(1U,
+              count(history::svg(events({10, 95, 4, 250, 0, 50}), ""),
+                    "class=\"line\" d=\"M48.0 188.8H144.0V59.6H240.0V197.9H336.0V52.0H432.0V204.0"
+                    "H528.0V128.0H624.0\""));
     // Between two compactions without a usage nothing is drawn.
     const std::string gap = history::svg(events({50, 100, -1, -1, 50}), "");
     EXPECT_EQ(1U, count(gap, "\"M48.0 128.0H192.0V52.0H336.0M480.0 128.0H624.0\""));

@@ -1,5 +1,3 @@
-// Tests the rows of the terminal's menu, and the program itself on a terminal.
-
 #include <gtest/gtest.h>
 #include <locale.h>
 

@@ -15,7 +15,6 @@
 #include "platform/files.h"
 #include "text/bytes.h"
 
-/// A wall clock that is turned by hand.
 class ManualClock final : public ORVClock {
 public:
     TimePoint now() const override { return time; }
