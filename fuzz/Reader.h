@@ -10,7 +10,7 @@
 /// Both sources over one disk, and everything that they answer.
 class Reader {
 public:
-    static constexpr const char* kTasks[] = {records::kTask, records::kOther, "notes"};
+    static inline const std::string kTasks[] = {records::kTask, records::kOther, "notes"};
 
     Reader(MemoryFiles& disk, const ManualClock& clock)
         : viewer_(withHome(disk), clock, "/codex", {}) {}
@@ -21,7 +21,7 @@ public:
         std::string text = json::focus(*view.focusState) + json::error(view.error) +
                            json::titlesAnswer(sessions.threadTitles());
         ORVErrorSlot error;
-        for (const char* task : kTasks) {
+        for (const std::string& task : kTasks) {
             text += '\n' + json::snapshotAnswer(sessions.snapshotForThreadID(task, &error), error);
         }
         return text + '\n' + json::snapshotAnswer(sessions.latestSnapshotWithError(&error), error);

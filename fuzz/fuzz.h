@@ -29,7 +29,6 @@ inline std::string text(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size < kLimitBytes ? size : kLimitBytes};
 }
 
-/// Returns the texts between line feeds.
 inline std::vector<std::string> lines(std::string_view text) {
     std::vector<std::string> found(1);
     for (const char c : text) {

@@ -19,9 +19,9 @@ constexpr const char* kLogs[] = {"/h/Library/Logs/com.openai.codex/main.log",
 // clang-format off
 const std::string kFiles[] = {
     kLogs[0], kLogs[0], kLogs[1], "/codex/sessions/notes.jsonl",
-    std::string("/codex/sessions/1/x-") + records::kTask + ".jsonl",
-    std::string("/codex/sessions/2/y-") + records::kTask + ".jsonl",
-    std::string("/codex/sessions/1/z-") + records::kOther + ".jsonl"};
+    "/codex/sessions/1/x-" + records::kTask + ".jsonl",
+    "/codex/sessions/2/y-" + records::kTask + ".jsonl",
+    "/codex/sessions/1/z-" + records::kOther + ".jsonl"};
 const std::string kRecords[] = {
     records::tokenCount("0"), records::tokenCount("1000"), records::tokenCount("null"),
     records::compacted("w1"), records::compacted("w2"), records::compacted("w3"),
@@ -158,8 +158,7 @@ private:
         const bool isLog = path_.starts_with("/h/Library/Logs/com.openai.codex");
         const std::string path =
             (isLog ? "/h/Library/Logs/com.openai.codex/" : "/codex/sessions/3/") +
-            std::to_string(++lines_) +
-            (isLog ? ".log" : std::string("-") + records::kTask + ".jsonl");
+            std::to_string(++lines_) + (isLog ? ".log" : "-" + records::kTask + ".jsonl");
         unwritten_.erase(path_);
         disk_.rename(path_, path);
         path_ = path;

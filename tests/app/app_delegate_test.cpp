@@ -27,28 +27,27 @@ protected:
     void launch() { app->applicationDidFinishLaunching(); }
 
     void openTask() {
-        const std::string file = std::string(kSessions) + "/" + records::kTask + ".jsonl";
-        around.disk.append(file, records::compacted("w1") + records::tokenCount("128000"));
-        around.disk.setDate(file, 1'000'000'000);
+        const std::string file = kSessions + ("/" + records::kTask) + ".jsonl";
+        around.disk.write(file, records::compacted("w1") + records::tokenCount("128000"),
+                          1'000'000'000);
         around.disk.write("/h/.codex/session_index.jsonl",
                           records::title(records::kTask, "Fix the tests"));
         around.disk.append(kLog, log("1 activity TASK"));
     }
 
-    /// Runs the dispatched refresh and delivers its results.
     void finishRefresh() {
         ASSERT_EQ(1U, around.dispatched.size()) << "one refresh is under way";
         around.runDispatched();
     }
 
     const ORVMenuItem& item(std::string_view field) const {
-        std::vector<const ORVMenu*> menus = {app->statusItem().menu.get()};
-        for (std::size_t i = 0; i < menus.size(); ++i) {
-            for (const auto& each : menus[i]->items) {
+        const ORVMenu* const menu = app->statusItem().menu.get();
+        const ORVMenu* const languages = menu->items[10]->submenu.get();
+        for (const ORVMenu* shown : {menu, languages}) {
+            for (const auto& each : shown->items) {
                 if (each->field == field) {
                     return *each;
                 }
-                each->submenu ? menus.push_back(each->submenu.get()) : void();
             }
         }
         std::abort();

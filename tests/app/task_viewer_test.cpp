@@ -8,9 +8,11 @@
 
 namespace {
 
+using records::compacted;
 using records::kOther;
 using records::kTask;
 using records::log;
+using records::tokenCount;
 using Fault = MemoryFiles::Fault;
 
 /// Both sources over files of both kinds, and what they answer.
@@ -22,10 +24,10 @@ public:
                    "</dict></plist>");
         disk.append(kOldLog, log("1 activity OTHER") + padding());
         disk.append(kLog, log("1 window | 2 route /local/TASK"));
-        disk.append(file("a"), records::compacted("w1") + records::contextCompacted("") +
-                                   padding() + records::compacted("w2"));
-        disk.append(file("b"), records::compacted("w2") + records::tokenCount("136000"));
-        disk.append(file("c", kOther), records::tokenCount("27200"));
+        disk.append(file("a"),
+                    compacted("w1") + records::contextCompacted("") + padding() + compacted("w2"));
+        disk.append(file("b"), compacted("w2") + tokenCount("136000"));
+        disk.append(file("c", kOther), tokenCount("27200"));
         disk.write(kIndex, records::title(kTask, "first"));
     }
 
@@ -33,8 +35,8 @@ public:
     void goOn() {
         disk.append(kLog, log("3 route /local/OTHER") + "4 half of a li");
         disk.replace(kOldLog, log("2 activity OTHER") + padding() + log("5 activity TASK"));
-        disk.replace(file("a"), records::compacted("w4") + records::compacted("w1"));
-        disk.append(file("b"), records::compacted("w3") + records::tokenCount("68000") + "{\"ty");
+        disk.replace(file("a"), compacted("w4") + compacted("w1"));
+        disk.append(file("b"), compacted("w3") + tokenCount("68000") + "{\"ty");
         disk.write(file("c", kOther), "");
         disk.write(kIndex, records::title(kTask, "second"));
     }
@@ -100,7 +102,7 @@ void sweep(Fault fault, bool isSeen, bool afterChange) {
 TEST(TaskViewerTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
     constexpr int kAttributesOfTheLog = 3;  // The calls before it: property list and walk.
     constexpr const char* kLog = "/h/Library/Logs/com.openai.codex/main.log";
-    const std::string file = std::string("/codex/sessions/") + kTask + ".jsonl";
+    const std::string file = "/codex/sessions/" + kTask + ".jsonl";
     MemoryFiles disk;
     const ManualClock clock;
     setenv("HOME", "/h", 1);
@@ -113,12 +115,11 @@ TEST(TaskViewerTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
                (view.snapshot ? " " + view.snapshot->threadID() : "") +
                (view.error ? " error " + std::to_string(view.error->code) : "");
     };
-    const std::string task = kTask;
     EXPECT_EQ("2 error " + std::to_string(ENOENT), refresh(0));
     disk.append(kLog, log("1 activity TASK"));
     disk.append(file, "");
-    EXPECT_EQ("0 " + task, refresh(0));
-    EXPECT_EQ("0 " + task + " error " + std::to_string(EIO), refresh(kAttributesOfTheLog))
+    EXPECT_EQ("0 " + kTask, refresh(0));
+    EXPECT_EQ("0 " + kTask + " error " + std::to_string(EIO), refresh(kAttributesOfTheLog))
         << "the focus source's error stands beside a snapshot";
     disk.remove(file);
     EXPECT_EQ("0 error " + std::to_string(EIO), refresh(kAttributesOfTheLog))
@@ -128,109 +129,101 @@ TEST(TaskViewerTest, ASnapshotIsAskedForOnlyWhileATaskIsInView) {
     EXPECT_EQ("1", refresh(0));
 }
 
-std::string firstLine(const std::string& folder, const std::string& parent = "") {
-    return R"({"type":"session_meta","payload":{"cwd":")" + folder + "\"" +
-           (parent.empty() ? ""
-                           : R"(,"thread_source":"subagent","parent_thread_id":")" + parent +
-                                 R"(","agent_nickname":"Euler")") +
-           "}}\n";
-}
-
 /// Tasks that are named by one letter, and what is shown of them.
-class Tasks {
-public:
+class ShownTaskTest : public testing::Test {
+protected:
     static std::string idOf(char task) {
         return "01a20e72-0000-7000-8000-00000000000" + std::string(1, task);
     }
 
     void begin(char task, const std::string& parent = "") {
-        disk.write(fileOf(task), firstLine("/code", parent) + records::tokenCount("27200"));
+        disk.write(fileOf(task),
+                   (parent.empty() ? "" : records::helperMeta(parent)) + tokenCount("27200"));
     }
-    void goOn(char task) { disk.append(fileOf(task), records::tokenCount("27200")); }
+    void goOn(char task) { disk.append(fileOf(task), tokenCount("27200")); }
 
     char latest() {
         clock.time += std::chrono::seconds(2);
-        const ORVTaskView view = viewer.view({ORVShownTask::Choice::latest, ""});
+        view = viewer.view({ORVShownTask::Choice::latest, ""});
         return view.snapshot ? view.snapshot->threadID().back() : '-';
     }
 
     MemoryFiles disk;
     ManualClock clock;
     ORVTaskViewer viewer{disk, clock, "/codex", {.shortID = true}};
+    ORVTaskView view;  ///< The one that was asked for last.
 
 private:
     static std::string fileOf(char task) { return "/codex/sessions/" + idOf(task) + ".jsonl"; }
 };
 
-TEST(ShownTaskTest, AHelperNeverMakesTheShownTaskFlip) {
-    Tasks tasks;
-    EXPECT_EQ('-', tasks.latest());
-    tasks.begin('a');
-    tasks.begin('b', Tasks::idOf('a'));
+TEST_F(ShownTaskTest, AHelperNeverMakesTheShownTaskFlip) {
+    EXPECT_EQ('-', latest());
+    begin('a');
+    begin('b', idOf('a'));
     for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ('a', tasks.latest());
-        tasks.goOn(i % 2 == 0 ? 'b' : 'a');
+        EXPECT_EQ('a', latest());
+        goOn(i % 2 == 0 ? 'b' : 'a');
     }
-    const ORVTaskView view = tasks.viewer.view({ORVShownTask::Choice::latest, ""});
+    EXPECT_EQ('a', latest());
     EXPECT_LT(view.snapshot->lastUpdated(), view.changedAt) << "the family changed after its head";
 }
 
-TEST(ShownTaskTest, TwoTasksAtWorkDoNotTakeTurnsButATaskThatBeginsIsShown) {
-    Tasks tasks;
-    tasks.begin('a');
-    tasks.begin('b');
-    EXPECT_EQ('b', tasks.latest());
-    tasks.goOn('a');
-    EXPECT_EQ('a', tasks.latest()) << "nobody saw the other one change";
+TEST_F(ShownTaskTest, TwoTasksAtWorkDoNotTakeTurnsButATaskThatBeginsIsShown) {
+    begin('a');
+    begin('b');
+    EXPECT_EQ('b', latest());
+    goOn('a');
+    EXPECT_EQ('a', latest()) << "nobody saw the other one change";
     for (int i = 0; i < 4; ++i) {
-        tasks.goOn('b');
-        EXPECT_EQ('a', tasks.latest());
-        tasks.goOn('a');
-        tasks.goOn('b');
-        EXPECT_EQ('a', tasks.latest());
+        goOn('b');
+        EXPECT_EQ('a', latest());
+        goOn('a');
+        goOn('b');
+        EXPECT_EQ('a', latest());
     }
     for (int i = 0; i < 4; ++i) {
-        tasks.goOn('b');
-        EXPECT_EQ('a', tasks.latest()) << i;
+        goOn('b');
+        EXPECT_EQ('a', latest()) << i;
     }
-    tasks.goOn('b');
-    EXPECT_EQ('b', tasks.latest()) << "ten seconds after the last change";
-    tasks.goOn('b');
-    tasks.begin('c');
-    EXPECT_EQ('c', tasks.latest());
+    goOn('b');
+    EXPECT_EQ('b', latest()) << "ten seconds after the last change";
+    goOn('b');
+    begin('c');
+    EXPECT_EQ('c', latest());
 }
 
-TEST(ShownTaskTest, APartOfAnIdentifierMeansOneTaskOrNone) {
-    Tasks tasks;
+TEST_F(ShownTaskTest, APartOfAnIdentifierMeansOneTaskOrNone) {
     const auto shown = [&](const std::string& part) {
-        const ORVTaskView view = tasks.viewer.view({ORVShownTask::Choice::identified, part});
+        view = viewer.view({ORVShownTask::Choice::identified, part});
         return (view.snapshot ? view.snapshot->threadID() : "") +
                (view.error ? view.error->domain + std::to_string(view.error->code) : "");
     };
     EXPECT_EQ("Orvellan1", shown("A"));
-    tasks.begin('a');
+    begin('a');
     EXPECT_EQ("Orvellan2", shown("B"));
-    EXPECT_EQ(Tasks::idOf('a'), shown("8000"));
-    tasks.begin('b', Tasks::idOf('a'));
-    EXPECT_EQ(Tasks::idOf('b'), shown("000B")) << "a helper, too";
+    EXPECT_EQ(idOf('a'), shown("8000"));
+    begin('b', idOf('a'));
+    EXPECT_EQ(idOf('b'), shown("000B")) << "a helper, too";
     EXPECT_EQ("brimletctl3", shown("01a20e72"));
-    EXPECT_EQ(Tasks::idOf('a'), shown("8000")) << "who was meant is meant";
-    const auto several = tasks.viewer.severalMeantBy("01a20e72");
+    EXPECT_EQ(idOf('a'), shown("8000")) << "who was meant is meant";
+    const auto several = viewer.severalMeantBy("01a20e72");
     ASSERT_EQ(2U, several->choiceCount);
     EXPECT_EQ("00000b", several->choices.front().shortID);
-    EXPECT_EQ(std::nullopt, tasks.viewer.severalMeantBy("00a"));
+    EXPECT_EQ(std::nullopt, viewer.severalMeantBy("00a"));
 }
 
-TEST(ListedTasksTest, RowsAreReadInPiecesAndKept) {
-    Tasks tasks;
+using ListedTasksTest = ShownTaskTest;
+
+TEST_F(ListedTasksTest, RowsAreReadInPiecesAndKept) {
     for (const char task : {'a', 'b', 'c'}) {
-        tasks.begin(task);
+        begin(task);
     }
-    tasks.begin('d', Tasks::idOf('a'));
+    begin('d', idOf('a'));
     const auto rows = [&](const ORVListRequest& request) {
         std::string text;
-        tasks.clock.time += std::chrono::seconds(2);
-        const auto list = tasks.viewer.list(request);
+        clock.time += std::chrono::seconds(2);
+        const auto list = viewer.list(request);
         for (const ORVTaskView& row : list->tasks) {
             text += row.threadID.back();
             text += row.isRead ? (row.snapshot ? "" : "!") : "?";
@@ -243,41 +236,39 @@ TEST(ListedTasksTest, RowsAreReadInPiecesAndKept) {
     EXPECT_EQ("acb", rows(request));
     request.showsHelpers = true;
     EXPECT_EQ("adcb", rows(request));
-    const int opened = tasks.disk.opened;
+    const int opened = disk.opened;
     EXPECT_EQ("adcb", rows(request));
-    EXPECT_EQ(opened, tasks.disk.opened) << "nothing changed";
-    tasks.goOn('b');
+    EXPECT_EQ(opened, disk.opened) << "nothing changed";
+    goOn('b');
     for (int i = 0; i < 4; ++i) {
         (void)rows(request);  // A file that was not written lately is asked for its date in turn.
     }
     EXPECT_EQ("badc", rows(request));
-    EXPECT_EQ(opened + 1, tasks.disk.opened);
-    EXPECT_EQ(tasks.viewer.list(request), tasks.viewer.list(request))
-        << "the same list while nothing changes";
+    EXPECT_EQ(opened + 1, disk.opened);
+    EXPECT_EQ(viewer.list(request), viewer.list(request)) << "the same list while nothing changes";
     request.limit = 1;
     request.showsHelpers = false;
     EXPECT_EQ("b", rows(request));
-    const auto changedAt = tasks.viewer.list(request)->tasks.front().changedAt;
-    request.since = std::chrono::floor<std::chrono::seconds>(tasks.clock.time.time_since_epoch()) -
+    const auto changedAt = viewer.list(request)->tasks.front().changedAt;
+    request.since = std::chrono::floor<std::chrono::seconds>(clock.time.time_since_epoch()) -
                     std::chrono::seconds(changedAt.seconds - 3);
     EXPECT_EQ("b", rows(request));
     EXPECT_EQ("", rows(request)) << "time passes";
 }
 
-TEST(ListedTasksTest, WhoAsksOnceOpensEachFileOnce) {
-    Tasks tasks;
-    tasks.begin('a');
-    tasks.begin('b', Tasks::idOf('a'));
-    tasks.begin('c', Tasks::idOf('9'));
+TEST_F(ListedTasksTest, WhoAsksOnceOpensEachFileOnce) {
+    begin('a');
+    begin('b', idOf('a'));
+    begin('c', idOf('9'));
     const auto rows = [&](const ORVListRequest& request) {
-        const int before = tasks.disk.opened;
+        const int before = disk.opened;
         std::string text;
         for (const ORVTaskView& row :
-             tasks.viewer.listOnce(request, [](std::size_t, std::size_t) {}).tasks) {
+             viewer.listOnce(request, [](std::size_t, std::size_t) {}).tasks) {
             text += row.threadID.back();
             text += row.snapshot && row.isHelper == (row.threadID.back() == 'b') ? "" : "!";
         }
-        return text + ' ' + std::to_string(tasks.disk.opened - before);
+        return text + ' ' + std::to_string(disk.opened - before);
     };
     EXPECT_EQ("ca 4", rows({.limit = 0})) << "c's twice: it looks like a helper, but has no head";
     EXPECT_EQ("cab 3", rows({.limit = 0, .showsHelpers = true})) << "nothing was kept but those";

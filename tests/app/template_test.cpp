@@ -10,14 +10,8 @@ namespace {
 
 ORVSessionSnapshot snapshotWith(std::int64_t tokens, ORVContextStatus contextStatus,
                                 ORVCompactionStatus compactionStatus) {
-    return {"a\tb",
-            "id",
-            "/f.jsonl",
-            3,
-            ORVContextUsage(tokens, 200),
-            contextStatus,
-            compactionStatus,
-            ORVFileDate{1'000, 0}};
+    return ORVSessionSnapshot("a\tb", "id", "/f.jsonl", 3, ORVContextUsage(tokens, 200),
+                              contextStatus, compactionStatus, ORVFileDate{1'000, 0});
 }
 
 std::string filled(const std::string& text, const ORVSessionSnapshot* snapshot) {

@@ -13,7 +13,6 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
 
-/// Gives the test access to the application and the controller.
 @interface ORVApplicationDelegate (Test)
 - (ORVAppDelegate&)application;
 @end
@@ -26,7 +25,6 @@
 
 namespace {
 
-constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
 constexpr const char* kLog = "Library/Logs/com.openai.codex/main.log";
 constexpr const char* kDomain = "com.orvellan.brimlet.appkit-test";
 NSString* const kMode = @"BrimletLanguageMode";
@@ -69,7 +67,6 @@ protected:
     NSStatusBarButton* button() const { return delegate.controller.statusItem.button; }
     NSMenu* menu() const { return delegate.controller.statusItem.menu; }
 
-    /// Collects every item of the application with the native item in its place.
     void collect(const ORVMenu& menu, NSMenu* shown) {
         ASSERT_EQ(menu.items.size(), static_cast<std::size_t>(shown.numberOfItems));
         EXPECT_FALSE(shown.autoenablesItems);
@@ -130,7 +127,7 @@ protected:
     TemporaryHome home;
     ORVApplicationDelegate* delegate = nil;
     std::vector<std::pair<ORVMenuItem*, NSMenuItem*>> items;
-    const std::string file = std::string(".codex/sessions/") + kTask + ".jsonl";
+    const std::string file = ".codex/sessions/" + records::kTask + ".jsonl";
 };
 
 /// Runs the loop in the common modes, which GNUstep takes for a mode of their own. The tests use
@@ -310,22 +307,6 @@ TEST_F(AppKitTest, TheLogTellsOfTheFirstRefreshAndOfChanges) {
                                   "com.orvellan.brimlet: " + [delegate application].focusLine(),
                                   "com.orvellan.brimlet: Ends, as the user or the system wants"}),
         ORVStandIn.log);
-}
-
-TEST_F(AppKitTest, NothingWaitsForTheMenuToClose) {
-    launch();
-    const auto expectTitle = [this](const char* title) {
-        runWhileMenuIsOpenUntil([&] { return text(button().title) == title; });
-        EXPECT_EQ(title, text(button().title));
-        expectEverythingShown();
-    };
-    expectTitle("C1 · 47%");
-    home.append(file, records::tokenCount("136000"));
-    expectTitle("C1 · 50%");  // The timer has refreshed.
-    home.append(kLog, "2 thread_stream_view_activity_changed active=true\n");
-    choose("refreshItem");
-    expectTitle("✓ Check Complete");
-    EXPECT_FALSE(shown("focusItem").hidden);
 }
 
 }  // namespace

@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr const char* kTask = "01a20e72-983b-7e83-81c7-e87b7b63d181";
 constexpr const char* kSecondCopy = "BRIMLET_SECOND_COPY";
 NSString* const kMode = @"BrimletLanguageMode";
 
@@ -31,12 +30,12 @@ void expect(bool condition, const char* what) {
 }
 
 /// Makes the home before `main` begins. A second copy has the home of the first one.
-__attribute__((constructor)) void prepareHome() {
+bool prepareHome() {
     if (std::getenv(kSecondCopy)) {
-        return;
+        return false;
     }
     home = new TemporaryHome;
-    home->write(std::string(".codex/sessions/rollout-2026-11-24T16-45-20-") + kTask + ".jsonl",
+    home->write(".codex/sessions/rollout-2026-11-24T16-45-20-" + records::kTask + ".jsonl",
                 records::compacted("w1") + records::tokenCount("128000"));
     home->write("Library/Logs/com.openai.codex/main.log", records::log("1 activity TASK"));
     setenv("HOME", home->root().c_str(), 1);
@@ -44,7 +43,9 @@ __attribute__((constructor)) void prepareHome() {
         delete home;
         expect(quits, "the program launches, and ends when it is to");
     });
+    return true;
 }
+[[maybe_unused]] const bool kIsPrepared = prepareHome();
 
 }  // namespace
 

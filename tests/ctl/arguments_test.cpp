@@ -105,7 +105,7 @@ TEST(ArgumentsTest, AMistakeIsNamedWithWhatIsNear) {
     for (const char* line :
          {"watch --latest --here", "watch --latest --task x", "watch --here --task x",
           "watch --json --waybar", "latest --json --format x", "history --json --svg",
-          "latest --format {", "latest --format {nope}", "titles --codex-home ''"}) {
+          "latest --format {", "titles --codex-home ''"}) {
         EXPECT_NE("understood", mistakeIn(line)) << line;
     }
 }

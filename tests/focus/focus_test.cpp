@@ -8,8 +8,8 @@ namespace {
 
 using records::log;
 
-const std::string kInTask = std::string("0 ") + records::kTask;
-const std::string kInOther = std::string("0 ") + records::kOther;
+const std::string kInTask = "0 " + records::kTask;
+const std::string kInOther = "0 " + records::kOther;
 
 struct LogCase {
     const char* name;
@@ -86,7 +86,6 @@ std::string described(const ORVCodexFocusState& state) {
     return std::to_string(state.status()) + (state.threadID() ? " " + *state.threadID() : "");
 }
 
-/// Returns what a source answers over a log of these lines.
 std::string focusOf(const std::string& lines) {
     MemoryFiles disk;
     const ManualClock clock;
@@ -129,8 +128,7 @@ TEST_F(FocusTest, FilesAreFoundAndReadOldestFirst) {
     EXPECT_EQ("2", focus());
     EXPECT_FALSE(error);
     disk.append("/logs/b/c/newer.LOG", log("5 activity TASK"));
-    disk.append("/logs/older.log", log("5 activity OTHER"));
-    disk.setDate("/logs/older.log", 1'000);
+    disk.write("/logs/older.log", log("5 activity OTHER"), 1'000);
     EXPECT_EQ(kInTask, focus()) << "of equal time stamps the newest file's";
     disk.append("/logs/older.log", log("6 activity OTHER"));
     EXPECT_EQ(kInOther, focus());

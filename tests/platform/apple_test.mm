@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <limits>
 #include <string>
-#include <vector>
 
 #import "platform/foundation_apple.h"
 #include "platform/locale.h"
@@ -63,12 +62,6 @@ TEST(FoundationTest, SettingsInADomain) {
     EXPECT_EQ(1, [store integerForKey:kKey]);
     [store removeObjectForKey:kKey];
     [store release];
-}
-
-TEST(FoundationTest, PreferredLanguagesComeInTheirOrder) {
-    const std::vector<std::string> languages = platform::preferredLanguages();
-    ASSERT_EQ([[NSLocale preferredLanguages] count], languages.size());
-    EXPECT_EQ([[[NSLocale preferredLanguages] objectAtIndex:0] UTF8String], languages.front());
 }
 
 }  // namespace

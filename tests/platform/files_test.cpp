@@ -1,5 +1,3 @@
-// Tests the system's own files, in a temporary folder.
-
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <unistd.h>
@@ -130,8 +128,6 @@ TEST_F(FilesTest, ReadingNeverWaits) {
 }
 
 TEST(HomeFolderTest, IsAnAbsolutePathWithoutASlashAtItsEnd) {
-    const char* variable = getenv("HOME");
-    const std::string before = variable ? variable : "";
     const auto folder = [](const char* value) {
         setenv("HOME", value, 1);
         return platform::homeFolder();
@@ -145,7 +141,6 @@ TEST(HomeFolderTest, IsAnAbsolutePathWithoutASlashAtItsEnd) {
     EXPECT_TRUE(!entry || ofUser == entry->pw_dir) << ofUser;
     unsetenv("HOME");
     EXPECT_EQ(ofUser, platform::homeFolder());
-    variable ? setenv("HOME", before.c_str(), 1) : unsetenv("HOME");
 }
 
 }  // namespace

@@ -19,10 +19,8 @@ TEST(RunLockTest, OneOfManySimultaneousStartsRuns) {
     const TemporaryHome home;
     const std::string folder = home.path("Library/Application Support/Brimlet");
     for (int round = 0; round < 3; ++round) {
-        int start[2];
-        int answers[2];
-        ASSERT_EQ(0, pipe(start));
-        ASSERT_EQ(0, pipe(answers));
+        int start[2], answers[2];
+        ASSERT_EQ(0, pipe(start) + pipe(answers));
         std::vector<pid_t> copies(40);
         for (pid_t& copy : copies) {
             copy = fork();
@@ -39,11 +37,9 @@ TEST(RunLockTest, OneOfManySimultaneousStartsRuns) {
         }
         close(start[0]);
         close(start[1]);
-        std::string got;
-        while (got.size() < copies.size()) {
-            char c = 0;
-            ASSERT_EQ(1, read(answers[0], &c, 1));
-            got += c;
+        std::string got(copies.size(), ' ');
+        for (char& answer : got) {
+            ASSERT_EQ(1, read(answers[0], &answer, 1));
         }
         close(answers[0]);
         close(answers[1]);

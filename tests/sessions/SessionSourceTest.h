@@ -7,12 +7,16 @@
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/records.h"
 
+using records::compacted;
+using records::contextCompacted;
+using records::kOther;
+using records::kTask;
+using records::message;
+using records::tokenCount;
+
 /// A session source over a disk of its own.
 class SessionSourceTest : public testing::Test {
 protected:
-    static constexpr const char* kTask = records::kTask;
-    static constexpr const char* kOther = records::kOther;
-
     SessionSourceTest() { disk.makeFolder("/codex/sessions"); }
 
     /// Returns the path of a session file of the task, in the folder of a day.
@@ -20,9 +24,8 @@ protected:
         return "/codex/sessions/" + day + "/rollout-2026-11-24T16-45-20-" + task + ".jsonl";
     }
 
-    /// Returns an identifier for this number.
     static std::string taskOf(std::size_t number) {
-        return std::string(kTask).substr(0, 24) + std::to_string(100'000'000'000 + number);
+        return kTask.substr(0, 24) + std::to_string(100'000'000'000 + number);
     }
 
     std::optional<ORVSessionSnapshot> snapshot(const std::string& task = kTask) {

@@ -1,12 +1,8 @@
-#include <algorithm>
 #include <sstream>
 
 #include "tests/sessions/SessionSourceTest.h"
 
 namespace {
-
-using records::compacted;
-using records::message;
 
 /// Returns a text or a number, and "-" for none.
 template <typename Value>
@@ -28,12 +24,11 @@ std::string shown(const std::vector<ORVRateLimit>& limits) {
 }
 
 std::string turn(const std::string& payload) {
-    return R"({"timestamp":"t","type":"turn_context","payload":)" + payload + "}\n";
+    return records::record("turn_context", payload);
 }
 
 std::string count(const std::string& members, const std::string& at = "t") {
-    return R"({"timestamp":")" + at + R"(","type":"event_msg","payload":{"type":"token_count",)" +
-           members + "}}\n";
+    return records::record("event_msg", R"({"type":"token_count",)" + members + '}', at);
 }
 
 std::string tokens(const std::string& last, const std::string& window, const std::string& total) {
@@ -91,13 +86,9 @@ const FactsCase kFactsCases[] = {
     {"too long",
      {"", turn(R"({"effort":"","model":")" + std::string(4'097, 'm') + "\"}")},
      "-/ -%-"},
-    {"not a turn",
-     {kTurn, R"({"type":"x","payload":{"model":"turn_context"}})"
-             "\n"},
-     "m1/high -%-"},
+    {"not a turn", {kTurn, records::record("x", R"({"model":"turn_context"})")}, "m1/high -%-"},
     {"usage without tokens does not count", {kTokens, records::tokenCount("5")}, "-/- 50%999"},
     {"nor does one of another kind", {kTokens, tokens("\"1\"", "272000", "1")}, "-/- 50%999"},
-    {"nor a fraction", {kTokens, tokens("1.5", "272000", "1")}, "-/- 50%999"},
     {"no window", {kTokens, tokens("1", "null", "7")}, "-/- -%7"},
     {"no total", {kTokens, tokens("142000", "272000", "-1")}, "-/- 50%-"},
     {"window in the payload",
@@ -123,8 +114,7 @@ const FactsCase kFactsCases[] = {
      "-/- -%- 60:-1@- 60:2@-"},
     {"beyond every number", {"", limits(limit("60", "1e999", "null"), "null")}, "-/- -%- 60:-@-"},
     {"not a token count",
-     {"", R"({"type":"token_count","payload":{"rate_limits":{"primary":{}}}})"
-          "\n"},
+     {"", records::record("token_count", R"({"rate_limits":{"primary":{}}})")},
      "-/- -%-"},
     {"half a line", {"", kTurn.substr(0, kTurn.size() - 1)}, "-/- -%-"},
 };
@@ -132,8 +122,8 @@ const FactsCase kFactsCases[] = {
 TEST_F(AgentFactsTest, Records) {
     for (const FactsCase& c : kFactsCases) {
         for (const int file : {0, 1}) {
-            disk.replace(fileOf(kTask, file == 0 ? "a" : "b"), c.contents[file]);
-            disk.setDate(fileOf(kTask, file == 0 ? "a" : "b"), 1'000 + file);
+            disk.remove(fileOf(kTask, file == 0 ? "a" : "b"));
+            disk.write(fileOf(kTask, file == 0 ? "a" : "b"), c.contents[file], 1'000 + file);
         }
         EXPECT_EQ(c.facts, factsOf(asking)) << c.name;
     }
@@ -170,8 +160,7 @@ protected:
 
     void add(const std::string& content, std::int64_t secondsAgo = 0) {
         const std::string path = fileOf(taskOf(files.size()));
-        disk.write(path, content);
-        disk.setDate(path, now() - secondsAgo);
+        disk.write(path, content, now() - secondsAgo);
         files.push_back({path, {now() - secondsAgo, 0}, 0, content.size()});
     }
 
@@ -262,7 +251,6 @@ TEST_F(AccountLimitsTest, OnlyTwentyFilesAreLookedAt) {
     EXPECT_EQ(EIO, unreadable[0].error.code);
 }
 
-/// The record stands at every place around the ends of the steps in which a file is read.
 TEST_F(AccountLimitsTest, AFileIsReadFromItsEnd) {
     const std::string record = limits(kHour, "null");
     const std::string line = message(std::string(9'000, 'x'));

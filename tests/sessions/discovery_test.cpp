@@ -13,8 +13,7 @@ TEST_F(SessionDiscoveryTest, NamesThatBelongToTheTask) {
                                                folder + "c-" + upperCase + ".JSONL",
                                                folder + "a/and/deeper/" + kTask + ".jsonl"};
     for (const std::string& file : expected) {
-        disk.append(file, "");
-        disk.setDate(file, file == expected.back() ? 2'000 : 1'000);
+        disk.write(file, "", file == expected.back() ? 2'000 : 1'000);
     }
     for (const char* other : {".jsonl.bak", "-jsonl", ".json", ""}) {
         disk.append(folder + kTask + other, "");
@@ -69,32 +68,14 @@ TEST_F(SessionDiscoveryTest, ASearchIsGoodForTenSecondsWhileItsFolderKeepsItsDat
     EXPECT_EQ(2U, count()) << "a search that found nothing is not remembered";
 }
 
-TEST_F(SessionDiscoveryTest, WithoutASessionsFolder) {
-    EXPECT_FALSE(source.latestSnapshotWithError(&error));
-    EXPECT_FALSE(error) << "an empty one is no error";
-    EXPECT_EQ("Orvellan 2", title());
-    disk.remove("/codex");
-    EXPECT_EQ("Orvellan 1", title());
-    error = ORVError{"posix", EACCES, "from the focus source"};
-    EXPECT_FALSE(source.snapshotForThreadID(kTask, &error));
-    EXPECT_EQ(1, error->code) << "before an earlier cause";
-    error.reset();
-    EXPECT_FALSE(source.latestSnapshotWithError(&error));
-    EXPECT_EQ(1, error->code);
-    disk.write("/codex/sessions", "a file");
-    EXPECT_EQ("Orvellan 1", title());
-}
-
 TEST_F(SessionDiscoveryTest, IdentifiersInNames) {
     const auto found = [](const std::string& name) {
-        return ORVCodexSessionSource::threadIDFromSessionURL(std::string("/x-") + kOther + "/" +
-                                                             name);
+        return ORVCodexSessionSource::threadIDFromSessionURL("/x-" + kOther + "/" + name);
     };
-    const std::string task = kTask;
-    EXPECT_EQ(task, found("rollout-" + task + "_" + kOther + ".jsonl"));
-    EXPECT_EQ(task, found("f" + task + "0.jsonl")) << "no word boundaries";
-    EXPECT_EQ(task, found(task));
-    EXPECT_EQ(kOther, found(std::string(kOther) + ".jsonl"));
+    EXPECT_EQ(kTask, found("rollout-" + kTask + "_" + kOther + ".jsonl"));
+    EXPECT_EQ(kTask, found("f" + kTask + "0.jsonl")) << "no word boundaries";
+    EXPECT_EQ(kTask, found(kTask));
+    EXPECT_EQ(kOther, found(kOther + ".jsonl"));
     EXPECT_EQ(std::nullopt, found("01a20e72-983b-7e83-81c7-e87b7b63d18.jsonl"));
     EXPECT_EQ(std::nullopt, found("01a20e72-983b-7e83-81c7-e87b7b63g181.jsonl"));
 }

@@ -10,9 +10,6 @@
 namespace {
 
 using SessionRecordTest = SessionSourceTest;
-using records::compacted;
-using records::contextCompacted;
-using records::tokenCount;
 
 /// Returns the record with one piece of its text replaced.
 std::string but(std::string record, const std::string& piece, const std::string& replacement) {
@@ -22,7 +19,7 @@ std::string but(std::string record, const std::string& piece, const std::string&
 }
 
 std::string event(const std::string& payload) {
-    return R"({"type":"event_msg","payload":)" + payload + "}\n";
+    return records::record("event_msg", payload);
 }
 
 /// Returns a token count with these members beside its type.

@@ -30,7 +30,8 @@ bool mustFail() {
 
 }  // namespace
 
-// Not inlined, because the compiler would take the pairs for mismatched ones.
+// Not inlined, because the compiler would find fault with malloc() beside the library's own
+// `operator delete`, which frees the same memory.
 [[gnu::noinline]] void* operator new(std::size_t size) {
     void* const bytes = mustFail() ? nullptr : std::malloc(size > 0 ? size : 1);
     return bytes ? bytes : throw std::bad_alloc();
@@ -39,23 +40,9 @@ bool mustFail() {
 [[gnu::noinline]] void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return mustFail() ? nullptr : std::malloc(size > 0 ? size : 1);
 }
-[[gnu::noinline]] void operator delete(void* bytes) noexcept {
-    std::free(bytes);
-}
-[[gnu::noinline]] void operator delete[](void* bytes) noexcept {
-    std::free(bytes);
-}
-[[gnu::noinline]] void operator delete[](void* bytes, std::size_t) noexcept {
-    std::free(bytes);
-}
-[[gnu::noinline]] void operator delete(void* bytes, std::size_t) noexcept {
-    std::free(bytes);
-}
 
 namespace {
 
-using records::compacted;
-using records::tokenCount;
 using SessionMemoryTest = SessionSourceTest;
 
 TEST_F(SessionMemoryTest, AWeekOfChurnLeavesNothing) {
@@ -92,10 +79,7 @@ TEST_F(SessionMemoryTest, OnlyFilesThatNobodyAsksForAreReadAgain) {
 TEST_F(SessionMemoryTest, WhateverAllocationFailsTheNextAnswerIsRight) {
     disk.append(fileOf(kTask, "a"), compacted("w1") + tokenCount("1000"));
     disk.append(fileOf(kTask, "b"), compacted("w1") + tokenCount("136000"));
-    disk.append(
-        fileOf(kOther, "a"),
-        R"({"type":"session_meta","payload":{"thread_source":"subagent","parent_thread_id":")" +
-            std::string(kTask) + "\"}}\n");
+    disk.append(fileOf(kOther, "a"), records::helperMeta(kTask));
     disk.append("/codex/session_index.jsonl", records::title(kTask, "a title of some length"));
     disk.append("/logs/main.log", records::log("1 window | 2 route /local/TASK"));
     const auto ask = [](ORVCodexSessionSource& sessions, ORVCodexFocusLogSource& focus,

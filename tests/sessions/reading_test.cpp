@@ -5,15 +5,12 @@
 namespace {
 
 using SessionReaderTest = SessionSourceTest;
-using records::compacted;
-using records::message;
-using records::tokenCount;
 
 TEST_F(SessionReaderTest, ReadsOnlyCompleteLinesAndEachOnce) {
     const std::string file = fileOf(kTask);
     disk.append(file, compacted("w1") + "\n\r\n" + tokenCount("1000"));
     EXPECT_EQ("C1 · 0%", title());
-    const std::string next = records::contextCompacted("") + tokenCount("136000");
+    const std::string next = contextCompacted("") + tokenCount("136000");
     disk.append(file, next.substr(0, next.size() - 1));
     EXPECT_EQ("C2 · --%", title());
     EXPECT_EQ("C2 · --%", title());
@@ -42,7 +39,6 @@ TEST_F(SessionReaderTest, ReplacedOrShortenedFileIsReadFromItsFirstByte) {
     EXPECT_EQ("C2 · --%", title()) << "a longer file without a number is taken for the same";
 }
 
-/// Writes the bytes piece by piece. The figures must be those of one read of the whole.
 TEST_F(SessionReaderTest, EveryCutGivesTheSameFigures) {
     const std::string whole = message("one") + compacted("w1") + "\r\n" + tokenCount("50000") +
                               "{\"broken\ncompact\n" + compacted("w2") + tokenCount("136000") +

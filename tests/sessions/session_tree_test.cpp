@@ -23,34 +23,32 @@ std::string described(const ORVWalkedFile& file) {
            ' ' + std::to_string(file.size) + '\n';
 }
 
-/// The files of a system that does not tell what is written.
-class UnwatchedFiles final : public ORVFiles {
+/// The folders of a system that does not tell what is written.
+class UnwatchedFiles final : public MemoryFiles {
 public:
     std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
                                               ORVErrorSlot* error) override {
         return files_->openFolder(path, links, error);
     }
-    std::optional<ORVFileAttributes> attributesOfItem(const std::string&, ORVErrorSlot*) override {
-        return std::nullopt;
-    }
     std::optional<ORVFileDate> contentModificationDate(const std::string& path) override {
         return files_->contentModificationDate(path);
-    }
-    bool itemExists(const std::string&) override { return false; }
-    std::optional<std::string> realPath(const std::string&) override { return std::nullopt; }
-    std::unique_ptr<ORVOpenFile> openForReading(const std::string&, ORVErrorSlot*) override {
-        return nullptr;
     }
 
 private:
     std::unique_ptr<ORVFiles> files_ = platform::makeFiles();
 };
 
+using Picture = std::set<std::string>;
+
+Picture pictureOf(const ORVSessionTree& tree) {
+    Picture all;
+    tree.forEachFile([&](const ORVWalkedFile& file) { all.insert(described(file)); });
+    return all;
+}
+
 /// With and without a watch.
 class SessionTreeTest : public testing::TestWithParam<bool> {
 protected:
-    using Picture = std::set<std::string>;
-
     SessionTreeTest() {
         clock.time = ORVSystemClock().now();
         // So many that few of them are asked for their dates at every refresh.
@@ -70,12 +68,6 @@ protected:
                 fromChanges.insert(change.file);
             }
         }
-    }
-
-    Picture picture() const {
-        Picture all;
-        tree.forEachFile([&](const ORVWalkedFile& file) { all.insert(described(file)); });
-        return all;
     }
 
     Picture pictureFromChanges() const {
@@ -104,46 +96,32 @@ protected:
         }
     }
 
+    /// Changes a file or a folder below the root at random.
+    void changeSomething() {
+        const std::string file = anyFile();
+        const std::string folder = anyFolder();
+        const std::function<void()> kChanges[] = {
+            [&] { home.append(file, "x"); },
+            [&] { home.replace(file, "y"); },
+            [&] { move(file, anyFile()); },
+            [&] { home.remove(file); },
+            [&] { home.setDate(home.holds(file) ? file : "s", 1'000'000 + any(3)); },
+            [&] { move(folder, anyFolder()); },
+            [&] { home.holds(folder) ? home.setDate(folder, 1'000'000) : void(); },
+            [&] { move(folder, "s/." + std::to_string(any(99))); },
+            [&] { home.remove(any(3) == 0 ? folder : file); }};
+        kChanges[any(std::size(kChanges))]();
+    }
+
     TemporaryHome home;
     std::unique_ptr<ORVFiles> files =
         GetParam() ? platform::makeFiles() : std::make_unique<UnwatchedFiles>();
     ManualClock clock;
     ORVSessionTree tree{*files, clock, home.path("s")};
     std::set<const ORVWalkedFile*> fromChanges;
-};
-
-/// Changes things below the folder at random.
-class Changes {
-public:
-    Changes(TemporaryHome& home, unsigned seed) : home_(home), random_(seed) {}
-
-    void make() {
-        const std::string file = anyFile();
-        const std::string other = anyFile();
-        const std::string folder = anyFolder();
-        switch (any(9)) {
-            case 0:
-            case 1:
-                return home_.append(file, "x");
-            case 2:
-                return home_.replace(file, "y");
-            case 3:
-                return move(file, other);
-            case 4:
-                return home_.remove(file);
-            case 5:
-                return home_.setDate(home_.holds(file) ? file : "s", 1'000'000 + any(3));
-            case 6:
-                return move(folder, anyFolder());
-            case 7:
-                return home_.holds(folder) ? home_.setDate(folder, 1'000'000) : void();
-            default:
-                return any(3) == 0 ? home_.remove(folder) : move(folder, folder + "/.hidden");
-        }
-    }
 
 private:
-    unsigned any(unsigned count) { return static_cast<unsigned>(random_() % count); }
+    unsigned any(std::size_t count) { return static_cast<unsigned>(random_() % count); }
 
     std::string anyFolder() {
         std::string folder = "s";
@@ -158,21 +136,19 @@ private:
     }
 
     void move(const std::string& from, const std::string& to) {
-        if (home_.holds(from)) {
-            home_.makeFolder(to.substr(0, to.rfind('/')));
-            rename(home_.path(from).c_str(), home_.path(to).c_str());
+        if (home.holds(from)) {
+            home.makeFolder(to.substr(0, to.rfind('/')));
+            rename(home.path(from).c_str(), home.path(to).c_str());
         }
     }
 
-    TemporaryHome& home_;
-    std::mt19937 random_;
+    std::mt19937 random_{1};
 };
 
 TEST_P(SessionTreeTest, AnyChangesAreNoticedWithinSixRefreshes) {
-    Changes changes(home, 1);
     for (int round = 0; round < 60; ++round) {
-        for (unsigned count = static_cast<unsigned>(round % 5); count > 0; --count) {
-            changes.make();
+        for (int count = round % 5; count > 0; --count) {
+            changeSomething();
             if (round % 3 == 0) {
                 refresh();
             }
@@ -182,7 +158,7 @@ TEST_P(SessionTreeTest, AnyChangesAreNoticedWithinSixRefreshes) {
             refresh();
         }
         const Picture expected = walked();
-        ASSERT_EQ(expected, picture()) << "round " << round;
+        ASSERT_EQ(expected, pictureOf(tree)) << "round " << round;
         ASSERT_EQ(expected, pictureFromChanges());
         ASSERT_EQ(expected.size(), tree.fileCount());
     }
@@ -203,7 +179,7 @@ TEST_P(SessionTreeTest, ChangesThatWereLostAreMadeUpFor) {
         for (int i = 0; i < 6; ++i) {
             refresh();
         }
-        EXPECT_EQ(walked(), picture());
+        EXPECT_EQ(walked(), pictureOf(tree));
     }
 }
 
@@ -213,32 +189,22 @@ TEST_P(SessionTreeTest, AFolderThatBecomesALinkIsGone) {
     rename(home.path("s/1").c_str(), home.path("elsewhere").c_str());
     home.makeLink("s/1", home.path("elsewhere"));
     refresh();
-    EXPECT_EQ(walked(), picture());
+    EXPECT_EQ(walked(), pictureOf(tree));
     EXPECT_EQ(1'000U, tree.fileCount());
 }
 
 INSTANTIATE_TEST_SUITE_P(WithAndWithoutAWatch, SessionTreeTest, testing::Bool());
 
-/// A disk in memory that tells what is written, as far as the test wants it to, and has folders
-/// that may not be read.
+/// A disk in memory that tells what is written, as far as the test wants it to.
 class TellingFiles final : public MemoryFiles {
 public:
     std::set<std::string> watched;
     std::set<std::string> written;
     bool tellsNothing = false;
     bool losesChanges = false;
-    std::string locked;
 
     std::unique_ptr<ORVFolderWatch> makeFolderWatch() override {
         return tellsNothing ? nullptr : std::make_unique<Watch>(*this);
-    }
-    std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links links,
-                                              ORVErrorSlot* error) override {
-        if (path == locked) {
-            storeError(error, platform::posixError(EACCES));
-            return nullptr;
-        }
-        return MemoryFiles::openFolder(path, links, error);
     }
 
 private:
@@ -262,8 +228,7 @@ class TreeInMemoryTest : public testing::Test {
 protected:
     TreeInMemoryTest() {
         for (int i = 100; i < 700; ++i) {
-            disk.write(pathOf(i), "");
-            disk.setDate(pathOf(i), 1'000);
+            disk.write(pathOf(i), "", 1'000);
         }
         EXPECT_TRUE(tree.refresh(nullptr));
     }
@@ -313,8 +278,7 @@ TEST_F(TreeInMemoryTest, AFolderIsReadAgainWhileItsDateIsYoung) {
 }
 
 TEST_F(TreeInMemoryTest, WhatIsWrittenIsNoticedInTurnOrAtOnce) {
-    disk.append(pathOf(690), "x");
-    disk.setDate(pathOf(690), 1'000);
+    disk.write(pathOf(690), "x", 1'000);
     EXPECT_LT(0, noticedAfter(6)) << "a size of the same date";
     clock.time += 2min;
     EXPECT_EQ(0, noticedAfter(7));
@@ -351,8 +315,7 @@ TEST_F(TreeInMemoryTest, OfVeryManyFilesTheNewestAreAskedMoreOften) {
     disk.tellsNothing = true;
     for (int i = 0; i < 5'500; ++i) {
         const std::string path = (i < 500 ? "/s/0/" : "/s/2/") + std::to_string(i) + ".jsonl";
-        disk.write(path, "");
-        disk.setDate(path, 1'000);
+        disk.write(path, "", 1'000);
     }
     EXPECT_EQ(1, noticedAfter(1));
     clock.time += 2min;
@@ -370,7 +333,7 @@ TEST_F(TreeInMemoryTest, AFolderThatMayNotBeReadHoldsNothing) {
     disk.append("/s/1/2/a.jsonl", "");
     disk.append("/s/10/a.jsonl", "");
     EXPECT_EQ(1, noticedAfter(1));
-    disk.locked = "/s/1";
+    disk.locked = {"/s/1"};
     disk.append(pathOf(1), "");
     EXPECT_EQ(1, noticedAfter(1));
     EXPECT_EQ(1U, tree.fileCount());
@@ -378,21 +341,14 @@ TEST_F(TreeInMemoryTest, AFolderThatMayNotBeReadHoldsNothing) {
     EXPECT_EQ("/s/1", tree.unreadable().front().path);
     EXPECT_TRUE(tree.unreadable().front().isFolder);
     EXPECT_EQ(EACCES, tree.unreadable().front().error.code);
-    disk.locked = "/s";
+    disk.locked = {"/s"};
     clock.time += 2s;
     EXPECT_FALSE(tree.refresh(nullptr));
     EXPECT_EQ("/s", tree.unreadable().front().path);
-    disk.locked = "";
+    disk.locked.clear();
     EXPECT_EQ(1, noticedAfter(1));
     EXPECT_EQ(603U, tree.fileCount());
     EXPECT_TRUE(tree.unreadable().empty());
-}
-
-/// Returns all that the tree holds.
-std::string contentOf(const ORVSessionTree& tree) {
-    std::string all = std::to_string(tree.fileCount()) + '\n';
-    tree.forEachFile([&](const ORVWalkedFile& file) { all += described(file); });
-    return all;
 }
 
 /// Lets the call with this number fail in a refresh that has something to notice. Returns how much
@@ -422,7 +378,7 @@ std::optional<std::size_t> toldAfterFault(MemoryFiles::Fault fault, int call) {
     EXPECT_TRUE(tree.unreadable().empty());
     ORVSessionTree fresh(disk, clock, "/s");
     EXPECT_TRUE(fresh.refresh(nullptr));
-    EXPECT_EQ(contentOf(fresh), contentOf(tree)) << "after a fault at call " << call;
+    EXPECT_EQ(pictureOf(fresh), pictureOf(tree)) << "after a fault at call " << call;
     return told;
 }
 

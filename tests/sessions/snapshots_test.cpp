@@ -3,9 +3,6 @@
 namespace {
 
 using SessionSnapshotTest = SessionSourceTest;
-using records::compacted;
-using records::contextCompacted;
-using records::tokenCount;
 
 TEST_F(SessionSnapshotTest, ATaskIsTheSumOfItsFilesAndShowsTheNewestOnesUsage) {
     const std::string first = compacted("w1") + contextCompacted("") + tokenCount("1000");
@@ -58,15 +55,26 @@ TEST_F(SessionSnapshotTest, TheLatestFileStandsForItsWholeTask) {
 }
 
 TEST_F(SessionSnapshotTest, ErrorsKeepTheirPlaceInTheSlot) {
+    EXPECT_FALSE(source.latestSnapshotWithError(&error));
+    EXPECT_FALSE(error) << "an empty folder is no error";
+    EXPECT_EQ("Orvellan 2", title());
     error = ORVError{"posix", EACCES, "from the focus source"};
-    EXPECT_FALSE(source.snapshotForThreadID(kTask, &error));
-    EXPECT_EQ(EACCES, error->code) << "a missing task yields to an earlier cause";
-    EXPECT_FALSE(source.snapshotForThreadID("", &error));
-    EXPECT_EQ(EACCES, error->code);
+    for (const std::string& task : {kTask, std::string()}) {
+        EXPECT_FALSE(source.snapshotForThreadID(task, &error));
+        EXPECT_EQ(EACCES, error->code) << "a missing task yields to an earlier cause";
+    }
     disk.append(fileOf(kTask), compacted("w1"));
     EXPECT_TRUE(source.snapshotForThreadID(kTask, &error));
     EXPECT_EQ(EACCES, error->code) << "success clears nothing";
-    EXPECT_FALSE(source.snapshotForThreadID(kOther, nullptr));
+    disk.remove("/codex");
+    EXPECT_FALSE(source.snapshotForThreadID(kTask, nullptr));
+    EXPECT_FALSE(source.snapshotForThreadID(kTask, &error));
+    EXPECT_EQ(1, error->code) << "a missing folder does not";
+    error.reset();
+    EXPECT_FALSE(source.latestSnapshotWithError(&error));
+    EXPECT_EQ(1, error->code);
+    disk.write("/codex/sessions", "a file");
+    EXPECT_EQ("Orvellan 1", title());
 }
 
 using TitleIndexTest = SessionSourceTest;

@@ -1,5 +1,3 @@
-// Tests tasks, families and first lines, over a disk in memory.
-
 #include "sessions/ORVTaskList.h"
 
 #include <gtest/gtest.h>
@@ -9,11 +7,14 @@
 #include <sstream>
 
 #include "tests/support/MemoryFiles.h"
+#include "tests/support/records.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using Helpers = ORVTaskList::Wanted::Helpers;
+using records::helperMeta;
+using records::sessionMeta;
 
 std::optional<ORVListedTask> headOfFamily(ORVTaskList& list, const ORVTask& task) {
     return list.headOfFamily(task.threadID, task.newestFile().path);
@@ -29,24 +30,18 @@ protected:
     }
     static std::string pathOf(const std::string& name) { return "/s/a-" + idOf(name) + ".jsonl"; }
 
-    static std::string meta(const std::string& payload) {
-        return R"({"type":"session_meta","payload":{)" + payload + "}}\n";
-    }
-    static std::string helperMeta(const std::string& parent) {
-        return meta(R"("thread_source":"subagent","parent_thread_id":")" +
-                    (parent.empty() ? "" : idOf(parent)) + '"');
-    }
-
     /// Makes a task of each word: its name, "<" and its parent's name for a helper, "?" for a first
     /// line that is not complete, "!" for a file that may not be read, then ":" and its date.
     void makeTasks(const std::string& words) {
         std::istringstream stream(words);
         for (std::string word; stream >> word;) {
             const std::string path = pathOf(word.substr(0, 1));
-            disk.write(path, word[1] == '<'   ? helperMeta(word.substr(2, word[2] == ':' ? 0 : 1))
-                             : word[1] == '?' ? "{"
-                                              : meta(""));
-            disk.setDate(path, std::stoll(word.substr(word.find(':') + 1)));
+            const std::string parent = word[2] == ':' ? "" : idOf(word.substr(2, 1));
+            disk.write(path,
+                       word[1] == '<'   ? helperMeta(parent)
+                       : word[1] == '?' ? "{"
+                                        : sessionMeta(""),
+                       std::stoll(word.substr(word.find(':') + 1)));
             if (word[1] == '!') {
                 disk.locked.insert(path);
             }
@@ -157,11 +152,8 @@ TEST_F(TaskListTest, AnAnswerOpensNoMoreFirstLinesThanItNeeds) {
         return "/s/" + digits + "01-983b-7e83-81c7-e87b7b63d181.jsonl";
     };
     for (int i = 0; i < kFamilies; ++i) {
-        disk.write(path(2 * i), meta(""));
-        const std::string parent = path(2 * i).substr(3, 36);
-        disk.write(path(2 * i + 1), meta(R"("source":{"subagent":{"thread_spawn":{)"
-                                         R"("parent_thread_id":")" +
-                                         parent + R"("}}})"));
+        disk.write(path(2 * i), sessionMeta(""));
+        disk.write(path(2 * i + 1), helperMeta(path(2 * i).substr(3, 36)));
     }
     refresh();
     EXPECT_TRUE(list.newestHead());
@@ -208,8 +200,7 @@ TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
     disk.write(pathOf("4"), "\n");
     EXPECT_EQ('4', after("")[0]) << "of the same size";
     disk.remove(pathOf("4"));
-    disk.write("/s/b-" + idOf("1") + ".jsonl", meta(""));
-    disk.setDate("/s/b-" + idOf("1") + ".jsonl", 30);
+    disk.write("/s/b-" + idOf("1") + ".jsonl", sessionMeta(""), 30);
     EXPECT_EQ("1@30", after("")) << "a further file of a known task";
     EXPECT_EQ("1@30", after("3?:40 4!:50"));
     EXPECT_EQ(1U, list.unreadable().size());
@@ -233,8 +224,7 @@ TEST_F(TaskListTest, AFirstLineThatIsNotCompleteIsLookedAtAgain) {
 TEST_F(TaskListTest, EqualDatesAreOrderedByTheNewestFilesPath) {
     for (const std::string& path :
          {"/s/a-" + idOf("1"), "/s/b-" + idOf("2"), "/s/c-" + idOf("1")}) {
-        disk.write(path + ".jsonl", meta(""));
-        disk.setDate(path + ".jsonl", 10);
+        disk.write(path + ".jsonl", sessionMeta(""), 10);
     }
     refresh();
     EXPECT_EQ("2@10", described(list.newestHead()));
@@ -250,27 +240,26 @@ TEST_F(TaskListTest, WhatAFirstLineTells) {
     const Case kCases[] = {
         {"no JSON\n", "- head"},
         {"\n", "- head"},
-        {meta(R"("cwd":7,"source":"exec","thread_source":"user")"), "- head"},
-        {meta(R"("cwd":"relative","source":{"other":{}})"), "- head"},
-        {meta(R"("cwd":"/a b\u0000","source":{"subagent":null})"),
+        {sessionMeta(R"("cwd":7,"source":"exec","thread_source":"user")"), "- head"},
+        {sessionMeta(R"("cwd":"relative","source":{"other":{}})"), "- head"},
+        {sessionMeta(R"("cwd":"/a b\u0000","source":{"subagent":null})"),
          std::string("/a b") + '\0' + " head"},
-        {meta(R"("cwd":"/","parent_thread_id":"p","agent_nickname":"n")"), "/ head"},
-        {R"({"type":"other","payload":{"cwd":"/","thread_source":"subagent"}})"
-         "\n",
-         "- head"},
-        {meta(R"("thread_source":"subagent")"), "- helper - -"},
-        {meta(R"("source":{"subagent":"review"},"parent_thread_id":"p")"), "- helper p -"},
-        {meta(R"("source":{"subagent":{"thread_spawn":{"parent_thread_id":"q",)"
-              R"("agent_nickname":"\u00e4\n"}}},"parent_thread_id":7)"),
+        {sessionMeta(R"("cwd":"/","parent_thread_id":"p","agent_nickname":"n")"), "/ head"},
+        {records::record("other", R"({"cwd":"/","thread_source":"subagent"})"), "- head"},
+        {sessionMeta(R"("thread_source":"subagent")"), "- helper - -"},
+        {sessionMeta(R"("source":{"subagent":"review"},"parent_thread_id":"p")"), "- helper p -"},
+        {sessionMeta(R"("source":{"subagent":{"thread_spawn":{"parent_thread_id":"q",)"
+                     R"("agent_nickname":"\u00e4\n"}}},"parent_thread_id":7)"),
          "- helper q \xC3\xA4\n"},
-        {meta(R"("source":{"subagent":{"thread_spawn":{"parent_thread_id":"q"}}},)"
-              R"("parent_thread_id":"p","agent_nickname":"n","thread_source":"subagent")"),
+        {sessionMeta(R"("source":{"subagent":{"thread_spawn":{"parent_thread_id":"q"}}},)"
+                     R"("parent_thread_id":"p","agent_nickname":"n","thread_source":"subagent")"),
          "- helper p n"},
-        {meta(R"("thread_source":"subagent","agent_nickname":"x)" + kLong +
-              R"(","parent_thread_id":")" + kLong + '"'),
+        {sessionMeta(R"("thread_source":"subagent","agent_nickname":"x)" + kLong +
+                     R"(","parent_thread_id":")" + kLong + '"'),
          "- helper " + kLong + " -"},
-        {meta(R"("cwd":"/","x":")" + std::string(100'000, 'x') + '"'), "/ head"},
-        {meta(R"("cwd":"/","x":")" + std::string(ORVFirstLines::kLongestLineBytes, 'x') + '"'),
+        {sessionMeta(R"("cwd":"/","x":")" + std::string(100'000, 'x') + '"'), "/ head"},
+        {sessionMeta(R"("cwd":"/","x":")" + std::string(ORVFirstLines::kLongestLineBytes, 'x') +
+                     '"'),
          "- head"},
         {std::string(ORVFirstLines::kLongestLineBytes + 1, 'x'), "- head"},
         {std::string(ORVFirstLines::kLongestLineBytes, 'x'), "not complete"},
@@ -295,8 +284,7 @@ TEST_F(TaskListTest, TheDeepestFolderWinsAmongEqualsTheNewestFamily) {
     disk.realPaths["/link/site"] = "/code/site";
     disk.makeFolder("/code/site/deep");
     const auto make = [&](const std::string& name, const std::string& payload, int date) {
-        disk.write(pathOf(name), meta(payload));
-        disk.setDate(pathOf(name), date);
+        disk.write(pathOf(name), sessionMeta(payload), date);
     };
     make("1", R"("cwd":"/")", 90);
     make("2", R"("cwd":"/code")", 80);
@@ -322,9 +310,9 @@ TEST_F(TaskListTest, TheDeepestFolderWinsAmongEqualsTheNewestFamily) {
 
 TEST_F(TaskListTest, PartsOfIdentifiers) {
     makeTasks("1:10 2:30 3:20");
-    disk.write("/s/b-" + idOf("4") + '_' + idOf("5") + ".jsonl", meta(""));
-    disk.write("/s/c-AAAAAAAA-983b-7e83-81c7-E87B7B63D181.jsonl", meta(""));
-    disk.write("/s/x/Notes-x-81.jsonl", meta(""));
+    disk.write("/s/b-" + idOf("4") + '_' + idOf("5") + ".jsonl", sessionMeta(""));
+    disk.write("/s/c-AAAAAAAA-983b-7e83-81c7-E87B7B63D181.jsonl", sessionMeta(""));
+    disk.write("/s/x/Notes-x-81.jsonl", sessionMeta(""));
     refresh();
     const std::pair<std::string, std::string> kCases[] = {
         {"82", "2"},       {"D182", "2"},  {"00000001", "1"}, {"d18", "A4231"},
@@ -358,8 +346,8 @@ TEST_F(TaskListTest, TheListIsThatOfOneMadeAnew) {
     };
     const auto anyContent = [&]() -> std::string {
         const std::string folder = R"("cwd":"/)" + anyName() + '"';
-        const std::string kContents[] = {"", "{", meta(folder), helperMeta(anyName()),
-                                         helperMeta(anyName())};
+        const std::string kContents[] = {"", "{", sessionMeta(folder), helperMeta(idOf(anyName())),
+                                         helperMeta(idOf(anyName()))};
         return kContents[any(5)];
     };
     const auto answers = [&](ORVTaskList& asked) {
@@ -374,25 +362,11 @@ TEST_F(TaskListTest, TheListIsThatOfOneMadeAnew) {
     for (int round = 0; round < 200; ++round) {
         for (unsigned count = any(4) + 1; count > 0; --count) {
             const std::string path = anyPath();
-            const bool isThere = disk.items().contains(path);
-            switch (any(isThere ? 6 : 2)) {
-                case 0:
-                case 1:
-                    disk.replace(path, anyContent());
-                    break;
-                case 2:
-                    disk.append(path, "\n");
-                    break;
-                case 3:
-                    disk.rename(path, anyPath());
-                    break;
-                case 4:
-                    disk.setDate(path, any(3) + 1);
-                    break;
-                default:
-                    disk.remove(any(4) == 0 ? path.substr(0, 4) : path);
-                    break;
-            }
+            const std::function<void()> kChanges[] = {
+                [&] { disk.replace(path, anyContent()); }, [&] { disk.append(path, "\n"); },
+                [&] { disk.rename(path, anyPath()); }, [&] { disk.setDate(path, any(3) + 1); },
+                [&] { disk.remove(any(4) == 0 ? path.substr(0, 4) : path); }};
+            kChanges[disk.items().contains(path) ? any(5) : 0]();
         }
         for (unsigned count = 6; count > 0; --count) {
             refresh();

@@ -21,8 +21,8 @@ ORVHistoryEvent point(int tokens, std::string at = "2026-11-24T16:45:21.002Z") {
     return {std::move(at), ORVContextUsage(tokens, kWindow)};
 }
 
-ORVHistoryEvent compaction() {
-    return {"2026-11-24T18:02:00Z", std::nullopt};
+ORVHistoryEvent compaction(std::string at = "2026-11-24T18:02:00Z") {
+    return {std::move(at), std::nullopt};
 }
 
 /// Returns a point for each percentage, and a compaction for each negative number.
@@ -55,19 +55,16 @@ std::string joined(const std::vector<history::PlotRow>& rows) {
 bool isWellFormed(const std::string& xml) {
     std::vector<std::string> open;
     std::istringstream pieces(xml);
-    std::string piece;
-    std::getline(pieces, piece, '<');
-    bool isGood = piece.empty();
-    while (isGood && std::getline(pieces, piece, '<')) {
-        const std::size_t end = std::min(piece.find('>'), piece.size());
-        const std::string tag = piece.substr(0, end);
+    std::string text, tag;
+    std::getline(pieces, text, '<');
+    bool isGood = text.empty() && count(xml, "<") == count(xml, ">") &&
+                  count(xml, "&") == count(xml, "&amp;") + count(xml, "&lt;") + count(xml, "&gt;") +
+                                         count(xml, "&quot;");
+    while (std::getline(pieces, tag, '>')) {
+        std::getline(pieces, text, '<');
         const std::string name = tag.substr(0, tag.find(' '));
-        const bool ends = name.starts_with('/');
-        isGood = count(piece, ">") == 1 && count(tag, "\"") == 2 * count(tag, "=\"") &&
-                 count(piece, "&") == count(piece, "&amp;") + count(piece, "&lt;") +
-                                          count(piece, "&gt;") + count(piece, "&quot;") &&
-                 (!ends || (!open.empty() && "/" + open.back() == name));
-        if (isGood && ends) {
+        isGood = isGood && count(tag, "\"") == 2 * count(tag, "=\"");
+        if (!open.empty() && name == '/' + open.back()) {
             open.pop_back();
         } else if (!tag.ends_with('/')) {
             open.push_back(name);
@@ -192,13 +189,6 @@ TEST(HistoryTest, BarsStandAsHighAsTheirUsage) {
     EXPECT_FALSE(rows[10].level || rows[11].level);
 }
 
-/// Sets the zone of the user for the length of a test.
-class Zone {
-public:
-    explicit Zone(const char* name) { setenv("TZ", name, 1); }
-    ~Zone() { unsetenv("TZ"); }
-};
-
 TEST(HistoryTest, LocalTimesAndCountsStandBelowThePlotWhereTheyFit) {
     struct Case {
         const char *first, *last;
@@ -225,7 +215,7 @@ TEST(HistoryTest, LocalTimesAndCountsStandBelowThePlotWhereTheyFit) {
         {"", kEvening, 40, "       2 answers · ▼ 1  2026-11-24 23:32"},
         {"2026-11-24 08:05:21", "\x1b[31m", 22, "      2 answers · ▼ 1"},
     };
-    const Zone zone("IST-5:30");
+    setenv("TZ", "IST-5:30", 1);
     for (const Case& c : kCases) {
         SCOPED_TRACE(std::string(c.first) + " " + std::to_string(c.columns));
         const Events all = {point(1, c.first), compaction(), point(2, c.last)};
@@ -254,17 +244,13 @@ std::string told(const std::vector<app::Compaction>& compactions) {
     return text.str();
 }
 
-ORVHistoryEvent compactionAt(std::string at) {
-    return {std::move(at), std::nullopt};
-}
-
 TEST(HistoryTest, TheLedgerTellsWhatEachCompactionDid) {
-    Events all = {point(500, "2026-11-24T08:00:00Z"),        point(900, "2026-11-24T08:10:00Z"),
-                  compactionAt("2026-11-24T08:20:00Z"),      point(90, "2026-11-24T08:21:00Z"),
-                  point(91, "2026-11-24T08:22:00Z"),         compactionAt("2026-11-24T09:20:00.9Z"),
-                  compactionAt("2026-11-24T09:20:30+00:00"), point(95, "yesterday"),
-                  compactionAt("2026-11-24T09:00:00Z"),      point(96, "2026-11-24T09:30:00Z"),
-                  compactionAt("9999-99-99T99:99:99Z"),      compactionAt("2026-11-24T10:00:00Z"),
+    Events all = {point(500, "2026-11-24T08:00:00Z"),      point(900, "2026-11-24T08:10:00Z"),
+                  compaction("2026-11-24T08:20:00Z"),      point(90, "2026-11-24T08:21:00Z"),
+                  point(91, "2026-11-24T08:22:00Z"),       compaction("2026-11-24T09:20:00.9Z"),
+                  compaction("2026-11-24T09:20:30+00:00"), point(95, "yesterday"),
+                  compaction("2026-11-24T09:00:00Z"),      point(96, "2026-11-24T09:30:00Z"),
+                  compaction("9999-99-99T99:99:99Z"),      compaction("2026-11-24T10:00:00Z"),
                   point(7, "2026-11-24T10:00:00Z")};
     auto compactions = app::compactionsOf(all);
     const std::string kLast = "6: -- > 7 0 -1s 0\n";
@@ -276,19 +262,19 @@ TEST(HistoryTest, TheLedgerTellsWhatEachCompactionDid) {
     app::leaveOutOlder(*text::timeOf("2026-11-24T09:20:00Z"), all, compactions);
     EXPECT_EQ("2: 91 > -- 0 3600s 2\n3: -- > 95 0 30s 0\n" + kLast, told(compactions));
     EXPECT_EQ(5U, all.size());
-    EXPECT_EQ("1: -- > -- 0 -1s 0\n", told(app::compactionsOf({compactionAt("")})));
+    EXPECT_EQ("1: -- > -- 0 -1s 0\n", told(app::compactionsOf({compaction("")})));
     EXPECT_EQ("", told(app::compactionsOf({point(1)})) + told(app::compactionsOf({})));
 }
 
 TEST(HistoryTest, TheLedgerIsATableOfAnyWidth) {
-    const Zone zone("IST-5:30");
+    setenv("TZ", "IST-5:30", 1);
     Events all;
     for (int i = 0; i < 9; ++i) {
         all.push_back(compaction());
     }
     all.insert(all.end(),
-               {point(970'000, "2026-11-24T18:03:00Z"), compactionAt("2026-11-24T20:44:00Z"),
-                point(93'700), compactionAt(""), point(193'700)});
+               {point(970'000, "2026-11-24T18:03:00Z"), compaction("2026-11-24T20:44:00Z"),
+                point(93'700), compaction(""), point(193'700)});
     const auto compactions = app::compactionsOf(all);
     const auto lines = [&](int columns, int rows, bool unicode) {
         std::string text;
@@ -321,22 +307,10 @@ TEST(HistoryTest, TheLedgerIsATableOfAnyWidth) {
 }
 
 TEST(HistoryTest, ThePictureShowsThePointsInOrder) {
-    const std::vector<int> kPercentages = {10, 95, 4, 250, 0, 50};
-    const std::string picture = history::svg(events(kPercentages), "");
-    const std::string_view kBegin = "class=\"line\" d=\"M";
-    const char* at = picture.c_str() + picture.find(kBegin) + kBegin.size();
-    char* end = nullptr;
-    double x = std::strtod(at, &end);
-    EXPECT_EQ(' ', *end);
-    for (const int percentage : kPercentages) {
-        const double y = std::strtod(end + 1, &end);
-        EXPECT_EQ('H', *end);
-        const double right = std::strtod(end + 1, &end);
-        EXPECT_EQ(percentage == kPercentages.back() ? '"' : 'V', *end);
-        EXPECT_NEAR(std::min(percentage, 100), (204.0 - y) / (204.0 - 52.0) * 100.0, 0.1);
-        EXPECT_NEAR((624.0 - 48.0) / 6, right - x, 0.11);
-        x = right;
-    }
+    EXPECT_EQ(1U,
+              count(history::svg(events({10, 95, 4, 250, 0, 50}), ""),
+                    "class=\"line\" d=\"M48.0 188.8H144.0V59.6H240.0V197.9H336.0V52.0H432.0V204.0"
+                    "H528.0V128.0H624.0\""));
     // Between two compactions without a usage nothing is drawn.
     const std::string gap = history::svg(events({50, 100, -1, -1, 50}), "");
     EXPECT_EQ(1U, count(gap, "\"M48.0 128.0H192.0V52.0H336.0M480.0 128.0H624.0\""));

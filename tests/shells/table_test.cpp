@@ -1,5 +1,3 @@
-// Tests the table of tasks: what each width keeps, and that everything is aligned.
-
 #include "shells/terminal/table.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
-// Tests the rows of the terminal's menu, and the program itself on a terminal.
-
 #include <gtest/gtest.h>
 #include <locale.h>
 
+#include "app/ORVAppDelegate.h"
 #include "shells/terminal/ORVMenuPage.h"
+#include "tests/support/ManualHost.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/records.h"
@@ -36,49 +36,23 @@ void useUnicode() {
     ASSERT_TRUE(setlocale(LC_CTYPE, "C.UTF-8") || setlocale(LC_CTYPE, "UTF-8"));
 }
 
+/// The application's menu while it shows a task, after the user asked to detect it.
 class MenuRowsTest : public testing::Test {
 protected:
     MenuRowsTest() {
         useUnicode();
-        statusItem.title = "C3 · 47%";
-        statusItem.percentage = 47;
-        statusItem.menu = std::make_unique<ORVMenu>();
-        ORVMenu& menu = *statusItem.menu;
-        title = add("titleItem", "Task: 重构 🚀 \x1b[31m");
-        title->emphasis = ORVEmphasis::headline;
-        add("focusItem", "Focus")->hidden = true;
-        menu.addSeparator();
-        add("contextItem", "Context")->emphasis = ORVEmphasis::gauge;
-        add("compactionItem", "Compactions");
-        add("updatedItem", "Updated");
-        menu.addSeparator();
-        add("sourceItem", "Source")->emphasis = ORVEmphasis::constant;
-        add("privacyItem", "Privacy")->emphasis = ORVEmphasis::constant;
-        menu.addSeparator();
-        language = add("languageItem", "语言");
-        language->image = ORVMenuImage{"globe", ""};
-        language->submenu = std::make_unique<ORVMenu>();
-        for (int mode = 0; mode < 3; ++mode) {
-            ORVMenuItem* item = language->submenu->add("mode");
-            item->title = "English";
-            item->action = ORVMenuAction::changeLanguage;
-            item->tag = mode;
-            item->state = mode == 1;
-        }
-        refresh = add("refreshItem", "✓ Complete");
-        refresh->action = ORVMenuAction::refresh;
-        refresh->keyEquivalent = "r";
+        app->applicationDidFinishLaunching();
+        app->renderSnapshot(
+            ORVSessionSnapshot("重构 🚀 \x1b[31m", "id", "/x", 3, ORVContextUsage(128'000, 272'000),
+                               ORVContextStatusAvailable, ORVCompactionStatusValid, {}));
+        const auto& items = statusItem.menu->items;
+        title = items[0].get();
+        items[5]->title = "Updated";
+        language = items[10].get();
+        refresh = items[11].get();
+        refresh->title = "✓ Complete";
         refresh->enabled = false;
-        refresh->image = ORVMenuImage{"checkmark.circle.fill", ""};
-        quit = add("quitItem", "Quit");
-        quit->action = ORVMenuAction::terminate;
-        quit->keyEquivalent = "q";
-    }
-
-    ORVMenuItem* add(const std::string& field, const std::string& text) const {
-        ORVMenuItem* item = statusItem.menu->add(field);
-        item->title = text;
-        return item;
+        quit = items[12].get();
     }
 
     /// Returns the rows, and checks that each is harmless and as wide as the screen.
@@ -122,7 +96,9 @@ protected:
         return all;
     }
 
-    ORVStatusItem statusItem;
+    ManualHost host;
+    const std::shared_ptr<ORVAppDelegate> app = std::make_shared<ORVAppDelegate>(host);
+    ORVStatusItem& statusItem = const_cast<ORVStatusItem&>(app->statusItem());
     terminal::MenuView view;
     ORVMenuItem *title, *language, *refresh, *quit;
 };
@@ -130,34 +106,24 @@ protected:
 TEST_F(MenuRowsTest, TheMenuHangsBelowTheGaugeAndStylesStayInsideTheFrame) {
     view.selected = language;
     EXPECT_EQ(
-        "(r!:              )(b!:       C3 · 47% )\n"
-        "     ┌───────────────────────┐\n"
-        "     │(b:   Task: 重构 🚀  [31m )│\n"
-        "     ├───────────────────────┤\n"
-        "     │(!:   Context             )│\n"
-        "     │   Compactions         │\n"
-        "     │   Updated             │\n"
-        "     ├───────────────────────┤\n"
-        "     │(d:   Source              )│\n"
-        "     │(d:   Privacy             )│\n"
-        "     ├───────────────────────┤\n"
-        "     │(r: ◎ 语言            )(r:l ▸ )│\n"
-        "     │(d:   ✓ Complete        )(d:r )│\n"
-        "     │   Quit              (d:q )│\n"
-        "     └───────────────────────┘\n"
-        "                              \n"
-        "(d: ↑↓ Move · Enter Choose · ? K…)\n",
-        marked({30, 17, true}));
-}
-
-TEST_F(MenuRowsTest, EveryScriptFits) {
-    for (const char* script : kScripts) {
-        title->title = script + std::string("\x1b[31m \x9b \xff \u202E \u2066 \u2028");
-        for (const int columns : kWidths) {
-            rows({columns, 24, true});
-            rows({columns, 24, false});
-        }
-    }
+        "(r!:                          )(b!:                    C3 · 47% )\n"
+        "           ┌──────────────────────────────────────────┐\n"
+        "           │(b:   Current task: 重构 🚀  [31m            )│\n"
+        "           ├──────────────────────────────────────────┤\n"
+        "           │(!:   Context usage: 128k / 272k (47%)       )│\n"
+        "           │   Compactions: 3                         │\n"
+        "           │   Updated                                │\n"
+        "           ├──────────────────────────────────────────┤\n"
+        "           │(d:   Current source: Codex                  )│\n"
+        "           │(d:   Read-only · On-device · No data upload )│\n"
+        "           ├──────────────────────────────────────────┤\n"
+        "           │(r: ◎ Language                           )(r:l ▸ )│\n"
+        "           │(d:   ✓ Complete                           )(d:r )│\n"
+        "           │   Quit Brimlet                         (d:q )│\n"
+        "           └──────────────────────────────────────────┘\n"
+        "                                                       \n"
+        "(d: ↑↓ Move · Enter Choose · ? Keys)                       \n",
+        marked({55, 17, true}));
 }
 
 TEST_F(MenuRowsTest, WhatTerminalsMeasureDifferentlyIsLeftOut) {
@@ -168,9 +134,16 @@ TEST_F(MenuRowsTest, WhatTerminalsMeasureDifferentlyIsLeftOut) {
     EXPECT_EQ(joinedLetters, terminal::shown(joinedLetters, {}));
 }
 
-TEST_F(MenuRowsTest, FitsEveryScreenWithTheSelectedItem) {
+TEST_F(MenuRowsTest, EveryScriptFitsEveryScreenWithTheSelectedItem) {
     view.submenuIsOpen = true;
     view.selected = quit;
+    for (const char* script : kScripts) {
+        title->title = script + std::string("\x1b[31m \x9b \xff \u202E \u2066 \u2028");
+        for (const int columns : kWidths) {
+            rows({columns, 24, true});
+            rows({columns, 24, false});
+        }
+    }
     for (const bool isUnicode : {true, false}) {
         for (int columns = 1; columns < 60; columns += columns < 10 ? 1 : 7) {
             for (int height = 1; height < 24; ++height) {
@@ -184,9 +157,10 @@ TEST_F(MenuRowsTest, FitsEveryScreenWithTheSelectedItem) {
 TEST_F(MenuRowsTest, LowScreensKeepTheFiguresLongest) {
     const auto kept = [&](int height) {
         static constexpr std::pair<const char*, char> kLetters[] = {
-            {"┌", '='},       {"└", '='},       {"├", '-'},       {"Move", '?'},   {"Task", 'T'},
-            {"Context", 'x'}, {"Comp", 'c'},    {"Updated", 'u'}, {"Source", 's'}, {"Privacy", 'p'},
-            {"语言", 'l'},    {"English", 'e'}, {"✓", 'r'},       {"Quit", 'q'}};
+            {"┌", '='},       {"└", '='},       {"├", '-'},        {"Move", '?'},
+            {"task:", 'T'},   {"Context", 'x'}, {"Comp", 'c'},     {"Updated", 'u'},
+            {"source:", 's'}, {"Read", 'p'},    {"Language", 'l'}, {"System", '1'},
+            {"English", '2'}, {"简体", '3'},    {"✓", 'r'},        {"Quit", 'q'}};
         std::string letters;
         for (const terminal::Row& row : rows({60, height, true})) {
             const std::string line = text(row);
@@ -209,7 +183,7 @@ TEST_F(MenuRowsTest, LowScreensKeepTheFiguresLongest) {
     view.submenuIsOpen = true;
     view.selected = language->submenu->items[1].get();
     language->submenu->items[1]->state = false;
-    EXPECT_EQ("Txcueee", kept(8));
+    EXPECT_EQ("Txcu123", kept(8));
 }
 
 TEST_F(MenuRowsTest, TheBarIsAGauge) {
@@ -258,7 +232,7 @@ protected:
         setenv("HOME", home.root().c_str(), 1);
         setenv("LANGUAGE", "en", 1);
         setTitle("Fix the tests");
-        home.append(".codex/sessions/" + std::string(kTask) + ".jsonl",
+        home.append(".codex/sessions/" + kTask + ".jsonl",
                     records::compacted("w1") + records::tokenCount("128000"));
         home.append("Library/Logs/com.openai.codex/x.log", records::log("1 activity TASK"));
     }
@@ -275,6 +249,11 @@ protected:
                 "' b='" BRIMLETCTL "' XDG_CONFIG_HOME= LC_ALL=C.UTF-8 TERM=mach " + environment +
                 "; " + command);
         return *terminal;
+    }
+
+    bool selects(std::string_view text) const {
+        return terminal->waitUntil(
+            [&] { return terminal->reversed().find(text) != std::string::npos; });
     }
 
     /// Expects that modes, screen, cursor and pasting have been restored.
@@ -298,9 +277,6 @@ TEST_F(TerminalTest, KeysMoveAndChooseAndPastedTextIsNone) {
     PseudoTerminal& t = start("exec $b watch");
     ASSERT_TRUE(t.waitFor("C1 · 47%"));
     EXPECT_TRUE(t.waitFor(shownText("task_format", {"Fix the tests"})));
-    const auto selects = [&](std::string_view text) {
-        return t.waitUntil([&] { return t.reversed().find(text) != std::string::npos; });
-    };
     t.press("j");
     EXPECT_TRUE(selects(shownText("language")));
     t.press("\033[B");
@@ -398,7 +374,8 @@ TEST_F(TerminalTest, WhyItCannotBeginIsToldOnTheRestoredScreen) {
     PseudoTerminal& t = start("exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n 4; exec $b watch",
                               "TERM=xterm-256color");
     EXPECT_EQ(256, t.waitForEnd());
-    EXPECT_GT(t.output.find("no file descriptors are left"), t.output.find("\033[?1049l"));
+    const std::size_t end = t.output.find("\033[?1049l");
+    EXPECT_NE(std::string::npos, t.output.find("no file descriptors are left", end));
     expectRestored();
 }
 
@@ -446,14 +423,11 @@ TEST_F(TerminalTest, TheLanguageChosenIsStoredAndChecked) {
 #endif
 
 TEST_F(TerminalTest, TopShowsTasksOpensAMenuAndKeepsTheSelection) {
-    const std::string other = ".codex/sessions/" + std::string(records::kOther) + ".jsonl";
+    const std::string other = ".codex/sessions/" + records::kOther + ".jsonl";
     home.append(other, records::tokenCount("27200"));
     home.setDate(other, 1'000'000'000);
     PseudoTerminal& t = start("exec $b top");
     ASSERT_TRUE(t.waitFor("C0 · 10%")) << t.screen();
-    const auto selects = [&](std::string_view text) {
-        return t.waitUntil([&] { return t.reversed().find(text) != std::string::npos; });
-    };
     EXPECT_TRUE(selects("C1 · 47%"));
     EXPECT_TRUE(t.waitFor("100%┤")) << "the history of the selected task";
     t.press("j");

@@ -15,7 +15,6 @@
 #include "platform/files.h"
 #include "text/bytes.h"
 
-/// A wall clock that is turned by hand.
 class ManualClock final : public ORVClock {
 public:
     TimePoint now() const override { return time; }
@@ -49,6 +48,11 @@ public:
         ++now_.nanoseconds;
         item.content = std::move(content);
         item.modifiedAt = now_;
+    }
+    /// Gives the file this date.
+    void write(const std::string& path, std::string content, std::int64_t seconds) {
+        write(path, std::move(content));
+        setDate(path, seconds);
     }
     void append(const std::string& path, const std::string& content) {
         write(path, items_.contains(path) ? items_[path].content + content : content);
@@ -98,7 +102,7 @@ public:
     bool givesFileNumbers = true;  ///< Some file systems have none.
     bool tellsHoles = false;       ///< Whether every run of NULs is a hole.
     bool lacksMemory = false;      ///< Whether a read throws std::bad_alloc.
-    std::set<std::string> locked;  ///< Files that may not be read.
+    std::set<std::string> locked;  ///< Items that may not be opened.
 
     // Several threads may read at once.
     std::atomic<int> calls = 0;
@@ -107,7 +111,7 @@ public:
 
     std::unique_ptr<ORVOpenFolder> openFolder(const std::string& path, Links,
                                               ORVErrorSlot* error) override {
-        const Item* item = beginCall(path, error);
+        const Item* item = beginOpening(path, error);
         if (item && !item->isFolder) {
             storeError(error, platform::posixError(ENOTDIR));
             return nullptr;
@@ -158,11 +162,7 @@ public:
 
     std::unique_ptr<ORVOpenFile> openForReading(const std::string& path,
                                                 ORVErrorSlot* error) override {
-        if (locked.contains(path)) {
-            storeError(error, platform::posixError(EACCES));
-            return nullptr;
-        }
-        const Item* item = beginCall(path, error);
+        const Item* item = beginOpening(path, error);
         opened += item ? 1 : 0;
         return item ? std::make_unique<OpenFile>(*this, path) : nullptr;
     }
@@ -281,6 +281,14 @@ private:
             return nullptr;
         }
         return &found->second;
+    }
+
+    const Item* beginOpening(const std::string& path, ORVErrorSlot* error) {
+        if (locked.contains(path)) {
+            storeError(error, platform::posixError(EACCES));
+            return nullptr;
+        }
+        return beginCall(path, error);
     }
 
     std::map<std::string, Item> items_;

@@ -99,7 +99,6 @@ public:
         return waitUntil([&] { return output.find(bytes) != std::string::npos; });
     }
 
-    /// Takes all output until none comes for a while.
     void waitUntilQuiet() {
         while (takeOutput(500)) {
         }

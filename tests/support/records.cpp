@@ -1,6 +1,7 @@
 #include "tests/support/records.h"
 
 #include <map>
+#include <regex>
 #include <sstream>
 
 namespace records {
@@ -65,12 +66,8 @@ std::string log(std::string_view story) {
     for (std::string line; std::getline(told, line, '|');) {
         lines += expanded(line) + '\n';
     }
-    for (const auto& [name, thread] : {std::pair("TASK", kTask), std::pair("OTHER", kOther)}) {
-        for (auto at = lines.find(name); at != std::string::npos; at = lines.find(name)) {
-            lines.replace(at, std::string_view(name).size(), thread);
-        }
-    }
-    return lines;
+    static const std::regex kTaskName("TASK"), kOtherName("OTHER");
+    return std::regex_replace(std::regex_replace(lines, kTaskName, kTask), kOtherName, kOther);
 }
 
 }  // namespace records

@@ -15,14 +15,12 @@ inline std::string shownText(std::string_view key, std::initializer_list<std::st
     return l10n::filled(ORVLocalizer(*defaults).stringForKey(key), values);
 }
 
-/// Returns one of that language's words for a terminal.
 inline std::string shownWord(std::string_view ORVWords::*word,
                              std::initializer_list<std::string> values = {}) {
     const auto defaults = platform::standardUserDefaults([](const ORVStoringFailure&) {});
     return l10n::filled(ORVLocalizer(*defaults).words().*word, values);
 }
 
-/// Returns a time in the way of that language.
 inline std::string shownTime(ORVFileDate date) {
     const auto defaults = platform::standardUserDefaults([](const ORVStoringFailure&) {});
     return platform::mediumTimeOfDay(date, ORVLocalizer(*defaults).timeFormat());

@@ -56,7 +56,6 @@ const char* const kRefused =
     R"({"a":"\ud83d"}~{"a":"	"}~{'a':1}~{/**/}~{"a":1e99999999999,}~{"a":1e99999999999x}~)"
     R"({"a":-01e99999999999}~{"a":1.e99999999999}~{"a":1e999e99}~{"a":1 e5}~{"a":1e999999999 9})";
 
-/// Expects that each of the texts is accepted, or that each is refused.
 void expect(bool isAccepted, const std::string& texts) {
     std::istringstream all(texts);
     for (std::string text; std::getline(all, text, '~');) {

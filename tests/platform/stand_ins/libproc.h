@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -25,17 +26,12 @@ inline std::vector<ORVStandInProcess> ORVStandInProcesses;
 
 inline int proc_listallpids(void* buffer, int size) {
     const int count = static_cast<int>(ORVStandInProcesses.size());
-    for (int i = 0; buffer && i < std::min<int>(count, size / static_cast<int>(sizeof(pid_t)));
-         ++i) {
-        static_cast<pid_t*>(buffer)[i] = i;
-    }
+    const int room = buffer ? size / static_cast<int>(sizeof(pid_t)) : 0;
+    std::iota(static_cast<pid_t*>(buffer), static_cast<pid_t*>(buffer) + std::min(count, room), 0);
     return count;
 }
 
 inline int proc_pidpath(int process, char* buffer, std::uint32_t size) {
-    if (static_cast<std::size_t>(process) >= ORVStandInProcesses.size()) {
-        return 0;
-    }
     return static_cast<int>(
         ORVStandInProcesses[static_cast<std::size_t>(process)].path.copy(buffer, size));
 }
