@@ -1,6 +1,7 @@
 // Which tasks belong together: the agent lets helpers work for a task, and names the task in their
 // first lines. Tests: tests/sessions/task_list_test.cpp.
 
+#include <algorithm>
 #include <iterator>
 #include <unordered_map>
 
@@ -180,7 +181,7 @@ std::vector<ORVListedTask> ORVTaskList::heads(const Wanted& wanted) {
         };
         std::vector<Family> families;
         std::unordered_map<const Group*, std::optional<std::size_t>> positions;  // In `families`.
-        positions.reserve(wanted.limit > 0 ? wanted.limit : order_.size());
+        positions.reserve(wanted.limit > 0 ? std::min(wanted.limit, order_.size()) : order_.size());
         visitTasks([&](Group& group) {
             const auto isFull = [&] { return wanted.limit > 0 && families.size() == wanted.limit; };
             const bool isOld = wanted.changedSince && group.changedAt < *wanted.changedSince;

@@ -136,6 +136,7 @@ TEST_F(TaskListTest, LimitsAndDatesAreAboutFamilies) {
     makeTasks("1:10 2<1:60 3<1:50 4:40 5:30 6:20");
     refresh();
     EXPECT_EQ("1@60 4@40", heads(Helpers::none, 2));
+    EXPECT_EQ(heads(), heads(Helpers::none, 999'999'999'999)) << "no memory is taken for it";
     EXPECT_EQ("1@60+2 4@40", heads(Helpers::counted, 2));
     const std::pair<Helpers, const char*> kCases[] = {{Helpers::none, "1@60 4@40"},
                                                       {Helpers::counted, "1@60+2 4@40"},
