@@ -88,7 +88,7 @@ public:
     /// the focus line, or the feedback on display.
     std::string spokenStatus() const;
 
-    // Refresh feedback (feedback.cpp)
+    // Refresh feedback (refresh_cycle.cpp)
 
     /// Displays the feedback text with this key until further notice.
     void showManualRefreshFeedbackForKey(const std::string& key);

@@ -4,7 +4,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -53,6 +52,8 @@ public:
     /// `progress` is called now and then with how many of them have been.
     using Progress = std::function<void(std::size_t done, std::size_t total)>;
     ORVTaskListView listOnce(const ORVListRequest& request, const Progress& progress);
+
+    // Beside the answers
 
     /// Returns the folders and files that could not be read for the last answer.
     std::vector<ORVUnreadable> unreadable() const;

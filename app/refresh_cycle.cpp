@@ -1,6 +1,7 @@
 // The main loop: every two seconds, and whenever the user asks, one refresh reads files on the
-// refresh queue; its results come back to the UI thread and are rendered there.
-// Tests: tests/app/app_delegate_test.cpp.
+// refresh queue; its results come back to the UI thread and are rendered there. While a refresh
+// that was asked for by hand runs, and for a moment after it, feedback about it is drawn over the
+// figures. Tests: tests/app/app_delegate_test.cpp.
 
 #include <new>
 #include <utility>

@@ -90,7 +90,8 @@ public:
     /// valid state.
     ORVCodexFocusState currentFocusStateWithError(ORVErrorSlot* error);
 
-    // Installed version (version.cpp)
+    /// Makes the event current unless its time stamp sorts before that of the current event.
+    void acceptEventIfNewer(std::shared_ptr<ORVFocusLogEvent> event);
 
     /// Returns the path of the installed application's Info.plist, and when none is installed, the
     /// path at which it would stand.
@@ -102,8 +103,8 @@ public:
 
     // Log lines (log_lines.cpp)
 
-    /// Interprets one line that holds a marker (markers.h), without its line feed. The line may
-    /// change the file's windows and the current event.
+    /// Interprets one line that holds a marker, without its line feed. The line may change the
+    /// file's windows and the current event.
     void consumeLineData(std::string_view line, ORVFocusLogFileState& fileState);
 
     /// Returns the event of an activity line, whatever is known of its window. Returns null for any
@@ -117,9 +118,6 @@ public:
                                                          std::string_view line);
 
     static bool isValidThreadID(std::string_view text);
-
-    /// Makes the event current unless its time stamp sorts before that of the current event.
-    void acceptEventIfNewer(std::shared_ptr<ORVFocusLogEvent> event);
 
 private:
     // Tailing (tailing.cpp)

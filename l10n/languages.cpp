@@ -1,5 +1,5 @@
-// The table of languages. To add one, add a row here and a file of texts.
-// Tests: tests/l10n/localizer_test.cpp.
+// The table of languages, and their words. To add one, add a row here and a file of texts; its
+// words can follow. Tests: tests/l10n/localizer_test.cpp; the words are seen in tests/shells/.
 
 #include "l10n/languages.h"
 

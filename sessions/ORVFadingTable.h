@@ -63,7 +63,8 @@ private:
         Value value;
         bool isAskedFor = true;  ///< Since the table was aged.
     };
-    /// Is not noexcept, since the GNU library would then make it anew for each comparison.
+    /// Not noexcept: the GNU library keeps the hash of each key only where making it may throw.
+    /// Otherwise it makes them again while it looks for a key.
     struct Hash {
         using is_transparent = void;
         std::size_t operator()(std::string_view key) const {

@@ -178,6 +178,7 @@ private:
     void placeAll();
     void placeTasksOf(const ORVWalkedFile& file);
     void lookAgainAtIncompleteFiles();
+    std::optional<ORVListedTask> headOfNewestFile();
     Groups::iterator groupNamed(std::string_view identifier);
     Group* groupOf(std::string_view threadID, const std::string& path);
     Group* groupOf(const ORVTask& task) { return groupOf(task.threadID, task.newestFile().path); }
@@ -195,7 +196,6 @@ private:
     void readFirstLinesAhead();
     Group* parentOf(const Group& group);
     Group& headOf(Group& group);
-    std::optional<ORVListedTask> headOfNewestFile();
     template <typename Visit>
     void visitTasks(Visit visit);
     template <typename Find>

@@ -69,8 +69,8 @@ using LinesConsumer = std::function<void(std::span<const std::string_view> lines
 /// line and leaves in `pending` the line that the chunk does not end. The bytes in `pending` are
 /// never searched for a line feed again.
 ///
-/// kReadableBytesBeyond readable bytes must follow the chunk, because consumers may
-/// read as far beyond a line's end.
+/// kReadableBytesBeyond readable bytes must follow the chunk, because consumers may read as far
+/// beyond a line's end.
 void consumeChunk(std::string& pending, std::string_view chunk, const ORVMarkerSearch& markers,
                   const LinesConsumer& consumeLines);
 

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "app/ORVAppDelegate.h"
-#include "app/ORVTemplate.h"
 #include "app/compaction_ledger.h"
 
 /// The answers of commands as JSON. Scripts rely on them: keys and their order never change. None

@@ -10,7 +10,6 @@
 #include <limits>
 #include <utility>
 
-#include "shells/terminal/ORVTerminal.h"
 #include "shells/terminal/screen.h"
 #include "shells/terminal/table.h"
 

@@ -231,11 +231,11 @@ TEST_F(AccountLimitsTest, TheFilesDateStandsInForATimeStamp) {
 }
 
 TEST_F(AccountLimitsTest, OnlyTwentyFilesAreLookedAt) {
+    add(limits(kHour, "null"), 1);
     for (int i = 0; i < 20; ++i) {
         add(kNone);
     }
-    add(limits(kHour, "null"));
-    EXPECT_EQ("none", answer());
+    EXPECT_EQ("none", answer()) << "the newest ones";
     add(limits(kHour, "null"));
     add("");
     disk.remove(files.back().path);

@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "shells/history/history.h"
-#include "shells/terminal/ORVTerminal.h"
 #include "shells/terminal/screen.h"
 #include "text/timestamps.h"
 #include "text/unicode.h"
