@@ -46,7 +46,8 @@ ORVConfinement confineProcess(const ctl::Invocation& invocation) {
 }
 
 int answerOnce(const ctl::Arguments& arguments) {
-    ctl::Invocation invocation(arguments, ctl::codexHome(arguments.codexHome));
+    // Never destroyed: the system frees what the tasks of years take faster than they do.
+    static auto& invocation = *new ctl::Invocation(arguments, ctl::codexHome(arguments.codexHome));
     const ORVConfinement confinement = confineProcess(invocation);
     switch (arguments.call) {
         case Call::tasks:

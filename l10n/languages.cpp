@@ -95,8 +95,7 @@ std::span<const ORVLanguage> languages() {
 }
 
 const ORVLanguage& languageForTag(std::string_view tag) {
-    std::string lowerCased(tag);
-    std::transform(lowerCased.begin(), lowerCased.end(), lowerCased.begin(), text::lowerCasedASCII);
+    const std::string lowerCased = text::lowerCasedASCII(tag);
     const auto* found =
         std::find_if(std::begin(kLanguages), std::end(kLanguages), [&](const ORVLanguage& each) {
             return std::any_of(each.tagPrefixes.begin(), each.tagPrefixes.end(),

@@ -54,7 +54,11 @@ public:
             members_.erase(found);
         }
     }
-    void reserve(std::size_t count) { members_.reserve(count); }
+    void reserve(std::size_t count) {
+        if (count > members_.size()) {  // Else the GNU library would make the table smaller.
+            members_.reserve(count);
+        }
+    }
     void clear() { members_.clear(); }
     std::size_t size() const { return members_.size(); }
 

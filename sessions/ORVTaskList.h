@@ -142,6 +142,10 @@ private:
         Group* head = nullptr;
         std::uint64_t headRevision = 0;
         std::uint64_t way = 0;
+
+        // In which list a task of its family was met last, and its place there if it has one.
+        std::uint64_t metInList = 0;
+        std::optional<std::size_t> place;
     };
 
     /// The head that a question meant, and when.
@@ -219,6 +223,7 @@ private:
 
     std::uint64_t familyRevision_ = 0;  ///< Changes whenever a head may have become another one.
     std::uint64_t lastWay_ = 0;         ///< The number of the last way from parent to parent.
+    std::uint64_t lastList_ = 0;        ///< The number of the last list of heads.
     FoundHead headForFolder_;
     FoundHead headOfFamily_;
     bool identifiersAreMeasured_ = false;

@@ -136,6 +136,9 @@ ORVTaskList::Group* ORVTaskList::parentOf(const Group& group) {
 /// Goes from parent to parent, and remembers for each task on the way where it led. The task must
 /// be settled.
 ORVTaskList::Group& ORVTaskList::headOf(Group& group) {
+    if (!group.known->line.parentID) {
+        return group;
+    }
     ++lastWay_;
     std::vector<Group*> way;
     Group* head = &group;
@@ -175,37 +178,42 @@ std::vector<ORVListedTask> ORVTaskList::heads(const Wanted& wanted) {
             const auto& path = head.known->line.folder;
             return !wanted.folder || (path && neighbourhood.of(*path).isNear);
         };
-        struct Family {
-            ORVListedTask head;
-            std::vector<ORVListedTask> helpers;
-        };
-        std::vector<Family> families;
-        std::unordered_map<const Group*, std::optional<std::size_t>> positions;  // In `families`.
-        positions.reserve(wanted.limit > 0 ? std::min(wanted.limit, order_.size()) : order_.size());
+        std::vector<ORVListedTask> heads;
+        heads.reserve(wanted.limit > 0 ? std::min(wanted.limit, order_.size()) : order_.size());
+        std::vector<std::pair<std::size_t, ORVListedTask>> helpers;  // With their heads' places.
+        ++lastList_;
         visitTasks([&](Group& group) {
-            const auto isFull = [&] { return wanted.limit > 0 && families.size() == wanted.limit; };
+            const auto isFull = [&] { return wanted.limit > 0 && heads.size() == wanted.limit; };
             const bool isOld = wanted.changedSince && group.changedAt < *wanted.changedSince;
-            const Group& head = headOf(group);
-            const auto [position, isNew] = positions.try_emplace(&head);
-            if (isNew && !isFull() && !isOld && isWanted(head)) {
-                position->second = families.size();
-                families.push_back({listed(head, group.changedAt), {}});
+            Group& head = headOf(group);
+            if (std::exchange(head.metInList, lastList_) != lastList_) {
+                head.place.reset();
+                if (!isFull() && !isOld && isWanted(head)) {
+                    head.place = heads.size();
+                    heads.push_back(listed(head, group.changedAt));
+                }
             }
-            if (wantsHelpers && position->second && &group != &head) {
-                Family& family = families[*position->second];
-                ++family.head.helpers;
+            if (wantsHelpers && head.place && &group != &head) {
+                ++heads[*head.place].helpers;
                 if (wanted.helpers == Helpers::listed) {
-                    family.helpers.push_back(listed(group, group.changedAt));
-                    family.helpers.back().followsHead = true;
+                    helpers.emplace_back(*head.place, listed(group, group.changedAt));
+                    helpers.back().second.followsHead = true;
                 }
             }
             return wantsHelpers || !(isFull() || isOld);
         });
+        if (helpers.empty()) {
+            return heads;
+        }
+        std::stable_sort(helpers.begin(), helpers.end(),
+                         [](const auto& a, const auto& b) { return a.first < b.first; });
         std::vector<ORVListedTask> tasks;
-        tasks.reserve(families.size());
-        for (Family& family : families) {
-            tasks.push_back(std::move(family.head));
-            std::move(family.helpers.begin(), family.helpers.end(), std::back_inserter(tasks));
+        auto helper = helpers.begin();
+        for (std::size_t place = 0; place < heads.size(); ++place) {
+            tasks.push_back(std::move(heads[place]));
+            for (; helper != helpers.end() && helper->first == place; ++helper) {
+                tasks.push_back(std::move(helper->second));
+            }
         }
         return tasks;
     });

@@ -38,14 +38,8 @@ std::string ORVCodexSessionSource::defaultCodexHome() {
 }
 
 std::optional<std::string> ORVCodexSessionSource::threadIDFromSessionURL(std::string_view path) {
-    const std::string_view name = text::lastPathComponent(path);
-    for (std::size_t i = 0; i + text::kUUIDLength <= name.size(); ++i) {
-        const std::string_view candidate = name.substr(i, text::kUUIDLength);
-        if (text::isUUID(candidate)) {
-            return std::string(candidate);
-        }
-    }
-    return std::nullopt;
+    const std::string_view found = text::findUUID(text::lastPathComponent(path));
+    return found.empty() ? std::nullopt : std::optional<std::string>(found);
 }
 
 std::optional<std::string> ORVCodexSessionSource::sessionURLForThreadID(std::string_view threadID,

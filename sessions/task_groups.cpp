@@ -12,25 +12,17 @@
 
 namespace {
 
-constexpr std::size_t kFirstDash = 8;  ///< Where an identifier has one.
-
-std::string lowerCased(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), text::lowerCasedASCII);
-    return lower;
-}
-
 /// Returns the keys of the file's groups: every identifier in its name, or its path.
 std::vector<std::string> keysOf(const ORVWalkedFile& file) {
     const std::string_view name = text::lastPathComponent(file.path);
     std::vector<std::string> keys;
-    for (std::size_t i = 0; i + text::kUUIDLength <= name.size(); ++i) {
-        if (name[i + kFirstDash] == '-' && text::isUUID(name.substr(i, text::kUUIDLength))) {
-            std::string key = lowerCased(name.substr(i, text::kUUIDLength));
-            if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
-                keys.push_back(std::move(key));
-            }
+    std::string_view found = text::findUUID(name);
+    while (!found.empty()) {
+        std::string key = text::lowerCasedASCII(found);
+        if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
+            keys.push_back(std::move(key));
         }
+        found = text::findUUID(name, static_cast<std::size_t>(found.data() - name.data()) + 1);
     }
     return keys.empty() ? std::vector{file.path} : keys;
 }
@@ -204,7 +196,7 @@ void ORVTaskList::lookAgainAtIncompleteFiles() {
 }
 
 ORVTaskList::Groups::iterator ORVTaskList::groupNamed(std::string_view identifier) {
-    return groups_.find(lowerCased(identifier));
+    return groups_.find(text::lowerCasedASCII(identifier));
 }
 
 ORVTaskList::Group* ORVTaskList::groupOf(std::string_view threadID, const std::string& path) {

@@ -11,8 +11,6 @@
 /// order and compare paths by component.
 namespace text {
 
-inline constexpr std::size_t kUUIDLength = 36;
-
 /// So many bytes behind a text must be readable where vector code reads it; their values mean
 /// nothing.
 inline constexpr std::size_t kReadableBytesBeyond = 64;
@@ -20,6 +18,12 @@ inline constexpr std::size_t kReadableBytesBeyond = 64;
 /// Returns the lower-case letter of an ASCII capital, and every other byte unchanged.
 inline char lowerCasedASCII(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+inline std::string lowerCasedASCII(std::string_view text) {
+    std::string lower(text);
+    std::transform(text.begin(), text.end(), lower.begin(),
+                   [](char c) { return lowerCasedASCII(c); });
+    return lower;
 }
 
 /// Does what std::string_view::find does, several times as fast: that one compares byte by byte
@@ -41,12 +45,23 @@ inline bool containsBytes(std::string_view text, std::string_view part) {
 /// more.
 inline bool isUUID(std::string_view text) {
     constexpr std::string_view kForm = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
-    static_assert(kForm.size() == kUUIDLength);
     const auto hasForm = [](char c, char form) {
         const char lower = lowerCasedASCII(c);
         return form == '-' ? c == '-' : (c >= '0' && c <= '9') || (lower >= 'a' && lower <= 'f');
     };
     return std::equal(text.begin(), text.end(), kForm.begin(), kForm.end(), hasForm);
+}
+
+/// Returns the first UUID in a text that begins at `start` or behind it; "" when there is none.
+inline std::string_view findUUID(std::string_view text, std::size_t start = 0) {
+    constexpr std::size_t kLength = 36;
+    constexpr std::size_t kFirstDash = 8;
+    for (std::size_t i = start; i + kLength <= text.size(); ++i) {
+        if (text[i + kFirstDash] == '-' && isUUID(text.substr(i, kLength))) {
+            return text.substr(i, kLength);
+        }
+    }
+    return {};
 }
 
 /// Returns what follows the last slash: the item's name.

@@ -22,10 +22,6 @@ bool isASCII(std::string_view text) {
                        [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-utf8proc_category_t categoryOf(char32_t code) {
-    return utf8proc_category(static_cast<utf8proc_int32_t>(code));
-}
-
 std::string foldedCase(std::string_view text) {
     if (!isASCII(text) && isValidUTF8(text)) {
         utf8proc_uint8_t* folded = nullptr;
@@ -37,15 +33,13 @@ std::string foldedCase(std::string_view text) {
             return {reinterpret_cast<const char*>(folded), static_cast<std::size_t>(length)};
         }
     }
-    std::string folded(text);
-    std::transform(folded.begin(), folded.end(), folded.begin(), lowerCasedASCII);
-    return folded;
+    return lowerCasedASCII(text);
 }
 
 /// Whether the character changes how text around it is laid out: a control character, a separator
 /// of lines or paragraphs, or one that embeds, overrides or isolates a direction.
 bool steersText(char32_t code) {
-    return categoryOf(code) == UTF8PROC_CATEGORY_CC || (code >= 0x2028 && code <= 0x202E) ||
+    return code < 0x20 || (code >= 0x7F && code <= 0x9F) || (code >= 0x2028 && code <= 0x202E) ||
            (code >= 0x2066 && code <= 0x2069);
 }
 
@@ -68,7 +62,8 @@ std::string replaced(std::string_view bytes, bool alsoControls) {
 
 bool isWhiteSpace(char32_t code) {
     return code == ' ' || code == '\t' ||
-           (code >= 0x80 && categoryOf(code) == UTF8PROC_CATEGORY_ZS);
+           (code >= 0x80 &&
+            utf8proc_category(static_cast<utf8proc_int32_t>(code)) == UTF8PROC_CATEGORY_ZS);
 }
 
 bool endsLine(char32_t code) {

@@ -189,8 +189,7 @@ bool setUpCharacters() {
     if (setlocale(LC_CTYPE, "") && isUTF8()) {
         return true;
     }
-    std::string name = localeOfCharacters();
-    std::transform(name.begin(), name.end(), name.begin(), text::lowerCasedASCII);
+    const std::string name = text::lowerCasedASCII(localeOfCharacters());
     const bool namesUTF8 =
         name.find("utf-8") != std::string::npos || name.find("utf8") != std::string::npos;
     if (!namesUTF8) {
