@@ -144,6 +144,7 @@ private:
     void renderLastResults();
     void renderLoading();
     void renderAbsence(ORVCodexFocusStatus status);
+    void renderPlaceholders();
 
     std::string text(std::string_view key) const { return localizer_->stringForKey(key); }
 

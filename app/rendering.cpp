@@ -51,15 +51,17 @@ void ORVAppDelegate::renderAbsence(ORVCodexFocusStatus status) {
     titleItem_->title = text("task_unavailable");
     focusItem_->hidden = false;
     focusItem_->title = text(kFocusKeys[status]);
-    contextItem_->title = text("context_placeholder");
-    compactionItem_->title = text("compaction_placeholder");
-    updatedItem_->title = text("updated_placeholder");
+    renderPlaceholders();
 }
 
 void ORVAppDelegate::renderLoading() {
     statusItem_.title = text("status_loading");
     titleItem_->title = text("task_loading");
     focusItem_->hidden = true;
+    renderPlaceholders();
+}
+
+void ORVAppDelegate::renderPlaceholders() {
     contextItem_->title = text("context_placeholder");
     compactionItem_->title = text("compaction_placeholder");
     updatedItem_->title = text("updated_placeholder");

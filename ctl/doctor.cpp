@@ -322,16 +322,13 @@ private:
     }
 
     std::string asJSON() const {
-        std::string checks;
-        for (const Check& check : checks_) {
-            checks += (checks.empty() ? "" : ",") +
-                      text::objectJSON({{"name", text::quotedJSON(check.name)},
-                                        {"place", text::quotedJSONOrNull(check.place)},
-                                        {"state", text::quotedJSON(check.state)},
-                                        {"text", text::quotedJSON(check.text)}});
-        }
-        return text::objectJSON(
-                   {{"checks", "[" + checks + "]"}, {"task", text::quotedJSONOrNull(shown_)}}) +
+        const std::string checks = text::arrayJSON(checks_, [](const Check& check) {
+            return text::objectJSON({{"name", text::quotedJSON(check.name)},
+                                     {"place", text::quotedJSONOrNull(check.place)},
+                                     {"state", text::quotedJSON(check.state)},
+                                     {"text", text::quotedJSON(check.text)}});
+        });
+        return text::objectJSON({{"checks", checks}, {"task", text::quotedJSONOrNull(shown_)}}) +
                '\n';
     }
 

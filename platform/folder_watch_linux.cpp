@@ -14,6 +14,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "platform/descriptors.h"
 #include "platform/files.h"
 
 namespace platform {
@@ -41,20 +42,15 @@ bool isLocal(const std::string& folder) {
 
 class InotifyWatch final : public ORVFolderWatch {
 public:
-    InotifyWatch() = default;
-    ~InotifyWatch() override { reset(); }
-    InotifyWatch(const InotifyWatch&) = delete;
-    InotifyWatch& operator=(const InotifyWatch&) = delete;
-
     bool watch(const std::string& folder) override {
-        if (descriptor_ < 0) {
-            descriptor_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        if (descriptor_.number() < 0) {
+            descriptor_ = FileDescriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
         }
-        if (descriptor_ < 0 || numbers_.size() >= kMostFolders || !isLocal(folder)) {
+        if (descriptor_.number() < 0 || numbers_.size() >= kMostFolders || !isLocal(folder)) {
             return false;
         }
-        const int number =
-            inotify_add_watch(descriptor_, folder.c_str(), IN_MODIFY | IN_ATTRIB | IN_ONLYDIR);
+        const int number = inotify_add_watch(descriptor_.number(), folder.c_str(),
+                                             IN_MODIFY | IN_ATTRIB | IN_ONLYDIR);
         if (number < 0) {
             return false;
         }
@@ -75,7 +71,7 @@ public:
         }
         const auto path = folders_.find(known->second);
         if (path != folders_.end() && path->second == folder) {
-            inotify_rm_watch(descriptor_, known->second);
+            inotify_rm_watch(descriptor_.number(), known->second);
             folders_.erase(path);
         }
         numbers_.erase(known);
@@ -83,8 +79,8 @@ public:
 
     bool visitChanges(const ChangeVisitor& visit) override {
         alignas(inotify_event) char buffer[kReadBytes];
-        for (int reads = 0; descriptor_ >= 0 && reads < kMostReads; ++reads) {
-            const ssize_t count = read(descriptor_, buffer, sizeof buffer);
+        for (int reads = 0; descriptor_.number() >= 0 && reads < kMostReads; ++reads) {
+            const ssize_t count = read(descriptor_.number(), buffer, sizeof buffer);
             if (count < 0 && errno == EAGAIN) {
                 return true;
             }
@@ -116,15 +112,12 @@ private:
     }
 
     void reset() {
-        if (descriptor_ >= 0) {
-            close(descriptor_);
-        }
-        descriptor_ = -1;
+        descriptor_ = FileDescriptor();
         folders_.clear();
         numbers_.clear();
     }
 
-    int descriptor_ = -1;
+    FileDescriptor descriptor_;
     std::unordered_map<int, std::string> folders_;  ///< By the number of the watch.
     std::unordered_map<std::string, int> numbers_;  ///< By the folder's path.
 };

@@ -15,28 +15,11 @@ namespace {
 constexpr std::uint64_t kFirstLookBytes = 256 * 1024;
 constexpr std::uint64_t kGrowth = 8;
 
-/// Returns the fraction of a second of a time stamp that text::timeOf understands.
-std::int32_t nanosecondsOf(std::string_view timestamp) {
-    constexpr std::string_view kSeconds = "2026-11-24T16:45:21";
-    std::string_view digits = timestamp.substr(kSeconds.size());
-    if (!digits.starts_with('.')) {
-        return 0;
-    }
-    digits.remove_prefix(1);
-    std::int32_t nanoseconds = 0;
-    for (int i = 0; i < 9; ++i) {
-        const bool isDigit = !digits.empty() && digits[0] >= '0' && digits[0] <= '9';
-        nanoseconds = nanoseconds * 10 + (isDigit ? digits[0] - '0' : 0);
-        digits.remove_prefix(isDigit ? 1 : 0);
-    }
-    return nanoseconds;
-}
-
 std::optional<ORVFileDate> dateOf(std::string_view timestamp) {
-    const auto seconds = text::timeOf(timestamp);
-    return seconds ? std::optional(
-                         ORVFileDate{seconds->time_since_epoch().count(), nanosecondsOf(timestamp)})
-                   : std::nullopt;
+    const auto time = text::timeOf(timestamp);
+    return time ? std::optional(
+                      ORVFileDate{time->time_since_epoch().count(), text::nanosecondsOf(timestamp)})
+                : std::nullopt;
 }
 
 /// Whether a file is older than the longest window of its rate limits, which say nothing then.

@@ -96,6 +96,17 @@ std::string numberJSON(double value);
 /// Writes a string, or null.
 std::string quotedJSONOrNull(const std::optional<std::string>& bytes);
 
+/// Writes an array of what `write` returns for each item; items for which it is "" are left out.
+template <typename Items, typename Write>
+std::string arrayJSON(const Items& items, Write write) {
+    std::string list;
+    for (const auto& item : items) {
+        const std::string written = write(item);
+        list += (list.empty() || written.empty() ? "" : ",") + written;
+    }
+    return '[' + list + ']';
+}
+
 /// Writes an object from keys, which are quoted here, and values, which are JSON already.
 std::string objectJSON(const std::vector<std::pair<std::string_view, std::string>>& fields);
 

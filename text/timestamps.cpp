@@ -31,11 +31,12 @@ int number(std::string_view digits) {
     return value;
 }
 
-std::string_view withoutFraction(std::string_view text) {
+/// Returns the length of a fraction with its point; 0 where the text begins with none.
+std::size_t fractionLength(std::string_view text) {
     if (text.size() < 2 || text[0] != '.' || !isDigit(text[1])) {
-        return text;
+        return 0;
     }
-    return text.substr(std::min(text.size(), text.find_first_not_of("0123456789", 1)));
+    return std::min(text.size(), text.find_first_not_of("0123456789", 1));
 }
 
 /// Returns how far the zone is ahead of UTC.
@@ -68,13 +69,22 @@ std::optional<std::chrono::sys_seconds> timeOf(std::string_view timestamp) {
     const std::chrono::hours hours(number(local.substr(11, 2)));
     const std::chrono::minutes minutes(number(local.substr(14, 2)));
     const std::chrono::seconds seconds(number(local.substr(17, 2)));
-    const auto offset = offsetOf(withoutFraction(timestamp.substr(local.size())));
+    const std::string_view rest = timestamp.substr(local.size());
+    const auto offset = offsetOf(rest.substr(fractionLength(rest)));
     const bool isLeapSecondAtMost = seconds.count() <= 60;
     if (!date.ok() || hours.count() > 23 || minutes.count() > 59 || !isLeapSecondAtMost ||
         !offset) {
         return std::nullopt;
     }
     return std::chrono::sys_days(date) + hours + minutes + seconds - *offset;
+}
+
+std::int32_t nanosecondsOf(std::string_view timestamp) {
+    constexpr std::string_view kWhole = ".000000000";
+    const std::string_view rest = timestamp.substr(kDateAndTime.size());
+    std::string fraction(rest.substr(0, fractionLength(rest)));
+    fraction.resize(kWhole.size(), '0');
+    return number(std::string_view(fraction).substr(1));
 }
 
 std::string localTime(std::chrono::sys_seconds time, const char* pattern) {

@@ -15,15 +15,6 @@ namespace {
 
 using Fields = std::vector<std::pair<std::string_view, std::string>>;
 
-template <typename Items, typename Write>
-std::string array(const Items& items, Write write) {
-    std::string list;
-    for (const auto& item : items) {
-        list += (list.empty() ? "" : ",") + write(item);
-    }
-    return "[" + list + "]";
-}
-
 std::string numberOrNull(std::optional<std::int64_t> number) {
     return number ? std::to_string(*number) : "null";
 }
@@ -53,7 +44,7 @@ std::string secondsJSON(std::int64_t seconds) {
 }
 
 std::string rateLimits(const std::vector<ORVRateLimit>& limits) {
-    return array(limits, [](const ORVRateLimit& limit) {
+    return text::arrayJSON(limits, [](const ORVRateLimit& limit) {
         return text::objectJSON(
             {{"minutes", numberOrNull(limit.minutes)},
              {"usedPercent", limit.usedPercent ? text::numberJSON(*limit.usedPercent) : "null"},
@@ -72,7 +63,11 @@ std::string agent(const ORVAgentFacts* facts) {
                              {"rateLimits", rateLimits(facts->rateLimits)}});
 }
 
+/// Returns "" for a task that could not be read.
 std::string listedTask(const ORVTaskView& view) {
+    if (!view.snapshot) {
+        return "";
+    }
     Fields fields = fieldsOf(*view.snapshot);
     fields.emplace_back("folder", text::quotedJSONOrNull(view.folder));
     fields.emplace_back("agent", agent(view.agent.get()));
@@ -171,13 +166,7 @@ std::string errorAnswer(const ORVError& told) {
 }
 
 std::string tasksAnswer(const ORVTaskListView& list) {
-    std::string tasks;
-    for (const ORVTaskView& view : list.tasks) {
-        if (view.snapshot) {
-            tasks += (tasks.empty() ? "" : ",") + listedTask(view);
-        }
-    }
-    return text::objectJSON({{"tasks", "[" + tasks + "]"}});
+    return text::objectJSON({{"tasks", text::arrayJSON(list.tasks, listedTask)}});
 }
 
 std::string historyAnswer(const ORVTaskView& view, const ORVHistory& history,
@@ -187,8 +176,8 @@ std::string historyAnswer(const ORVTaskView& view, const ORVHistory& history,
     };
     Fields fields = {{"threadID", ofSnapshot(view.snapshot ? view.snapshot->threadID() : "")},
                      {"title", ofSnapshot(view.snapshot ? view.snapshot->title() : "")},
-                     {"points", array(history, historyPoint)},
-                     {"compactions", array(compactions, compaction)}};
+                     {"points", text::arrayJSON(history, historyPoint)},
+                     {"compactions", text::arrayJSON(compactions, compaction)}};
     if (view.absence == ORVAbsence::severalTasks) {
         fields.emplace_back("error", error(view.error));
     }

@@ -46,14 +46,7 @@ std::string menuItem(const ORVMenuItem& item) {
 }
 
 std::string menu(const ORVMenu& shown) {
-    std::string text = "[";
-    for (const auto& item : shown.items) {
-        if (text.size() > 1) {
-            text += ',';
-        }
-        text += menuItem(*item);
-    }
-    return text + ']';
+    return text::arrayJSON(shown.items, [](const auto& item) { return menuItem(*item); });
 }
 
 std::string_view classFor(std::optional<double> percentage) {
