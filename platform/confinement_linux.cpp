@@ -63,6 +63,9 @@ Ruleset everything(long version) {
 /// In a place that cannot be opened nothing may be done.
 void addRule(const FileDescriptor& ruleset, const std::string& place, std::uint64_t allowed) {
     const FileDescriptor item(open(place.c_str(), O_PATH | O_CLOEXEC));
+    if (item.number() < 0) {
+        return;
+    }
     RuleForPlace rule{allowed, item.number()};
     if (syscall(kLandlockAddRule, ruleset.number(), kForPlace, &rule, 0) != 0) {
         rule.allowed &= kReadFile | kWriteFile;  // It may be a file, which takes no other rights.

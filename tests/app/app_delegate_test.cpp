@@ -244,6 +244,28 @@ TEST_F(AppDelegateTest, ALanguageChangeShowsEverythingInItAtOnce) {
     EXPECT_EQ("✓ Check Complete checkmark.circle.fill disabled", refreshItem());
 }
 
+TEST_F(AppDelegateTest, AnotherTaskOrListIsReadAtOnce) {
+    openTask();
+    around.request.task.choice = ORVShownTask::Choice::none;
+    around.request.list.emplace();
+    launch();
+    finishRefresh();
+    around.notes.clear();
+    app->showList({.limit = 1});
+    app->showTask({ORVShownTask::Choice::identified, records::kTask});
+    EXPECT_EQ("dispatch ", around.notes) << "one refresh at a time";
+    EXPECT_EQ("Current task: Reading Codex data…", item("titleItem").title);
+    finishRefresh();
+    EXPECT_EQ("dispatch dispatch ", around.notes)
+        << "the task was asked for too late for the first";
+    EXPECT_EQ("C– · --%", barTitle()) << "nothing of the task before";
+    finishRefresh();
+    EXPECT_EQ("C1 · 47%", barTitle());
+    EXPECT_EQ(1U, app->lastList()->tasks.size());
+    app->showTask({ORVShownTask::Choice::identified, records::kTask});
+    EXPECT_EQ("dispatch dispatch ", around.notes) << "the same task";
+}
+
 TEST_F(AppDelegateTest, ItemsDoWhatTheySay) {
     launch();
     around.notes.clear();

@@ -265,6 +265,9 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
         "them readable, or name the agent's home with --codex-home.\n",
         run("$b doctor --codex-home .codex/file | tail -1"));
     EXPECT_EQ(
+        "file\",\"state\":\"broken\n",
+        run("$b doctor --codex-home .codex/file --json | grep -o 'file\",\"state\":\"[a-z]*'"));
+    EXPECT_EQ(
         "brimletctl watch shows no task, since none is in view in the desktop application; "
         "brimletctl watch --latest shows: C0 · 10%  Codex\n",
         run("$b doctor | tail -1"));

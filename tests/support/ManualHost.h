@@ -64,6 +64,7 @@ public:
     MemoryDefaults defaults;
     ManualRunLoop loop;
     MemoryFiles disk;
+    ORVRefreshRequest request;
     std::vector<std::function<void()>> dispatched;
 
     /// Runs what was dispatched and delivers the results.
@@ -82,6 +83,7 @@ public:
     ORVRunLoop& runLoop() override { return loop; }
     ORVFiles& files() override { return disk; }
     const ORVClock& clock() override { return clock_; }
+    ORVRefreshRequest refreshRequest() override { return request; }
     void terminate() override { notes += "terminate "; }
 
 private:
