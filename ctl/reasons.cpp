@@ -38,7 +38,9 @@ CodexHome codexHome(const std::optional<std::string>& option) {
     if (variable && *variable == '/') {
         return {platform::absolutePath(variable), "named by $CODEX_HOME"};
     }
-    return {ORVCodexSessionSource::defaultCodexHome(), "in the home folder"};
+    return {ORVCodexSessionSource::defaultCodexHome(),
+            variable && *variable ? "in the home folder, since $CODEX_HOME is no absolute path"
+                                  : "in the home folder"};
 }
 
 std::optional<std::string> realFolder(ORVFiles& files, const std::string& folder) {

@@ -80,6 +80,7 @@ std::string ORVCodexFocusLogSource::installedCodexInfoPlistURL(ORVFiles& files) 
 }
 
 std::optional<std::string> ORVCodexFocusLogSource::installedCodexVersion() {
-    const auto list = platform::contentsOfFile(files_, infoPlistPath_, kInfoPlistLimitBytes);
+    const auto list =
+        platform::contentsOfFile(files_, infoPlistPath_, kInfoPlistLimitBytes, nullptr);
     return list ? platform::propertyListString(*list, "CFBundleShortVersionString") : std::nullopt;
 }

@@ -4,6 +4,7 @@
 // tests/platform/files_test.cpp.
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 #include <vector>
 
@@ -43,9 +44,10 @@ bool ORVFiles::walk(const std::string& root, const NameTest& wanted, const FileV
 }
 
 namespace platform {
+
 std::optional<std::string> contentsOfFile(ORVFiles& files, const std::string& path,
-                                          std::size_t limitBytes) {
-    const auto file = files.openForReading(path, nullptr);
+                                          std::size_t limitBytes, ORVErrorSlot* error) {
+    const auto file = files.openForReading(path, error);
     if (!file) {
         return std::nullopt;
     }
@@ -56,12 +58,13 @@ std::optional<std::string> contentsOfFile(ORVFiles& files, const std::string& pa
         // One byte more than the limit is asked for, to notice a file that is too large.
         contents.resize(std::min(std::max(kFirstReadBytes, used * 2), limitBytes + 1));
         const auto count =
-            file->readAt(used, contents.data() + used, contents.size() - used, nullptr);
+            file->readAt(used, contents.data() + used, contents.size() - used, error);
         if (!count) {
             return std::nullopt;
         }
         used += *count;
         if (used > limitBytes) {
+            storeError(error, posixError(EFBIG));
             return std::nullopt;
         }
         if (*count == 0) {

@@ -167,9 +167,9 @@ std::unique_ptr<ORVFiles> makeFiles();
 /// Returns a watch of this system; null where there is none.
 std::unique_ptr<ORVFolderWatch> makeFolderWatch();
 
-/// Returns the whole content of a file of at most `limitBytes`, and none when the file is larger or
-/// cannot be read.
+/// Returns the whole content of a file of at most `limitBytes`. Returns none, with the system's
+/// error, when the file is larger or cannot be read.
 std::optional<std::string> contentsOfFile(ORVFiles& files, const std::string& path,
-                                          std::size_t limitBytes);
+                                          std::size_t limitBytes, ORVErrorSlot* error);
 
 }  // namespace platform

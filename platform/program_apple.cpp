@@ -52,7 +52,8 @@ std::vector<std::string> runningBundles() {
 
 std::string versionOf(const std::string& bundle) {
     constexpr std::size_t kLimit = 1 << 20;
-    const auto list = contentsOfFile(*makeFiles(), bundle + "/Contents/Info.plist", kLimit);
+    const auto list =
+        contentsOfFile(*makeFiles(), bundle + "/Contents/Info.plist", kLimit, nullptr);
     return (list ? propertyListString(*list, "CFBundleShortVersionString") : std::nullopt)
         .value_or("unknown");
 }

@@ -40,7 +40,8 @@ std::string homeInPasswordFile() {
     constexpr std::size_t kLimitBytes = 1024 * 1024;
     const auto files = makeFiles();
     const std::string user = std::to_string(getuid());
-    const std::string contents = contentsOfFile(*files, "/etc/passwd", kLimitBytes).value_or("");
+    const std::string contents =
+        contentsOfFile(*files, "/etc/passwd", kLimitBytes, nullptr).value_or("");
     std::string_view rest = contents;
     while (!rest.empty()) {
         const std::string_view line = rest.substr(0, rest.find('\n'));

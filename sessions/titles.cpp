@@ -46,11 +46,8 @@ std::optional<std::string> ORVTitleIndex::readText() {
         error_ = platform::posixError(EFBIG);
         return std::nullopt;  // Reading it up to the limit at every refresh would be in vain.
     }
-    auto text = platform::contentsOfFile(files_, path_, kIndexLimitBytes);
-    if (!text) {
-        (void)files_.openForReading(path_, &error_);
-        storeErrorIfEmpty(&error_, platform::posixError(EIO));
-    } else if (!text::isValidUTF8(*text)) {
+    auto text = platform::contentsOfFile(files_, path_, kIndexLimitBytes, &error_);
+    if (text && !text::isValidUTF8(*text)) {
         error_ = platform::posixError(EILSEQ);
         text.reset();
     }

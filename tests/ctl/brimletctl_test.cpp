@@ -251,6 +251,8 @@ TEST_F(BrimletctlTest, AnswersAboutAllTasksAndTheOneOfAFolder) {
         run("$b here --folder nowhere"));
     EXPECT_EQ(kFirst, run("CODEX_HOME=/nowhere $b --codex-home .codex/ tasks | tail -1"));
     EXPECT_EQ(kFirst, run("CODEX_HOME=relative $b tasks | tail -1"));
+    EXPECT_EQ("1\n",
+              run("CODEX_HOME=relative $b doctor | grep -c 'CODEX_HOME is no absolute path'"));
     EXPECT_EQ(
         "brimletctl: there is no sessions folder /nowhere/sessions; try: brimletctl doctor\n"
         "status 1",

@@ -122,9 +122,15 @@ TEST_F(FilesTest, ReadingNeverWaits) {
     EXPECT_EQ("", read("file", 10));
     const std::string large(100'000, 'x');
     home.write("large", large);
-    EXPECT_EQ(large, platform::contentsOfFile(*files, home.path("large"), large.size()));
-    EXPECT_FALSE(platform::contentsOfFile(*files, home.path("large"), large.size() - 1));
-    EXPECT_FALSE(platform::contentsOfFile(*files, home.path("nowhere"), 1));
+    EXPECT_EQ(large, platform::contentsOfFile(*files, home.path("large"), large.size(), nullptr));
+    const auto errorFor = [&](const char* name, std::size_t limit) {
+        error.reset();
+        EXPECT_FALSE(platform::contentsOfFile(*files, home.path(name), limit, &error));
+        return error->code;
+    };
+    EXPECT_EQ(EFBIG, errorFor("large", large.size() - 1));
+    EXPECT_EQ(ENOENT, errorFor("nowhere", 1));
+    EXPECT_EQ(EISDIR, errorFor(".", 1));
 }
 
 TEST(HomeFolderTest, IsAnAbsolutePathWithoutASlashAtItsEnd) {
