@@ -19,11 +19,13 @@ volatile sig_atomic_t endWasAskedFor = 0;
 bool (*mustEndAtOnce)() = nullptr;
 
 void askForEnd(int) {
+    const int savedError = errno;
     endWasAskedFor = 1;
     if (mustEndAtOnce && mustEndAtOnce()) {
         _exit(EXIT_SUCCESS);
     }
     signalledLoop->wakeFromSignal();
+    errno = savedError;
 }
 
 void wake(int) {
