@@ -49,7 +49,7 @@ public:
     std::shared_ptr<const ORVTaskListView> list(const ORVListRequest& request);
 
     /// Returns the same for who asks once, and remembers nothing of the files that were read.
-    /// `progress` is called now and then with how many of them have been.
+    /// `progress` is told how many of them have been, by any thread.
     using Progress = std::function<void(std::size_t done, std::size_t total)>;
     ORVTaskListView listOnce(const ORVListRequest& request, const Progress& progress);
 

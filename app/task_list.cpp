@@ -56,6 +56,7 @@ std::vector<ORVListedTask> ORVTaskViewer::listed(const ORVListRequest& request,
 ORVTaskListView ORVTaskViewer::beginList() {
     ORVTaskListView view;
     view.hasSessionsFolder = tasks_.refresh(nullptr);
+    view.mayHaveFiles = tasks_.tree().fileCount() > 0 || !tasks_.tree().unreadable().empty();
     sessions_.refreshTitleIndexIfNeeded();
     return view;
 }
@@ -100,6 +101,17 @@ ORVTaskListView ORVTaskViewer::listOnce(const ORVListRequest& request, const Pro
     }
     std::vector<ORVListedTask> tasks = listed(request, sinceOf(request));
     view.tasks.reserve(tasks.size());
+    std::size_t total = 0;
+    for (const ORVListedTask& task : tasks) {
+        total += task.task.files.size();
+    }
+    std::size_t before = 0;  // Files of the batches before.
+    const auto tell = [&](std::size_t done) {
+        if (!wantsEverything) {
+            progress(before + done, total);
+        }
+    };
+    tell(0);
     while (view.tasks.size() < tasks.size()) {
         const std::size_t first = view.tasks.size();
         const auto batch = std::span(tasks).subspan(first, std::min(kBatch, tasks.size() - first));
@@ -107,14 +119,12 @@ ORVTaskListView ORVTaskViewer::listOnce(const ORVListRequest& request, const Pro
         for (const ORVListedTask& task : batch) {
             appendFiles(files, task);
         }
-        sessions_.readAhead(files, {});
+        sessions_.readAhead(files, {{}, tell});
+        before += files.size();
         for (ORVListedTask& task : batch) {
             view.tasks.push_back(viewOfListed(task));
             sessions_.forget(task.task);
             task = {};  // Its memory serves the next views.
-        }
-        if (!wantsEverything) {
-            progress(view.tasks.size(), tasks.size());
         }
     }
     return view;
@@ -130,6 +140,7 @@ std::vector<const ORVWalkedFile*> ORVTaskViewer::allFiles() const {
 /// Passes over those that prove to be helpers', unless helpers are shown.
 void ORVTaskViewer::readEverything(const ORVListRequest& request, const Progress& progress) {
     const std::vector<const ORVWalkedFile*> files = allFiles();
+    progress(0, files.size());
     tasks_.firstLines().reserve(files.size());
     sessions_.readAhead(
         files, {[&](const ORVWalkedFile& file, std::string_view bytes, ORVJSONReader& json) {

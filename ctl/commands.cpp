@@ -62,7 +62,10 @@ int showLimits(Invocation& invocation) {
     const auto limits = invocation.viewer.accountLimits();
     const bool isJSON = invocation.arguments.format == Format::json;
     if (!limits) {
-        complain("no session file tells of rate limits; try: brimletctl doctor");
+        const bool hasFolder = invocation.viewer.tasks().refresh(nullptr);
+        complain(
+            (hasFolder ? "no session file tells of rate limits" : reasonForNoSessions(invocation)) +
+            "; try: brimletctl doctor");
     }
     tellOfUnreadable(invocation, false);
     const int status = limits ? kAnswered : kNothingToShow;

@@ -3,8 +3,15 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
 #include <set>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 #include "app/figures.h"
@@ -26,42 +33,73 @@ void clearProgressAndDie(int signalNumber) {
     raise(signalNumber);
 }
 
-/// Tells a person at a terminal how many tasks have been read, once that takes long.
+/// Tells a person at a terminal how much has been read, once that takes long. It has a thread,
+/// since one large file may keep all others busy.
 class Progress {
 public:
-    Progress() : isWanted_(isatty(STDERR_FILENO) != 0 && !terminalIsDumb()) {}
+    Progress() {
+        try {
+            if (isatty(STDERR_FILENO) && !terminalIsDumb()) {
+                thread_ = std::thread([this] { run(); });
+            }
+        } catch (const std::system_error&) {
+            // Nobody is told.
+        }
+    }
     ~Progress() {
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            isOver_ = true;
+        }
+        over_.notify_one();
+        if (thread_.joinable()) {
+            thread_.join();
+        }
         if (isShown_) {
-            write(std::string(kClearLine));
+            write(kClearLine);
         }
     }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
+    /// Can be called on any thread.
     void show(std::size_t done, std::size_t total) {
-        constexpr std::chrono::milliseconds kStep(100);
-        const auto now = std::chrono::steady_clock::now();
-        if (!isWanted_ || now < next_) {
-            return;
-        }
-        if (!std::exchange(isShown_, true)) {
-            signal(SIGINT, clearProgressAndDie);
-            signal(SIGTERM, clearProgressAndDie);
-        }
-        next_ = now + kStep;
-        write("\rReading tasks: " + std::to_string(done) + " of " + std::to_string(total));
+        done_ = done;
+        total_ = total;
     }
 
 private:
-    static void write(const std::string& text) {
+    void run() {
+        std::chrono::milliseconds wait(500);
+        std::unique_lock<std::mutex> lock(mutex_);
+        while (!over_.wait_for(lock, wait, [this] { return isOver_; })) {
+            wait = std::chrono::milliseconds(100);
+            if (total_ == 0) {
+                continue;
+            }
+            if (!std::exchange(isShown_, true)) {
+                signal(SIGINT, clearProgressAndDie);
+                signal(SIGTERM, clearProgressAndDie);
+            }
+            std::array<char, 80>
+                text{};  // A string might find no memory, and end the program here.
+            std::snprintf(text.data(), text.size(), "\rReading tasks: %zu of %zu", done_.load(),
+                          total_.load());
+            write(text.data());
+        }
+    }
+
+    static void write(std::string_view text) {
         [[maybe_unused]] const ssize_t ignored = ::write(STDERR_FILENO, text.data(), text.size());
     }
 
-    static constexpr std::chrono::milliseconds kPatience{500};
-
-    const bool isWanted_;
+    std::atomic<std::size_t> done_ = 0;
+    std::atomic<std::size_t> total_ = 0;
+    std::mutex mutex_;
+    std::condition_variable over_;
+    bool isOver_ = false;  ///< Guarded by mutex_.
     bool isShown_ = false;
-    std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + kPatience;
+    std::thread thread_;
 };
 
 std::string tableOf(const Invocation& invocation, const ORVTaskListView& list) {
@@ -91,21 +129,28 @@ std::string textOf(const Invocation& invocation, const ORVTaskListView& list) {
     return text;
 }
 
-/// Whether a task that was written at this date would be in the list, had it been read.
-bool wouldBeListed(const std::optional<ORVFileDate>& date, const ORVListRequest& request,
-                   const ORVTaskListView& list, ORVClock::TimePoint now) {
-    if (!date || request.folder || (request.since && app::age(*date, now) > *request.since)) {
+/// Whether a task that was written at this date would be in the list, had it been read: by itself,
+/// or because one that works for it is.
+bool wouldBeListed(const std::string& threadID, const std::optional<ORVFileDate>& date,
+                   const ORVListRequest& request, const ORVTaskListView& list,
+                   ORVClock::TimePoint now) {
+    if (!date || request.folder) {
         return false;
     }
+    const std::string identifier = text::lowerCasedASCII(threadID);
     std::size_t heads = 0;
     ORVFileDate oldest;
     for (const ORVTaskView& view : list.tasks) {
+        if (view.parentID && text::lowerCasedASCII(*view.parentID) == identifier) {
+            return true;
+        }
         if (!view.isHelper) {
             ++heads;
             oldest = view.changedAt;
         }
     }
-    return request.limit == 0 || heads < request.limit || *date >= oldest;
+    const bool isOld = request.since && app::age(*date, now) > *request.since;
+    return !isOld && (request.limit == 0 || heads < request.limit || *date >= oldest);
 }
 
 /// Complains of every task that had to be left out, and returns whether there is one: a file of it
@@ -125,10 +170,11 @@ bool nameTasksLeftOut(Invocation& invocation, const ORVListRequest& request,
     }
     for (const ORVUnreadable& file : invocation.viewer.unreadable()) {
         const auto attributes = invocation.files->attributesOfItem(file.path, nullptr);
+        const std::string task = ORVCodexSessionSource::threadIDFromSessionURL(file.path).value_or(
+            std::string(text::lastPathComponent(file.path)));
         if (!file.isFolder && attributes &&
-            wouldBeListed(attributes->modifiedAt, request, list, invocation.clock.now())) {
-            const auto task = ORVCodexSessionSource::threadIDFromSessionURL(file.path);
-            name(task.value_or(std::string(text::lastPathComponent(file.path))), file.error);
+            wouldBeListed(task, attributes->modifiedAt, request, list, invocation.clock.now())) {
+            name(task, file.error);
         }
     }
     return !named.empty();

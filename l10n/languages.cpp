@@ -34,6 +34,7 @@ constexpr ORVWords kEnglishWords = {
     .resetsAt = "resets at %@",
     .asOf = "as of %@ ago",
     .tryCall = "Try: %@",
+    .noTasks = "There is no task to list.",
     .noSessionFiles = "There is no session file. Run the agent once.",
 };
 
@@ -61,6 +62,7 @@ constexpr ORVWords kSimplifiedChineseWords = {
     .resetsAt = "%@ 重置",
     .asOf = "%@ 前的数据",
     .tryCall = "可运行：%@",
+    .noTasks = "没有可列出的任务。",
     .noSessionFiles = "没有会话文件，请先运行一次 Codex。",
 };
 

@@ -26,7 +26,7 @@ struct ORVWords {
 
     /// What to do where no task is shown; "%@" stands for a call of brimletctl.
     std::string_view tryCall;
-    std::string_view noSessionFiles;
+    std::string_view noTasks, noSessionFiles;
 };
 
 /// Texts by key. Every language has the same 59 keys. Some are for a dialogue about access to

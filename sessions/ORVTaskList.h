@@ -197,6 +197,7 @@ private:
     const ORVFirstLines::Known& readFirstLine(const ORVWalkedFile& file);
     bool settle(Group& group);
     bool settleFully(Group& group);
+    bool settleTies(Order::iterator first);
     void readFirstLinesAhead();
     Group* parentOf(const Group& group);
     Group& headOf(Group& group);

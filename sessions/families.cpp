@@ -89,11 +89,25 @@ bool ORVTaskList::settleFully(Group& group) {
     return group.newest != nullptr;
 }
 
+/// Settles the tasks of one date, the first of which is given, that may change places with each
+/// other: a task without its newest file may stand before one of the same date. Returns false when
+/// one has lost its place.
+bool ORVTaskList::settleTies(Order::iterator first) {
+    const ORVFileDate date = (*first)->changedAt;
+    for (auto at = first; at != order_.end() && (*at)->changedAt == date; ++at) {
+        if ((*at)->files.size() > 1 && !settle(**at)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 /// Visits the tasks with files that count, the one that changed last first, until `visit` returns
 /// false. First lines are read on the way, so that a task may go further back; it is visited there.
 template <typename Visit>
 void ORVTaskList::visitTasks(Visit visit) {
     auto last = order_.end();
+    std::optional<ORVFileDate> settledDate;
     while (true) {
         const auto at = last == order_.end() ? order_.begin() : std::next(last);
         if (at == order_.end()) {
@@ -102,6 +116,9 @@ void ORVTaskList::visitTasks(Visit visit) {
             }
             allCount_ = true;
             placeAll();
+        } else if (settledDate != (*at)->changedAt) {
+            const ORVFileDate date = (*at)->changedAt;
+            settledDate = settleTies(at) ? std::optional(date) : std::nullopt;
         } else if (settle(**at)) {
             if (!visit(**at)) {
                 return;

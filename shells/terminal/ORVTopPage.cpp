@@ -82,8 +82,10 @@ std::vector<Row> ORVTopPage::emptyRows(const Screen& screen) const {
     if (!delegate_.lastList()) {
         return {};
     }
+    const ORVWords& words = delegate_.words();
+    const auto why = delegate_.lastList()->mayHaveFiles ? words.noTasks : words.noSessionFiles;
     return {{},
-            {{" " + terminal::shown(delegate_.words().noSessionFiles, screen), {.isBold = true}}},
+            {{" " + terminal::shown(why, screen), {.isBold = true}}},
             {{" " + terminal::shown(delegate_.advice(), screen)}}};
 }
 

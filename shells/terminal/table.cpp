@@ -14,7 +14,7 @@ namespace terminal {
 namespace {
 
 constexpr int kGap = 2;
-constexpr int kWidestText = 20;  ///< Of folders and models.
+constexpr int kWidestText = 20;  ///< Of identifiers, folders and models.
 constexpr std::chrono::seconds kMoment(30);
 
 enum Column : std::size_t { id, status, gauge, age, folder, model, helpers, title, kColumns };
@@ -45,6 +45,14 @@ std::string titleOf(const ORVTaskView& task) {
     return (task.isHelper ? "  " : "") + name + (name.empty() ? "" : "  ") + task.snapshot->title();
 }
 
+std::string folderOf(const ORVTaskView& task) {
+    std::string_view path = task.folder ? *task.folder : std::string_view();
+    while (path.size() > 1 && path.ends_with('/')) {
+        path.remove_suffix(1);
+    }
+    return std::string(path == "/" ? path : text::lastPathComponent(path));
+}
+
 /// The gauge and the title, on which no width depends, take most of the time, and are left out
 /// where the task has no row.
 Cells cellsOf(const ORVTaskView& task, bool hasRow, const TableLook& look, const Screen& screen) {
@@ -54,7 +62,7 @@ Cells cellsOf(const ORVTaskView& task, bool hasRow, const TableLook& look, const
             shown(task.snapshot ? app::statusTitle(*task.snapshot).text() : unread),
             hasRow ? shown(app::bar(task.percentage().value_or(0))) : "",
             app::ageText(app::age(task.changedAt, look.now)),
-            shown(text::lastPathComponent(task.folder.value_or(""))),
+            shown(folderOf(task)),
             shown(task.agent ? task.agent->model.value_or("") : ""),
             task.helpers > 0 ? std::to_string(task.helpers) : "",
             hasRow ? shown(titleOf(task)) : ""};
@@ -67,7 +75,7 @@ Widths widthsFor(const std::vector<Cells>& rows, int columns) {
             widths[c] = std::max(widths[c], textColumns(cells[c]));
         }
     }
-    for (const Column column : {folder, model}) {
+    for (const Column column : {id, folder, model}) {
         widths[column] = std::min(widths[column], kWidestText);
     }
     widths[status] = std::min(widths[status], columns);

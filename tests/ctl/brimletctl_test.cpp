@@ -97,7 +97,8 @@ TEST_F(BrimletctlTest, TellsOfEveryPlaceAndOfLimits) {
     const std::string inNoTime =
         " | sed -E \"s|$HOME|~|; s/[0-9]+([dms]) (old|ago)/1\\1 \\2/; "
         "s/(plist: )version .*/\\1no version was found there/\"";
-    EXPECT_EQ("brimletctl: no session file tells of rate limits; try: brimletctl doctor\nstatus 1",
+    EXPECT_EQ("brimletctl: there is no sessions folder " + home.path(".codex/sessions") +
+                  "; try: brimletctl doctor\nstatus 1",
               run("$b limits"));
     home.append(file, records::record("event_msg",
                                       R"({"type":"token_count","rate_limits":{"primary":{)"
@@ -293,6 +294,12 @@ TEST_F(BrimletctlTest, ATaskThatMayNotBeReadIsNamed) {
     home.setDate(secret, 1'000'000);
     EXPECT_EQ("", run(as + "tasks --limit 1 --json >/dev/null 2>&1"))
         << "it would not be in the list";
+    const std::string helperID = "01a20e72-983b-7e83-81c7-e87b7b63d182";
+    const std::string helper = ".codex/sessions/2026/" + helperID + ".jsonl";
+    home.append(helper, records::helperMeta(kOther));
+    EXPECT_EQ(named + helperID + "\nstatus 1", run(as + "tasks --limit 1 --format '{id}'"))
+        << "its helper would bring it to the front";
+    EXPECT_EQ("", run("rm " + helper));
     const std::string old = ".codex/sessions/2026/x-" + kTask + ".jsonl";
     home.append(old, "\n");
     home.setDate(old, 1'000'000);

@@ -230,6 +230,9 @@ TEST_F(TaskListTest, EqualDatesAreOrderedByTheNewestFilesPath) {
     refresh();
     EXPECT_EQ("2@10", described(list.newestHead()));
     EXPECT_EQ("2@10 1@10", heads());
+    disk.write("/s/c-" + idOf("1") + ".jsonl", "{", 10);
+    refresh();
+    EXPECT_EQ("1@10 2@10", heads()) << "a task moves forward without its last file";
 }
 
 TEST_F(TaskListTest, WhatAFirstLineTells) {

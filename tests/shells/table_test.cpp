@@ -53,6 +53,14 @@ TEST_F(TableTest, EveryColumnWhereThereIsRoom) {
         "7b63d181  C3 · 47%  █████░░░░░  47s  site    gpt-5  2        Fix the tests\n"
         "a1        C3 · 96%  ██████████  1m   site    gpt-5             Euler  重构刷新周期并…\n",
         shown(85));
+    tasks.resize(1);
+    tasks[0].shortID = "rollout-2026-11-24T16-45-20-notes.jsonl";
+    tasks[0].folder = "/srv/web/";
+    EXPECT_EQ(
+        "ID                    STATUS                AGE  FOLDER  TITLE\n"
+        "rollout-2026-11-24T…  C3 · 47%  █████░░░░░  47s  web     Fix the tests\n",
+        shown(75))
+        << "no name takes the room of the other columns";
 }
 
 TEST_F(TableTest, NarrowScreensKeepStatusAndTitleLongest) {

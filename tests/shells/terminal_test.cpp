@@ -473,6 +473,8 @@ TEST_F(TerminalTest, TopHasItsHeadTheSelectionAndTheKeysAtEverySize) {
                    t.reversed().find("C") != std::string::npos;
         })) << t.screen();
     }
+    EXPECT_TRUE(start("exec $b top --here --folder /usr").waitFor("There is no task to list."));
+    EXPECT_TRUE(start("exec $b top --codex-home /usr").waitFor("There is no session file."));
 }
 
 TEST_F(TerminalTest, ColoursAreShownWhereTheyAreWanted) {
