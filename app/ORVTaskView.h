@@ -118,7 +118,6 @@ struct ORVTaskView {
 struct ORVTaskListView {
     std::vector<ORVTaskView> tasks;
     bool hasSessionsFolder = true;
-    bool mayHaveFiles =
-        true;  ///< Whether there is a session file, or what may hold one is unreadable.
-    bool isComplete = true;  ///< Whether all of them have been read.
+    bool mayHaveFiles = true;  ///< Also while what may hold session files cannot be read.
+    bool isComplete = true;    ///< Whether all of them have been read.
 };

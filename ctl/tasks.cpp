@@ -81,8 +81,8 @@ private:
                 signal(SIGINT, clearProgressAndDie);
                 signal(SIGTERM, clearProgressAndDie);
             }
-            std::array<char, 80>
-                text{};  // A string might find no memory, and end the program here.
+            // Not a string, which might find no memory, and end the program on this thread.
+            std::array<char, 80> text{};
             std::snprintf(text.data(), text.size(), "\rReading tasks: %zu of %zu", done_.load(),
                           total_.load());
             write(text.data());

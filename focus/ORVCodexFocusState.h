@@ -26,9 +26,6 @@ public:
 
     ORVCodexFocusStatus status() const { return status_; }
 
-    // The refresh step makes up a state for a task that the user has named. Such a state has no
-    // version and no message, and may have no identifier even for a task in view.
-
     /// Returns the identifier of the task in view, in the log's spelling; none for other statuses.
     const std::optional<std::string>& threadID() const { return threadID_; }
 

@@ -42,9 +42,8 @@ public:
 /// and sums up what their records say.
 ///
 /// A source keeps its place in every file that it has read, until nobody has asked for it for some
-/// ten minutes. It locks nothing, so one thread uses it
-/// at a time: in the application the refresh queue. A call that fails keeps what it had read,
-/// unless memory ran out.
+/// ten minutes. It locks nothing, so one thread uses it at a time: in the application the refresh
+/// queue. A call that fails keeps what it had read, unless memory ran out.
 class ORVCodexSessionSource final : public ORVAgentSessionSource {
 public:
     /// `files` and `clock` must outlive the source.

@@ -473,8 +473,9 @@ TEST_F(TerminalTest, TopHasItsHeadTheSelectionAndTheKeysAtEverySize) {
                    t.reversed().find("C") != std::string::npos;
         })) << t.screen();
     }
-    EXPECT_TRUE(start("exec $b top --here --folder /usr").waitFor("There is no task to list."));
-    EXPECT_TRUE(start("exec $b top --codex-home /usr").waitFor("There is no session file."));
+    EXPECT_TRUE(start("exec $b top --here --folder /usr").waitFor(shownWord(&ORVWords::noTasks)));
+    EXPECT_TRUE(
+        start("exec $b top --codex-home /usr").waitFor(shownWord(&ORVWords::noSessionFiles)));
 }
 
 TEST_F(TerminalTest, ColoursAreShownWhereTheyAreWanted) {
