@@ -272,6 +272,11 @@ TEST_F(ListedTasksTest, WhoAsksOnceOpensEachFileOnce) {
     };
     EXPECT_EQ("ca 4", rows({.limit = 0})) << "c's twice: it looks like a helper, but has no head";
     EXPECT_EQ("cab 3", rows({.limit = 0, .showsHelpers = true})) << "nothing was kept but those";
+    disk.locked = {"/codex/sessions"};
+    EXPECT_TRUE(viewer.list({})->mayHaveFiles);
+    disk.locked.clear();
+    disk.remove("/codex/sessions");
+    EXPECT_FALSE(viewer.list({})->mayHaveFiles);
 }
 
 TEST(FaultsTest, AnyFaultIsMadeUpForByTheNextRefresh) {

@@ -292,8 +292,10 @@ TEST_F(BrimletctlTest, ATaskThatMayNotBeReadIsNamed) {
     EXPECT_EQ("status 1", run(as + "tasks --limit 1 --json >/dev/null 2>&1"));
     EXPECT_EQ("1\n", run(as + "doctor | grep -c 'file cannot be read: .*/" + secret + "'"));
     home.setDate(secret, 1'000'000);
-    EXPECT_EQ("", run(as + "tasks --limit 1 --json >/dev/null 2>&1"))
-        << "it would not be in the list";
+    for (const std::string filter : {"--limit 1", "--since 1d"}) {
+        EXPECT_EQ("", run(as + "tasks --json " + filter + " >/dev/null 2>&1"))
+            << "it would not be in the list";
+    }
     const std::string helperID = "01a20e72-983b-7e83-81c7-e87b7b63d182";
     const std::string helper = ".codex/sessions/2026/" + helperID + ".jsonl";
     home.append(helper, records::helperMeta(kOther));

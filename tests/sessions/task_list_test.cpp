@@ -99,6 +99,7 @@ TEST_F(TaskListTest, AFamilyIsShownByItsHead) {
         {"1:10 2<1:30 3:20", "1@30+1(2@30) 3@20"},
         {"1:10 2<1:20 3<2:40 4<1:30", "1@40+3(3@40 4@30 2@20)"},
         {"1:90 2<1:20", "1@90+1(2@20)"},
+        {"1:10 2<1:60 3:50 4<3:40 5<1:30", "1@60+2(2@60 5@30) 3@50+1(4@40)"},
         {"2<1:20 3<2:30", "2@30+1(3@30)"},  // The parent has no file.
         {"2<1:20 3<1:30", "3@30 2@20"},
         {"2<:20", "2@20"},
@@ -144,6 +145,9 @@ TEST_F(TaskListTest, LimitsAndDatesAreAboutFamilies) {
     for (const auto& [helpers, expected] : kCases) {
         EXPECT_EQ(expected, described(list.heads({.changedSince = {{40, 0}}, .helpers = helpers})));
     }
+    makeTasks("6:90");
+    refresh();
+    EXPECT_EQ("6@90", heads(Helpers::counted, 1)) << "helpers of a head that is not among them";
 }
 
 TEST_F(TaskListTest, AnAnswerOpensNoMoreFirstLinesThanItNeeds) {
