@@ -70,7 +70,8 @@ std::shared_ptr<const ORVTaskListView> ORVTaskViewer::list(const ORVListRequest&
         keptList_ = {};
     }
     const auto since = sinceOf(request);
-    if (isKept(request, since) && keptList_.list->hasSessionsFolder == view.hasSessionsFolder) {
+    if (isKept(request, since) && keptList_.list->hasSessionsFolder == view.hasSessionsFolder &&
+        keptList_.list->mayHaveFiles == view.mayHaveFiles) {
         return keptList_.list;
     }
     const bool isBeginning = request.readAtOnce > 0 && !std::exchange(hasListed_, true);
