@@ -130,4 +130,9 @@ TEST(JSONObjectTest, LongLines) {
     EXPECT_EQ("refused", read(longLine(ORVJSONReader::kMaxBytes + 1, "1")));
 }
 
+TEST(JSONObjectTest, AnArrayLeavesOutWhatIsNotWritten) {
+    const std::string items[] = {"", "1", "", "2", ""};
+    EXPECT_EQ("[1,2]", text::arrayJSON(items, [](const auto& item) { return item; }));
+}
+
 }  // namespace

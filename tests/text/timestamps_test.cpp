@@ -42,6 +42,9 @@ TEST(TimestampsTest, OnlyWholeTimeStampsOfRealTimesAreRead) {
     for (std::size_t length = 0; length < whole.size(); ++length) {
         EXPECT_EQ(-1, secondsOf(whole.substr(0, length))) << length;
     }
+    EXPECT_EQ(2'000'000, text::nanosecondsOf(whole));
+    EXPECT_EQ(0, text::nanosecondsOf("2026-11-24T16:45:21Z"));
+    EXPECT_EQ(123'456'789, text::nanosecondsOf("2026-11-24T16:45:21.12345678987Z"));
 }
 
 TEST(TimestampsTest, TimesAreShownInTheZoneOfTheUser) {

@@ -27,6 +27,7 @@ TEST(UnicodeTest, InvalidBytesBecomeAsManyReplacementsAsADecoderShows) {
     }
     EXPECT_EQ("a b [31m c d", text::forTerminal("a\tb\x1b[31m\u009bc\x7f"
                                                 "d"));
+    EXPECT_EQ(" ~  \u00A0", text::forTerminal("\x1f~\u0080\u009f\u00A0"));
 }
 
 TEST(UnicodeTest, Characters) {
